@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Result.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace tovik {
+
+/// Modifier flags of a key event.
+inline constexpr std::uint64_t kFunctionFlag = 0x800000;
+inline constexpr std::uint64_t kShiftFlag = 0x20000;
+inline constexpr std::uint64_t kCommandFlag = 0x100000;
+
+/// Key codes, independent of the keyboard layout.
+inline constexpr std::uint16_t kFunctionKeyCode = 63;
+inline constexpr std::uint16_t kShiftKeyCode = 56;
+inline constexpr std::uint16_t kVKeyCode = 9;
+
+/// A modifier key went down or up: which modifiers are held now, and which key changed.
+struct FlagsChangedEvent {
+    std::uint64_t modifierFlags = 0;
+    std::uint16_t keyCode = 0;
+
+    bool operator==(const FlagsChangedEvent&) const = default;
+};
+
+/// Watches the talk key and Shift while another program is active. The keyboard is only observed: every key
+/// still reaches the program it was meant for. Main thread throughout.
+class KeyMonitor {
+public:
+    struct Handlers {
+        /// The talk key counts as the Fn key, either Shift as Shift.
+        std::function<void(const FlagsChangedEvent&)> flagsChanged;
+
+        /// The talk key went down, perhaps as the beginning of another shortcut: flagsChanged follows later,
+        /// or talkKeyDismissed does. The moment at which the user may begin to speak.
+        std::function<void()> talkKeyTouched;
+
+        /// The talk key turned out to belong to another shortcut; no flagsChanged will come of it.
+        std::function<void()> talkKeyDismissed;
+    };
+
+    virtual ~KeyMonitor() = default;
+
+    /// Begins to watch, for as long as the monitor lives. Fails with a sentence for the user when this
+    /// desktop session does not let a program see keys.
+    virtual Result<void> start(Handlers handlers) = 0;
+};
+
+} // namespace tovik

@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tovik {
+
+/// A stored setting: a boolean, string, number, list or map with string keys.
+using PropertyValue = nlohmann::json;
+
+/// The user's settings, by key. Reading is allowed on any thread and always gives the newest stored state,
+/// also when another process wrote it. Writing is for the main thread and is complete when the call returns;
+/// a write that fails is reported by the implementation itself, and what was stored before stays.
+class UserDefaults {
+public:
+    virtual ~UserDefaults() = default;
+
+    /// The value as it is stored, whatever its type; nothing when the key is absent.
+    [[nodiscard]] virtual std::optional<PropertyValue> value(std::string_view key) const = 0;
+
+    virtual void set(std::string_view key, PropertyValue value) = 0;
+
+    /// Removing an absent key is harmless.
+    virtual void remove(std::string_view key) = 0;
+
+    /// The typed reads give nothing when the key is absent or its value is of another type.
+    [[nodiscard]] std::optional<bool> boolean(std::string_view key) const {
+        return typed<bool>(key, &PropertyValue::is_boolean);
+    }
+    [[nodiscard]] std::optional<double> number(std::string_view key) const {
+        return typed<double>(key, &PropertyValue::is_number);
+    }
+    [[nodiscard]] std::optional<std::string> string(std::string_view key) const {
+        return typed<std::string>(key, &PropertyValue::is_string);
+    }
+
+private:
+    template <typename T>
+    std::optional<T> typed(std::string_view key, bool (PropertyValue::*isOfType)() const noexcept) const {
+        const auto stored = value(key);
+        if (!stored || !((*stored).*isOfType)()) {
+            return std::nullopt;
+        }
+        return stored->get<T>();
+    }
+};
+
+} // namespace tovik
