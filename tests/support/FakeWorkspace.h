@@ -1,0 +1,137 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Workspace.h"
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tovik::test {
+
+/// A desktop that the test arranges: which programs run and which one is in front.
+class FakeWorkspace : public Workspace {
+public:
+    struct Activation {
+        RunningApplication application;
+        unsigned options;
+
+        bool operator==(const Activation&) const = default;
+    };
+
+    [[nodiscard]] std::optional<RunningApplication> frontmostApplication() const override {
+        return frontmost_;
+    }
+    [[nodiscard]] RunningApplication currentApplication() const override { return current; }
+    [[nodiscard]] bool isRunning(const RunningApplication& application) const override {
+        return application.processIdentifier == current.processIdentifier ||
+               running_.contains(application.processIdentifier);
+    }
+
+    [[nodiscard]] Subscription onActivation(std::function<void(const RunningApplication&)> handler) override {
+        return activations_->add(std::move(handler));
+    }
+    [[nodiscard]] Subscription onActiveSpaceChanged(std::function<void()> handler) override {
+        return spaceChanges_->add(std::move(handler));
+    }
+
+    void hideSelf() override { calls.emplace_back("hideSelf"); }
+    void deactivateSelf() override { calls.emplace_back("deactivateSelf"); }
+
+    bool activate(const RunningApplication& application, unsigned options) override {
+        calls.emplace_back("activate");
+        activated.push_back({application, options});
+        if (!activationWorks || !isRunning(application)) {
+            return false;
+        }
+        bringToFront(application);
+        return true;
+    }
+
+    bool openUrl(const std::string& address) override {
+        openedUrls.push_back(address);
+        return openingWorks;
+    }
+    bool openFile(const std::string& path) override {
+        openedFiles.push_back(path);
+        return openingWorks;
+    }
+
+    /// The program is started where it was not running, and comes to the front; observers hear of it.
+    void bringToFront(const RunningApplication& application) {
+        launch(application);
+        if (frontmost_ == application) {
+            return;
+        }
+        frontmost_ = application;
+        activations_->tell(application);
+    }
+    /// Nothing is in front any more.
+    void clearFront() { frontmost_.reset(); }
+    /// The program runs, behind the others.
+    void launch(const RunningApplication& application) { running_.insert(application.processIdentifier); }
+    /// The program ends; when it was in front, nothing is any more.
+    void quit(const RunningApplication& application) {
+        running_.erase(application.processIdentifier);
+        if (frontmost_ && frontmost_->processIdentifier == application.processIdentifier) {
+            clearFront();
+        }
+    }
+    void changeSpace() { spaceChanges_->tell(); }
+
+    /// This program.
+    RunningApplication current{"tovik-record", 4242, "Tovik Record", 0};
+    bool activationWorks = true;
+    bool openingWorks = true;
+
+    /// hideSelf, deactivateSelf and activate calls by name, in order.
+    std::vector<std::string> calls;
+    std::vector<Activation> activated;
+    std::vector<std::string> openedUrls;
+    std::vector<std::string> openedFiles;
+
+private:
+    template <typename... Arguments>
+    class Observers : public std::enable_shared_from_this<Observers<Arguments...>> {
+    public:
+        Subscription add(std::function<void(Arguments...)> handler) {
+            const auto id = nextId_++;
+            handlers_.emplace(id, std::move(handler));
+            return Subscription([observers = this->weak_from_this(), id] {
+                if (const auto alive = observers.lock()) {
+                    alive->handlers_.erase(id);
+                }
+            });
+        }
+        void tell(Arguments... arguments) {
+            // A handler may end its own subscription, or another one's, while it is told.
+            std::vector<int> ids;
+            std::transform(handlers_.begin(), handlers_.end(), std::back_inserter(ids),
+                           [](const auto& entry) { return entry.first; });
+            for (const int id : ids) {
+                if (const auto found = handlers_.find(id); found != handlers_.end()) {
+                    const auto handler = found->second;
+                    handler(arguments...);
+                }
+            }
+        }
+
+    private:
+        std::map<int, std::function<void(Arguments...)>> handlers_;
+        int nextId_ = 0;
+    };
+
+    std::optional<RunningApplication> frontmost_;
+    std::set<std::int64_t> running_;
+    std::shared_ptr<Observers<const RunningApplication&>> activations_ =
+        std::make_shared<Observers<const RunningApplication&>>();
+    std::shared_ptr<Observers<>> spaceChanges_ = std::make_shared<Observers<>>();
+};
+
+} // namespace tovik::test
