@@ -1,0 +1,139 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Audio/AudioDevice.h"
+#include "Audio/AudioDeviceSelectionDelegate.h"
+#include "Audio/Recorder.h"
+#include "Platform/AudioEngine.h"
+#include "Platform/AudioHardware.h"
+#include "Platform/CaptureDevices.h"
+#include "Platform/Clock.h"
+#include "Platform/Lifetime.h"
+#include "Platform/MainQueue.h"
+#include "Platform/SpeechService.h"
+#include "Platform/SystemLog.h"
+#include "Platform/UserDefaults.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tovik {
+
+/// Owns the microphone and the recogniser for one dictation at a time, and keeps the list of microphones.
+/// Made, used and destroyed on the main thread; its callbacks arrive on others.
+///
+/// The recording always comes from the system's default input. The chosen device is remembered and named in
+/// the log, and is what a restart of a running recording is about.
+class MacAudioManager : public Recorder {
+public:
+    /// What it works with; all of it outlives the manager.
+    struct Ports {
+        Clock& clock;
+        MainQueue& mainQueue;
+        SystemLog& log;
+        UserDefaults& defaults;
+        AudioEngine& engine;
+        CaptureDevices& captureDevices;
+        AudioHardware& audioHardware;
+        SpeechService& speechService;
+    };
+
+    /// The clean-up of final texts; runs on the recogniser's thread.
+    using TextProcessor = std::function<std::string(const std::string&)>;
+
+    static constexpr std::string_view kAudioDeviceBluetooth = "AppleBluetoothAudio";
+
+    /// Reads the device list and follows it from then on.
+    MacAudioManager(const Ports& ports, TextProcessor processTranscription);
+    /// Waits for a callback that is under way; none begins afterwards. A dictation that runs is given up.
+    ~MacAudioManager() override;
+    MacAudioManager(const MacAudioManager&) = delete;
+    MacAudioManager& operator=(const MacAudioManager&) = delete;
+
+    // Set these before the first start() and leave them alone; each may be absent. They run on the thread of
+    // the recogniser or of the microphone, must not block, and must not call the manager.
+
+    /// The final text of a dictation, cleaned up; may come long after stop(). Not called for a dictation
+    /// that ends in an error.
+    std::function<void(const std::string& text)> onTranscription;
+    /// Every hypothesis on the way to it, as the recogniser gave it.
+    std::function<void(const std::string& text)> onPartialUpdate;
+    /// How loud the newest buffer is, 0...1.
+    std::function<void(float level)> onLevel;
+
+    /// When starting the microphone fails, what was prepared stays until the next stop().
+    Result<void> start() override;
+    /// Blocks for 0.1 s.
+    void stop() override;
+    void openAhead() override;
+    void closeAhead() override;
+
+    /// Remembers the device, and restarts a running recording. Fails with "Device not found" when it is not
+    /// in audioDevices(), or as start() does.
+    Result<void> selectDevice(const AudioDevice& device);
+
+    /// Reads the device list anew and queues a report to the delegate. While a recording runs and a wireless
+    /// headset is there, the recording is restarted with it first.
+    void refreshAudioDevices();
+
+    [[nodiscard]] const std::vector<AudioDevice>& audioDevices() const { return audioDevices_; }
+    [[nodiscard]] const std::optional<AudioDevice>& selectedDevice() const { return selectedDevice_; }
+
+    /// Held weakly. Hears of the first device list when it is set before the main queue runs again.
+    void setDeviceDelegate(std::weak_ptr<AudioDeviceSelectionDelegate> delegate);
+
+private:
+    /// The way from the recogniser's thread back to the manager, and the lock that keeps the manager alive
+    /// while a result is handled.
+    struct Link {
+        std::mutex mutex;
+        MacAudioManager* manager = nullptr;
+    };
+    enum class DeviceChange { connected, disconnected };
+
+    void logDeviceInUse();
+    [[nodiscard]] std::shared_ptr<RecognitionRequest> makeRequest();
+    [[nodiscard]] std::shared_ptr<SpeechRecognizer> chooseRecognizer();
+    [[nodiscard]] std::shared_ptr<SpeechRecognizer> availableRecognizer(const std::string& locale);
+    void startTask();
+    void installTap();
+    void endDictation();
+    void stopAndListenOn();
+    void handleResult(const std::optional<RecognitionResult>& result, const std::optional<Error>& error);
+
+    void setupDeviceMonitoring();
+    void handleDeviceChange(DeviceChange change, const CaptureDevice& device);
+    void checkAndAttemptAirPodsRecovery();
+    [[nodiscard]] bool recoverWith(const std::string& deviceName);
+    [[nodiscard]] std::optional<CaptureDevice> captureDeviceForName(const std::string& name) const;
+    void print(const std::string& line);
+
+    const Ports ports_;
+    const TextProcessor processTranscription_;
+
+    std::shared_ptr<RecognitionRequest> request_;
+    std::unique_ptr<RecognitionTask> recognitionTask_;
+    std::shared_ptr<SpeechRecognizer> speechRecognizer_;
+    /// The request that the installed tap feeds; nothing without a tap.
+    std::shared_ptr<RecognitionRequest> tappedRequest_;
+
+    std::vector<AudioDevice> audioDevices_;
+    std::optional<AudioDevice> selectedDevice_;
+    std::optional<AudioDevice> lastKnownDefaultDevice_;
+    std::weak_ptr<AudioDeviceSelectionDelegate> deviceDelegate_;
+    std::optional<Date> deviceChangeCooldownUntil_;
+    Subscription deviceCheckTimer_;
+    Subscription connected_;
+    Subscription disconnected_;
+
+    const std::shared_ptr<Link> link_ = std::make_shared<Link>();
+    Lifetime lifetime_;
+};
+
+} // namespace tovik

@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Result.h"
+
+namespace tovik {
+
+/// Records one dictation at a time. Main thread.
+class Recorder {
+public:
+    virtual ~Recorder() = default;
+
+    /// Does nothing while a dictation runs. Fails when the microphone cannot be opened.
+    virtual Result<void> start() = 0;
+    /// Ends the dictation; its text comes later. Harmless without one.
+    virtual void stop() = 0;
+
+    /// The user may have begun to speak: what the microphone hears from here on belongs to the next start().
+    virtual void openAhead() = 0;
+    /// The user has not begun to speak after all. Harmless while a dictation runs.
+    virtual void closeAhead() = 0;
+};
+
+} // namespace tovik
