@@ -1,0 +1,107 @@
+# SPDX-FileCopyrightText: 2026 The Tovik Record authors
+# SPDX-License-Identifier: MIT
+"""Tovik Record running on the stage."""
+
+import os
+import signal
+import subprocess
+import time
+
+from .desktop import Desktop
+from .lines import Lines
+from .stage import TOOLS_FOLDER, Stage
+from .waiting import StageError, wait_until
+
+DEFAULT_BINARY = os.path.join(os.path.dirname(TOOLS_FOLDER), "build", "release", "bin", "tovik-record")
+READY = "applicationDidFinishLaunching finished successfully"
+PREFIX = "[TovikVoice] "
+
+
+class Program:
+    """One process of the program. Its output is collected line by line with the moment of arrival."""
+
+    def __init__(self, stage: Stage, binary: str = DEFAULT_BINARY, name: str = "program",
+                 extra_environment: dict[str, str] | None = None) -> None:
+        if not os.access(binary, os.X_OK):
+            raise StageError(f"{binary} is not there; build it first: cmake --build --preset release")
+        self._stage = stage
+        self._name = name
+        self._timings = stage.path(name + ".timings")
+        environment = stage.environment | {"TOVIK_TIMINGS": self._timings} | (extra_environment or {})
+        self._log_size = self._size(self.debug_log)
+        self.started = time.monotonic()
+        with open(stage.path("log", name + ".stderr"), "ab") as errors:
+            self.process = stage.spawn(name, [binary], env=environment, stdout=subprocess.PIPE, stderr=errors,
+                                       text=True, errors="replace")
+        self.lines = Lines(self.process, "the program")
+
+    @property
+    def debug_log(self) -> str:
+        return os.path.join(self._stage.environment["XDG_STATE_HOME"], "tovik-record", "tovik_record_debug.log")
+
+    @property
+    def capture_state(self) -> str:
+        return os.path.join(self._stage.environment["XDG_DATA_HOME"], "Tovik", "capture-state.json")
+
+    @property
+    def defaults(self) -> str:
+        return os.path.join(self._stage.environment["XDG_CONFIG_HOME"], "tovik-record", "defaults.json")
+
+    def wait_until_ready(self, seconds: float = 20.0) -> float:
+        """Waits for the end of the launch sequence; returns how long it took."""
+        def ready() -> bool:
+            if self.process.poll() is not None:
+                raise StageError(f"the program ended at launch with code {self.process.returncode}:\n{self.errors()}")
+            return READY in self._text_from(self.debug_log, self._log_size)
+
+        wait_until(ready, "the program to be ready", seconds, 0.001)
+        return time.monotonic() - self.started
+
+    def errors(self) -> str:
+        """What the program wrote to its standard error and, through it, to the system log."""
+        return self._text_from(self._stage.path("log", self._name + ".stderr"), 0)
+
+    def output(self) -> list[str]:
+        return [line for _, line in self.lines.all()]
+
+    def wait_for_line(self, text: str, seconds: float, start: int = 0) -> tuple[float, str]:
+        """Waits for a line with this text. Returns its moment and the line."""
+        return self.lines.wait_for(lambda line: text in line, f"the line '{text}'", seconds, start)
+
+    def mark_after(self, name: str, moment: float) -> float | None:
+        """The first timing mark of this name at or after a moment, if the program has written one."""
+        for line in self._text_from(self._timings, 0).splitlines():
+            seconds, _, mark = line.partition(" ")
+            if mark == name and float(seconds) >= moment:
+                return float(seconds)
+        return None
+
+    def terminate(self, seconds: float = 5.0) -> int:
+        """Ends the program as the session's end does. Returns its exit code, negative for a signal."""
+        self.process.send_signal(signal.SIGTERM)
+        return self.wait(seconds)
+
+    def wait(self, seconds: float = 5.0) -> int:
+        try:
+            return self.process.wait(seconds)
+        except subprocess.TimeoutExpired as error:
+            raise StageError(f"the program did not end within {seconds:g} seconds") from error
+
+    def windows(self, desktop: Desktop) -> list[int]:
+        return [window for window in desktop.windows() if desktop.process(window) == self.process.pid]
+
+    @staticmethod
+    def _size(path: str) -> int:
+        try:
+            return os.path.getsize(path)
+        except OSError:
+            return 0
+
+    @staticmethod
+    def _text_from(path: str, offset: int) -> str:
+        try:
+            with open(path, errors="replace") as file:
+                file.seek(offset)
+                return file.read()
+        except OSError:
+            return ""
