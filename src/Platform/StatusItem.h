@@ -17,7 +17,7 @@ struct StatusImage {
     Kind kind = Kind::applicationIcon;
     std::string symbolName;
     std::string accessibilityDescription;
-    /// For symbols: point size of the font whose weight is medium that the symbol goes with.
+    /// Icons: edge length. Symbols: size of the text, of medium weight, that the symbol goes with.
     double pointSize = 0;
 
     bool operator==(const StatusImage&) const = default;

@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/HintPanels.h"
+#include "Platform/MainWindow.h"
+#include "Platform/Menu.h"
+#include "Platform/RecordingOverlay.h"
+#include "Platform/StatusItem.h"
+
+#include <functional>
+#include <memory>
+
+namespace tovik {
+
+class PermissionChecklist;
+class PermissionRequests;
+
+/// What the main window shows and leads to. All of it outlives the window.
+struct MainWindowContents {
+    PermissionChecklist& permissions;
+    PermissionRequests& permissionRequests;
+    std::shared_ptr<Menu> statusMenu;
+    std::function<void()> openTovikVoiceUpdates;
+    std::function<void()> openTovikAIWebsite;
+};
+
+/// Makes the program's windows. Main thread.
+class UserInterface {
+public:
+    virtual ~UserInterface() = default;
+
+    [[nodiscard]] virtual std::unique_ptr<StatusItem> makeStatusItem() = 0;
+    [[nodiscard]] virtual std::unique_ptr<RecordingOverlay> makeRecordingOverlay() = 0;
+    [[nodiscard]] virtual std::unique_ptr<HintPanels> makeHintPanels() = 0;
+    /// Builds and shows the main window.
+    [[nodiscard]] virtual std::unique_ptr<MainWindow> makeMainWindow(const MainWindowContents& contents) = 0;
+};
+
+} // namespace tovik

@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Clock.h"
+#include "Platform/Files.h"
+#include "Platform/SystemLog.h"
+
+#include <string>
+#include <string_view>
+
+namespace tovik {
+
+/// A trace of the launch in a file that only grows, for the day on which a launch goes wrong.
+class DebugLog {
+public:
+    /// folder is made when it is missing.
+    DebugLog(Files& files, const Clock& clock, SystemLog& log, std::string folder);
+
+    /// Every failure to write the file is silent; the system log has the line all the same.
+    void debugLog(std::string_view message);
+
+private:
+    Files& files_;
+    const Clock& clock_;
+    SystemLog& log_;
+    std::string folder_;
+};
+
+} // namespace tovik

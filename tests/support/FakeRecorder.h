@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Audio/Recorder.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tovik::test {
+
+/// Records nothing, and remembers what it was asked to do.
+class FakeRecorder : public Recorder {
+public:
+    Result<void> start() override {
+        note("start");
+        if (failure) {
+            return *failure;
+        }
+        return {};
+    }
+    void stop() override { note("stop"); }
+    void openAhead() override { note("openAhead"); }
+    void closeAhead() override { note("closeAhead"); }
+
+    /// What the next starts come to.
+    std::optional<Error> failure;
+    /// start, stop, openAhead and closeAhead calls by name, in order.
+    std::vector<std::string> calls;
+    /// Called with each of them as it comes.
+    std::function<void(const std::string&)> onCall;
+
+private:
+    void note(const std::string& call) {
+        calls.push_back(call);
+        if (onCall) {
+            onCall(call);
+        }
+    }
+};
+
+} // namespace tovik::test
