@@ -1,0 +1,175 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/Storage/JsonFile.h"
+
+#include "Linux/Storage/PosixError.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <functional>
+#include <utility>
+
+namespace tovik {
+
+namespace {
+
+constexpr off_t kLargestFile = 256 << 20;
+
+/// File times advance in steps of a few milliseconds: a file changed in place within the step in which it
+/// was read keeps its time.
+constexpr std::int64_t kTimeStepNanoseconds = 50'000'000;
+
+std::int64_t nanosecondsNow() {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(
+               std::chrono::system_clock::now().time_since_epoch())
+        .count();
+}
+
+std::size_t hashOf(std::string_view text) {
+    return std::hash<std::string_view>()(text);
+}
+
+/// 0 or errno.
+int readAll(int fd, off_t expectedSize, std::string& content) {
+    content.resize(static_cast<std::size_t>(expectedSize) + 1);
+    std::size_t length = 0;
+    while (true) {
+        const auto got =
+            ::pread(fd, content.data() + length, content.size() - length, static_cast<off_t>(length));
+        if (got < 0 && errno != EINTR) {
+            return errno;
+        }
+        if (got == 0) {
+            content.resize(length);
+            return 0;
+        }
+        if (got > 0) {
+            length += static_cast<std::size_t>(got);
+            if (length > static_cast<std::size_t>(kLargestFile)) {
+                return EFBIG;
+            }
+            if (length == content.size()) {
+                content.resize(length * 2);
+            }
+        }
+    }
+}
+
+} // namespace
+
+std::optional<JsonFile::Identity> JsonFile::identityOf(int fd) {
+    struct stat status {};
+    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    return Identity{status.st_dev, status.st_ino,
+                    std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec,
+                    status.st_size};
+}
+
+bool JsonFile::isAsLastSeen() const {
+    struct stat status {};
+    if (!file_ || ::stat(path_.c_str(), &status) != 0) {
+        return false;
+    }
+    return seen_ == Identity{status.st_dev, status.st_ino,
+                             std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec,
+                             status.st_size};
+}
+
+bool JsonFile::mayHaveChangedUnnoticed() const {
+    return std::abs(seenAtNanoseconds_ - seen_.modifiedNanoseconds) < kTimeStepNanoseconds;
+}
+
+std::chrono::system_clock::time_point JsonFile::unreadableSince() const {
+    return std::chrono::system_clock::time_point(
+        std::chrono::duration_cast<std::chrono::system_clock::duration>(
+            std::chrono::nanoseconds(seen_.modifiedNanoseconds)));
+}
+
+bool JsonFile::refresh() {
+    if (isAsLastSeen() && !mayHaveChangedUnnoticed()) {
+        return false;
+    }
+    // Whatever else lies there, a pipe for instance, must not make the program wait.
+    UnixFd file(::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!file) {
+        return errno == ENOENT ? becomeAbsent() : becomeUnreachable(errno);
+    }
+    return readFrom(std::move(file));
+}
+
+bool JsonFile::becomeAbsent() {
+    const bool isNews = state_ != State::absent;
+    state_ = State::absent;
+    file_.reset();
+    unreadableBytes_.clear();
+    if (isNews) {
+        document_ = std::make_shared<JsonDocument>();
+    }
+    return isNews;
+}
+
+bool JsonFile::becomeUnreachable(int code) {
+    const bool isNews = state_ != State::unreachable || error_->code != code;
+    state_ = State::unreachable;
+    file_.reset();
+    error_ = posixError(code, "Cannot read " + path_);
+    return isNews;
+}
+
+bool JsonFile::readFrom(UnixFd file) {
+    const auto identity = identityOf(file.get());
+    if (!identity) {
+        return becomeUnreachable(EINVAL);
+    }
+    if (identity->size > kLargestFile) {
+        return becomeUnreachable(EFBIG);
+    }
+    const auto readAt = nanosecondsNow();
+    std::string content;
+    if (const auto code = readAll(file.get(), identity->size, content)) {
+        return becomeUnreachable(code);
+    }
+    const auto hash = hashOf(content);
+    const bool isKnown = file_ && identity == seen_ && hash == seenHash_;
+    file_ = std::move(file);
+    seen_ = *identity;
+    seenAtNanoseconds_ = readAt;
+    seenHash_ = hash;
+    if (isKnown) {
+        return false;
+    }
+    if (auto parsed = JsonDocument::parse(content)) {
+        state_ = State::readable;
+        document_ = std::make_shared<const JsonDocument>(std::move(*parsed));
+        unreadableBytes_.clear();
+    } else {
+        state_ = State::unreadable;
+        document_ = std::make_shared<JsonDocument>();
+        unreadableBytes_ = std::move(content);
+    }
+    return true;
+}
+
+void JsonFile::adopt(std::shared_ptr<const JsonDocument> document, std::string_view text) {
+    UnixFd file(::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const auto identity = file ? identityOf(file.get()) : std::nullopt;
+    file_.reset();
+    if (identity) {
+        file_ = std::move(file);
+        seen_ = *identity;
+        // Should somebody have changed the file since, its time is as young as this and it is read again.
+        seenAtNanoseconds_ = nanosecondsNow();
+        seenHash_ = hashOf(text);
+    }
+    state_ = State::readable;
+    document_ = std::move(document);
+    unreadableBytes_.clear();
+}
+
+} // namespace tovik

@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Result.h"
+
+#include <string>
+
+namespace tovik {
+
+/// The failure of a system call as a sentence: what was tried, and the system's reason. The code is errno.
+[[nodiscard]] Error posixError(int code, const std::string& attempt);
+
+} // namespace tovik
