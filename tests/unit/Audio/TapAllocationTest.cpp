@@ -1,0 +1,112 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Audio/MacAudioManager.h"
+#include "support/FakeAudioHardware.h"
+#include "support/FakeCaptureDevices.h"
+#include "support/FakeSpeechService.h"
+#include "support/ManualTime.h"
+#include "support/MemoryUserDefaults.h"
+#include "support/RecordingLog.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<long> allocations{0};
+
+void* countedAllocation(std::size_t size) {
+    allocations.fetch_add(1, std::memory_order_relaxed);
+    if (void* memory = std::malloc(size == 0 ? 1 : size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+} // namespace
+
+void* operator new(std::size_t size) {
+    return countedAllocation(size);
+}
+void* operator new[](std::size_t size) {
+    return countedAllocation(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace tovik::test {
+namespace {
+
+/// Keeps the tap, so that a test can call nothing but it.
+class TapKeeper : public AudioEngine {
+public:
+    [[nodiscard]] AudioFormat inputFormat() const override { return {16000, 1}; }
+    [[nodiscard]] bool isRunning() const override { return running_; }
+    void installTap(std::size_t, AudioTap tap) override { tap_ = std::move(tap); }
+    void removeTap() override { tap_ = nullptr; }
+    void prepare() override {}
+    Result<void> start() override {
+        running_ = true;
+        return {};
+    }
+    void stop() override { running_ = false; }
+    void openAhead() override {}
+    void closeAhead() override {}
+    void flush() override {}
+
+    [[nodiscard]] const AudioTap& tap() const { return tap_; }
+
+private:
+    AudioTap tap_;
+    bool running_ = false;
+};
+
+TEST(Tap, whileABufferIsHandled_allocatesNothing) {
+    ManualTime time;
+    RecordingLog log;
+    MemoryUserDefaults defaults;
+    TapKeeper engine;
+    FakeCaptureDevices devices;
+    FakeAudioHardware hardware;
+    FakeSpeechService speech;
+    MacAudioManager manager({time, time, log, defaults, engine, devices, hardware, speech},
+                            [](const std::string& text) { return text; });
+    float lastLevel = 0;
+    manager.onLevel = [&lastLevel](float level) { lastLevel = level; };
+    ASSERT_TRUE(manager.start().ok());
+    std::array<float, 1024> frames{};
+    frames.fill(0.5F);
+
+    // Long enough for the request to wrap around and to overflow: 64 s, of which it keeps 40.
+    const auto before = allocations.load();
+    for (int buffer = 0; buffer < 1000; ++buffer) {
+        engine.tap()({frames, 16000});
+    }
+    EXPECT_EQ(allocations.load() - before, 0);
+    EXPECT_GT(lastLevel, 0.9F);
+    EXPECT_GT(speech.lastUtterance()->request().droppedFrames(), 0U);
+}
+
+TEST(Tap, whenSomethingAllocates_theCounterNotices) {
+    const auto before = allocations.load();
+    const auto text = std::make_unique<std::array<char, 100>>();
+    EXPECT_NE(text, nullptr);
+    EXPECT_GT(allocations.load(), before);
+}
+
+} // namespace
+} // namespace tovik::test
