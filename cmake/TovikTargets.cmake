@@ -22,13 +22,18 @@ function(tovik_library name)
   target_link_libraries(${name} PUBLIC tovik_flags ${ARG_LINKS})
 endfunction()
 
-# tovik_test(<name> KIND unit|contract|ui|desktop SOURCES ... [LINKS ...])
-# A GoogleTest program, run by ctest under the label of its kind.
+# tovik_test(<name> KIND unit|contract|ui|desktop [STAGED] SOURCES ... [LINKS ...])
+# A GoogleTest program, run by ctest under the label of its kind. Desktop tests, and others that are STAGED, find
+# an X server, a window manager, a session bus, a sound server and private folders (see tools/stage).
 function(tovik_test name)
-  cmake_parse_arguments(ARG "" "KIND" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "STAGED" "KIND" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE tovik_flags ${ARG_LINKS} GTest::gmock GTest::gtest_main)
-  add_test(NAME ${name} COMMAND ${name})
+  if(ARG_STAGED OR ARG_KIND STREQUAL "desktop")
+    add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/tools/stage -- $<TARGET_FILE:${name}>)
+  else()
+    add_test(NAME ${name} COMMAND ${name})
+  endif()
   set_tests_properties(${name} PROPERTIES LABELS ${ARG_KIND})
 endfunction()
