@@ -127,6 +127,13 @@ void PushToTalk::abandonStart(const Error& error) {
     with_.log.printLine("[TovikVoice] Failed to start recorder: " + error.description);
 }
 
+void PushToTalk::restartRecording() {
+    if (isRecording()) {
+        stopRecording();
+        startRecording();
+    }
+}
+
 void PushToTalk::stopRecording() {
     state_ = State::idle;
     recordingStartTime_.reset();

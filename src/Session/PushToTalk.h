@@ -53,6 +53,8 @@ public:
 
     void startRecording();
     void stopRecording();
+    /// Ends the running recording, whose text is delivered as usual, and begins another; nothing while idle.
+    void restartRecording();
 
     [[nodiscard]] bool isRecording() const { return state_ != State::idle; }
     [[nodiscard]] bool isRecordingLocked() const { return state_ == State::locked; }
