@@ -1,0 +1,111 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Linux/PulseAudio/PulseHandles.h"
+#include "Linux/PulseAudio/SoundThread.h"
+#include "Platform/Clock.h"
+#include "Platform/Subscription.h"
+#include "Platform/SystemLog.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace tovik {
+
+/// What is known of the sound server at one moment.
+struct SoundServerStatus {
+    enum class State {
+        /// A server was found and has not answered yet.
+        connecting,
+        ready,
+        /// A server is there and turns this program away.
+        refused,
+        absent
+    };
+
+    State state = State::connecting;
+    /// The client library's number of what went wrong, 0 when nothing has.
+    int error = 0;
+    /// When the state began.
+    std::chrono::steady_clock::time_point since;
+};
+
+/// The conversation with the user's sound server, PulseAudio or PipeWire. Kept open as long as this lives;
+/// when the server goes away or was never there, it is looked for again, ever less often, up to once a
+/// second. Logs one line when the server is lost and one when it is back.
+///
+/// A server is started for the user only where the user's client configuration says so, and only at launch
+/// and when somebody hurries: a server that the user stopped on purpose must not rise again by itself.
+class PulseAudioConnection {
+public:
+    /// Somebody who uses the server. All calls come on the sound thread.
+    class Client {
+    public:
+        virtual ~Client() = default;
+        /// The context stays valid until serverLost().
+        virtual void serverReady(pa_context& context) = 0;
+        /// There is no server; said again after every vain attempt to reach one.
+        virtual void serverLost() = 0;
+    };
+
+    /// An empty address means the server of the user's session.
+    explicit PulseAudioConnection(SystemLog& log, std::string address = {});
+    ~PulseAudioConnection();
+    PulseAudioConnection(const PulseAudioConnection&) = delete;
+    PulseAudioConnection& operator=(const PulseAudioConnection&) = delete;
+
+    /// Any thread; answers at once.
+    [[nodiscard]] SoundServerStatus status() const;
+
+    /// Any thread. Looks for a missing server now rather than later.
+    void hurry();
+
+    /// Any thread. The client hears of the server for as long as it exists, also of one that is there
+    /// already.
+    void add(std::weak_ptr<Client> client);
+
+    /// Any thread. Runs the work on the sound thread, in the order of the calls.
+    void post(std::function<void()> work) { thread_.post(std::move(work)); }
+
+    /// Sound thread only.
+    [[nodiscard]] SoundThread& thread() { return thread_; }
+    /// Any thread. One line for the program's log, marked as all its lines are.
+    void log(const std::string& text);
+
+private:
+    enum class Announced { nothing, lost };
+
+    void connect(bool mayStartServer);
+    void stateChanged();
+    void becomeReady();
+    void lose(int error);
+    void retryLater();
+    void announceSilence();
+    void announceLoss(const std::string& text);
+    void setState(SoundServerStatus::State state, int error);
+    void tellClients(const std::function<void(Client&)>& what);
+
+    SystemLog& log_;
+    const std::string address_;
+    mutable std::mutex mutex_;
+    SoundServerStatus status_;
+
+    // Sound thread only.
+    pulse::ContextHandle context_;
+    std::vector<std::weak_ptr<Client>> clients_;
+    Subscription retry_;
+    Subscription silence_;
+    Seconds retryDelay_;
+    Announced announced_ = Announced::nothing;
+    bool wasReady_ = false;
+
+    // Last: everything above must still be there when its last work runs.
+    SoundThread thread_;
+};
+
+} // namespace tovik

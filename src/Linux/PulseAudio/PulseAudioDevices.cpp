@@ -1,0 +1,149 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/PulseAudio/PulseAudioDevices.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tovik {
+
+namespace {
+
+CaptureDevice asDevice(const SoundSource& source) {
+    return {source.name, source.description};
+}
+
+// The server counts inputs and outputs apart; one number must tell them apart.
+std::uint32_t idOfSource(std::uint32_t index) {
+    return index * 2;
+}
+std::uint32_t idOfSink(std::uint32_t index) {
+    return index * 2 + 1;
+}
+
+} // namespace
+
+PulseAudioDevices::PulseAudioDevices(PulseAudioConnection& connection, MainQueue& queue,
+                                     const UserDefaults& defaults)
+    : connection_(connection),
+      defaults_(defaults),
+      directory_(std::make_shared<SoundDirectory>()) {
+    // Looks at its guard on the main thread only: the sound thread merely carries it there.
+    std::function<void()> told = lifetime_.guard([this] { tellWhatChanged(); });
+    directory_->observe(connection_, [&queue, told] { queue.async(told); });
+    connection_.add(directory_);
+}
+
+// The directory may be busy on the sound thread, so its end is left to that thread.
+PulseAudioDevices::~PulseAudioDevices() {
+    connection_.post([directory = std::move(directory_)] {});
+}
+
+std::vector<SoundSource> PulseAudioDevices::microphones() const {
+    return directory_->listing().microphones(defaults_.boolean("platform.listMonitors").value_or(false));
+}
+
+std::vector<CaptureDevice> PulseAudioDevices::devices() const {
+    std::vector<CaptureDevice> devices;
+    for (const auto& source : microphones()) {
+        devices.push_back(asDevice(source));
+    }
+    return devices;
+}
+
+std::optional<std::string> PulseAudioDevices::defaultDeviceId() const {
+    const auto listing = directory_->listing();
+    const auto* source = listing.usableDefault();
+    return source == nullptr ? std::nullopt : std::optional(source->name);
+}
+
+Result<std::vector<std::uint32_t>> PulseAudioDevices::deviceIds() const {
+    const auto listing = directory_->listing();
+    if (!listing.known) {
+        const auto error = connection_.status().error;
+        return Error{"PulseAudio", error, error == 0 ? "not answered yet" : pa_strerror(error)};
+    }
+    std::vector<std::uint32_t> ids;
+    for (const auto& source : microphones()) {
+        ids.push_back(idOfSource(source.index));
+    }
+    for (const auto& sink : listing.sinks) {
+        ids.push_back(idOfSink(sink.index));
+    }
+    return ids;
+}
+
+std::optional<std::string> PulseAudioDevices::deviceName(std::uint32_t id) const {
+    const auto listing = directory_->listing();
+    for (const auto& source : listing.sources) {
+        if (idOfSource(source.index) == id && !source.description.empty()) {
+            return source.description;
+        }
+    }
+    for (const auto& sink : listing.sinks) {
+        if (idOfSink(sink.index) == id && !sink.description.empty()) {
+            return sink.description;
+        }
+    }
+    return std::nullopt;
+}
+
+Subscription PulseAudioDevices::onConnected(std::function<void(const CaptureDevice&)> handler) {
+    return add(connected_, std::move(handler));
+}
+
+Subscription PulseAudioDevices::onDisconnected(std::function<void(const CaptureDevice&)> handler) {
+    return add(disconnected_, std::move(handler));
+}
+
+Subscription PulseAudioDevices::add(const std::shared_ptr<Handlers>& handlers,
+                                    std::function<void(const CaptureDevice&)> handler) {
+    const auto key = handlers->empty() ? 0 : handlers->rbegin()->first + 1;
+    handlers->emplace(key, std::move(handler));
+    return Subscription([weak = std::weak_ptr(handlers), key] {
+        if (const auto alive = weak.lock()) {
+            alive->erase(key);
+        }
+    });
+}
+
+// A handler may end any subscription, its own too.
+void PulseAudioDevices::tell(const std::shared_ptr<Handlers>& handlers, const CaptureDevice& device) {
+    const auto now = *handlers;
+    for (const auto& [key, handler] : now) {
+        if (handlers->contains(key)) {
+            handler(device);
+        }
+    }
+}
+
+void PulseAudioDevices::tellWhatChanged() {
+    Known now;
+    std::vector<CaptureDevice> arrived;
+    std::vector<CaptureDevice> left;
+    for (const auto& source : microphones()) {
+        now.emplace(source.index, asDevice(source));
+        if (const auto before = known_.find(source.index);
+            before == known_.end() || before->second.uniqueId != source.name) {
+            arrived.push_back(asDevice(source));
+        }
+    }
+    for (const auto& [index, device] : known_) {
+        if (const auto still = now.find(index);
+            still == now.end() || still->second.uniqueId != device.uniqueId) {
+            left.push_back(device);
+        }
+    }
+    known_ = std::move(now);
+    // A handler may drop what it was handed, these devices included.
+    const auto disconnected = disconnected_;
+    const auto connected = connected_;
+    for (const auto& device : left) {
+        tell(disconnected, device);
+    }
+    for (const auto& device : arrived) {
+        tell(connected, device);
+    }
+}
+
+} // namespace tovik

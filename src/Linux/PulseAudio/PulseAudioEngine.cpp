@@ -1,0 +1,223 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/PulseAudio/PulseAudioEngine.h"
+
+#include "Linux/PulseAudio/CaptureRelay.h"
+#include "Linux/PulseAudio/CaptureStream.h"
+
+#include <string>
+#include <utility>
+
+namespace tovik {
+
+namespace {
+
+// Speech needs no more, and studio interfaces can be set to several times as much.
+constexpr std::uint32_t kHighestRate = 96000;
+constexpr std::uint32_t kUsualRate = 48000;
+// How long a server that has accepted the connection may take to answer before it counts as stuck.
+constexpr std::chrono::milliseconds kPatience{500};
+
+struct SourceFormat {
+    pa_sample_spec spec;
+    pa_channel_map channels;
+};
+
+SourceFormat formatFor(const SoundListing& listing) {
+    SourceFormat format{{PA_SAMPLE_FLOAT32NE, kUsualRate, 1}, {}};
+    pa_channel_map_init_mono(&format.channels);
+    if (const auto* source = listing.usableDefault(); source != nullptr) {
+        format.spec.rate = source->spec.rate > kHighestRate ? kUsualRate : source->spec.rate;
+        format.spec.channels = source->spec.channels;
+        format.channels = source->channels;
+    }
+    return format;
+}
+
+Error failure(int code, const std::string& sentence) {
+    return {"PulseAudio", code, sentence};
+}
+
+} // namespace
+
+/// The half of the engine that lives on the sound thread, and the relay between the halves.
+class PulseAudioEngine::Microphone : public PulseAudioConnection::Client {
+public:
+    Microphone(PulseAudioConnection& connection, std::shared_ptr<SoundDirectory> directory)
+        : connection_(connection),
+          directory_(std::move(directory)) {}
+
+    /// For any thread.
+    CaptureRelay relay;
+
+    // The rest is for the sound thread.
+    void open(CaptureRelay::Session session) {
+        stream_.reset();
+        if (!relay.isCurrent(session)) {
+            return;
+        }
+        session_ = session;
+        if (context_ != nullptr) {
+            openStream();
+        }
+    }
+
+    void close() { stream_.reset(); }
+
+    void deliverKept() { relay.deliver(session_); }
+
+    /// A microphone may have been asked for before the server had told of its sources.
+    void listingChanged() {
+        if (context_ != nullptr && stream_ == nullptr && relay.isCurrent(session_)) {
+            openStream();
+        }
+    }
+
+    void serverReady(pa_context& context) override { context_ = &context; }
+
+    void serverLost() override {
+        context_ = nullptr;
+        stream_.reset();
+        relay.finish(session_);
+    }
+
+private:
+    void openStream() {
+        const auto listing = directory_->listing();
+        if (!listing.known) {
+            return;
+        }
+        if (listing.usableDefault() == nullptr) {
+            relay.finish(session_);
+            return;
+        }
+        const auto format = formatFor(listing);
+        relay.prepare(session_, format.spec.rate);
+        stream_ = std::make_unique<CaptureStream>(*context_, format.spec, format.channels, relay, session_,
+                                                  [this](int error) { ended(error); });
+    }
+
+    void ended(int error) {
+        relay.finish(session_);
+        if (error != PA_ERR_CONNECTIONTERMINATED) {
+            connection_.log("Microphone lost: " + std::string(pa_strerror(error)));
+        }
+    }
+
+    PulseAudioConnection& connection_;
+    std::shared_ptr<SoundDirectory> directory_;
+    pa_context* context_ = nullptr;
+    CaptureRelay::Session session_ = 0;
+    std::unique_ptr<CaptureStream> stream_;
+};
+
+PulseAudioEngine::PulseAudioEngine(PulseAudioConnection& connection,
+                                   std::shared_ptr<SoundDirectory> directory)
+    : connection_(connection),
+      directory_(std::move(directory)),
+      microphone_(std::make_shared<Microphone>(connection, directory_)) {
+    connection_.add(microphone_);
+    directory_->observe(connection_, [weak = std::weak_ptr(microphone_)] {
+        if (const auto microphone = weak.lock()) {
+            microphone->listingChanged();
+        }
+    });
+}
+
+PulseAudioEngine::~PulseAudioEngine() {
+    removeTap();
+    close();
+    connection_.post([microphone = std::move(microphone_)] {});
+}
+
+AudioFormat PulseAudioEngine::inputFormat() const {
+    return {static_cast<double>(formatFor(directory_->listing()).spec.rate), 1};
+}
+
+bool PulseAudioEngine::isRunning() const {
+    return microphone_->relay.isDelivering();
+}
+
+void PulseAudioEngine::installTap(std::size_t bufferSize, AudioTap tap) {
+    microphone_->relay.installTap(bufferSize, std::move(tap));
+}
+
+void PulseAudioEngine::removeTap() {
+    microphone_->relay.removeTap();
+}
+
+void PulseAudioEngine::prepare() {
+    connection_.hurry();
+}
+
+Result<void> PulseAudioEngine::start() {
+    if (isRunning()) {
+        return {};
+    }
+    if (auto ready = readiness(); !ready) {
+        closeAhead();
+        return ready;
+    }
+    if (microphone_->relay.isAhead()) {
+        microphone_->relay.startDelivering();
+        connection_.post([microphone = microphone_] { microphone->deliverKept(); });
+    } else {
+        open(false);
+    }
+    return {};
+}
+
+void PulseAudioEngine::stop() {
+    close();
+}
+
+void PulseAudioEngine::openAhead() {
+    if (!isRunning() && !microphone_->relay.isAhead()) {
+        connection_.hurry();
+        open(true);
+    }
+}
+
+void PulseAudioEngine::closeAhead() {
+    if (microphone_->relay.isAhead()) {
+        close();
+    }
+}
+
+void PulseAudioEngine::flush() {
+    microphone_->relay.flush();
+}
+
+Result<void> PulseAudioEngine::readiness() const {
+    const auto status = connection_.status();
+    switch (status.state) {
+    case SoundServerStatus::State::absent:
+        return failure(status.error, "No sound server is running");
+    case SoundServerStatus::State::refused:
+        return failure(status.error, "The sound server refuses this program");
+    case SoundServerStatus::State::connecting:
+        if (std::chrono::steady_clock::now() - status.since > kPatience) {
+            return failure(PA_ERR_TIMEOUT, "The sound server does not answer");
+        }
+        return {};
+    case SoundServerStatus::State::ready:
+        break;
+    }
+    const auto listing = directory_->listing();
+    if (listing.known && listing.usableDefault() == nullptr) {
+        return failure(PA_ERR_NOENTITY, "There is no microphone");
+    }
+    return {};
+}
+
+void PulseAudioEngine::open(bool ahead) {
+    const auto session = microphone_->relay.open(ahead);
+    connection_.post([microphone = microphone_, session] { microphone->open(session); });
+}
+
+void PulseAudioEngine::close() {
+    microphone_->relay.close();
+    connection_.post([microphone = microphone_] { microphone->close(); });
+}
+
+} // namespace tovik

@@ -1,0 +1,146 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/PulseAudio/SoundDirectory.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace tovik {
+
+namespace {
+
+// Both servers make an output of this name while there is no real one.
+constexpr auto kStandInMonitor = "auto_null.monitor";
+
+bool canBeHeard(const SoundSource& source) {
+    return source.name != kStandInMonitor;
+}
+
+std::string text(const char* bytes) {
+    return bytes == nullptr ? std::string() : std::string(bytes);
+}
+
+} // namespace
+
+const SoundSource* SoundListing::usableDefault() const {
+    const auto found = std::find_if(sources.begin(), sources.end(), [this](const SoundSource& source) {
+        return source.name == defaultSource && canBeHeard(source);
+    });
+    return found == sources.end() ? nullptr : &*found;
+}
+
+std::vector<SoundSource> SoundListing::microphones(bool withMonitors) const {
+    const auto isRealMicrophone = [](const SoundSource& source) { return !source.isMonitor; };
+    const bool all = withMonitors || std::none_of(sources.begin(), sources.end(), isRealMicrophone);
+    std::vector<SoundSource> chosen;
+    std::copy_if(sources.begin(), sources.end(), std::back_inserter(chosen), [&](const SoundSource& source) {
+        return canBeHeard(source) && (all || isRealMicrophone(source));
+    });
+    return chosen;
+}
+
+void SoundDirectory::observe(PulseAudioConnection& connection, std::function<void()> observer) {
+    connection.post([self = shared_from_this(), observer = std::move(observer)]() mutable {
+        self->observers_.push_back(std::move(observer));
+    });
+}
+
+SoundListing SoundDirectory::listing() const {
+    const std::lock_guard lock(mutex_);
+    return listing_;
+}
+
+void SoundDirectory::serverReady(pa_context& context) {
+    context_ = &context;
+    pa_context_set_subscribe_callback(
+        context_,
+        [](pa_context*, pa_subscription_event_type_t, std::uint32_t, void* self) {
+            static_cast<SoundDirectory*>(self)->read();
+        },
+        this);
+    const auto mask = static_cast<pa_subscription_mask_t>(
+        PA_SUBSCRIPTION_MASK_SOURCE | PA_SUBSCRIPTION_MASK_SINK | PA_SUBSCRIPTION_MASK_SERVER);
+    pulse::OperationHandle subscribing(pa_context_subscribe(context_, mask, nullptr, nullptr));
+    read();
+    operations_.push_back(std::move(subscribing));
+}
+
+void SoundDirectory::serverLost() {
+    operations_.clear();
+    awaited_ = 0;
+    outdated_ = false;
+    context_ = nullptr;
+    if (listing().known) {
+        publish({});
+    }
+}
+
+// One reading at a time: notices come in swarms, and a reading that begins after the last of them sees all.
+void SoundDirectory::read() {
+    if (awaited_ > 0) {
+        outdated_ = true;
+        return;
+    }
+    outdated_ = false;
+    next_ = {};
+    next_.known = true;
+    operations_.clear();
+    awaited_ = 3;
+    operations_.emplace_back(pa_context_get_server_info(
+        context_,
+        [](pa_context*, const pa_server_info* info, void* data) {
+            auto* self = static_cast<SoundDirectory*>(data);
+            if (info != nullptr) {
+                self->next_.defaultSource = text(info->default_source_name);
+            }
+            self->answered();
+        },
+        this));
+    operations_.emplace_back(pa_context_get_source_info_list(
+        context_,
+        [](pa_context*, const pa_source_info* info, int end, void* data) {
+            auto* self = static_cast<SoundDirectory*>(data);
+            if (end != 0) {
+                self->answered();
+                return;
+            }
+            self->next_.sources.push_back({info->index, text(info->name), text(info->description),
+                                           info->monitor_of_sink != PA_INVALID_INDEX, info->sample_spec,
+                                           info->channel_map});
+        },
+        this));
+    operations_.emplace_back(pa_context_get_sink_info_list(
+        context_,
+        [](pa_context*, const pa_sink_info* info, int end, void* data) {
+            auto* self = static_cast<SoundDirectory*>(data);
+            if (end != 0) {
+                self->answered();
+                return;
+            }
+            self->next_.sinks.push_back({info->index, text(info->description)});
+        },
+        this));
+}
+
+void SoundDirectory::answered() {
+    if (--awaited_ > 0) {
+        return;
+    }
+    publish(std::exchange(next_, {}));
+    if (outdated_) {
+        read();
+    }
+}
+
+void SoundDirectory::publish(SoundListing listing) {
+    {
+        const std::lock_guard lock(mutex_);
+        listing_ = std::move(listing);
+    }
+    for (const auto& observer : observers_) {
+        observer();
+    }
+}
+
+} // namespace tovik

@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Linux/PulseAudio/PulseAudioConnection.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace tovik {
+
+struct SoundSource {
+    std::uint32_t index = 0;
+    std::string name;
+    std::string description;
+    bool isMonitor = false;
+    pa_sample_spec spec{};
+    pa_channel_map channels{};
+};
+
+struct SoundSink {
+    std::uint32_t index = 0;
+    std::string description;
+};
+
+/// What the server told of its devices, in its own order.
+struct SoundListing {
+    /// False until the server has told, and again once it is lost; then all else is empty.
+    bool known = false;
+    std::string defaultSource;
+    std::vector<SoundSource> sources;
+    std::vector<SoundSink> sinks;
+
+    /// Nothing when the server names a default that is not listed, or only the stand-in that it makes for a
+    /// machine without sound hardware, on which nothing can ever be heard.
+    [[nodiscard]] const SoundSource* usableDefault() const;
+    /// The sources that people would call a microphone. Monitors, which hear what an output plays, are among
+    /// them only where they are asked for or nothing else is there.
+    [[nodiscard]] std::vector<SoundSource> microphones(bool withMonitors) const;
+};
+
+/// Keeps the listing up to date from the server's own notices. Create it as a shared pointer and add it to
+/// the connection.
+class SoundDirectory : public PulseAudioConnection::Client,
+                       public std::enable_shared_from_this<SoundDirectory> {
+public:
+    /// Any thread. From the next change of the listing on, calls the observer on the sound thread.
+    void observe(PulseAudioConnection& connection, std::function<void()> observer);
+
+    /// Any thread; answers at once.
+    [[nodiscard]] SoundListing listing() const;
+
+    void serverReady(pa_context& context) override;
+    void serverLost() override;
+
+private:
+    void read();
+    void answered();
+    void publish(SoundListing listing);
+
+    mutable std::mutex mutex_;
+    SoundListing listing_;
+
+    // Sound thread only.
+    std::vector<std::function<void()>> observers_;
+    pa_context* context_ = nullptr;
+    SoundListing next_;
+    /// Dropped ones do not answer any more.
+    std::vector<pulse::OperationHandle> operations_;
+    int awaited_ = 0;
+    bool outdated_ = false;
+};
+
+} // namespace tovik

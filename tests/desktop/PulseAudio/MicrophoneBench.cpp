@@ -1,0 +1,108 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+//
+// Measures the microphone against a 48 kHz virtual source: how soon it hears, and what opening and closing it
+// cuts off. Prints a table for docs/performance.md.
+#include "SoundRig.h"
+
+#include <sys/resource.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+using namespace tovik;
+using namespace tovik::test;
+using Time = std::chrono::steady_clock;
+
+double milliseconds(Time::duration duration) {
+    return std::chrono::duration<double, std::milli>(duration).count();
+}
+
+struct Numbers {
+    std::vector<double> values;
+
+    void print(const char* title) {
+        std::sort(values.begin(), values.end());
+        std::printf("  %-58s %8.2f %8.2f %8.2f\n", title, values.front(), values[values.size() / 2],
+                    values.back());
+    }
+};
+
+/// Frames from one counted frame to a later one.
+double framesBetween(std::uint64_t from, std::uint64_t to) {
+    const auto turn = static_cast<std::int64_t>(VirtualMicrophone::countedFrames);
+    auto difference = (static_cast<std::int64_t>(to) - static_cast<std::int64_t>(from)) % turn;
+    if (difference > turn / 2) {
+        difference -= turn;
+    } else if (difference < -turn / 2) {
+        difference += turn;
+    }
+    return static_cast<double>(difference);
+}
+
+std::uint64_t now(const VirtualMicrophone& microphone) {
+    return microphone.frames() % VirtualMicrophone::countedFrames;
+}
+
+void measure(SoundServer::Kind kind, int times) {
+    SoundServer server(kind);
+    server.start();
+    auto& microphone = server.plugIn("bench", "Bench");
+    server.setDefaultSource("bench");
+    microphone.count();
+    SoundRig rig(server);
+    if (!rig.waitForDefault("bench")) {
+        std::printf("no server\n");
+        return;
+    }
+    Numbers startCall, stopCall, firstBuffer, headCut, tailCut, opening, samplesAhead;
+    for (int round = 0; round < times; ++round) {
+        Listener listener;
+        std::atomic<Time::rep> first = 0;
+        std::atomic<std::uint64_t> firstNumber = 0;
+        const auto tap = listener.tap();
+        rig.engine.installTap(1024, [&, tap](const AudioBuffer& buffer) {
+            if (first == 0) {
+                first = Time::now().time_since_epoch().count();
+            }
+            tap(buffer);
+        });
+        const auto atStart = now(microphone);
+        const auto begun = Time::now();
+        if (const auto started = rig.engine.start(); !started) {
+            std::printf("%s\n", started.error().description.c_str());
+            return;
+        }
+        startCall.values.push_back(milliseconds(Time::now() - begun));
+        listener.waitFor(static_cast<std::size_t>(10 * 1024));
+        firstBuffer.values.push_back(milliseconds(Time::duration(first.load()) - begun.time_since_epoch()));
+        const auto cut = framesBetween(atStart, VirtualMicrophone::numberOf(listener.samples().front()));
+        headCut.values.push_back(cut / 48.0);
+        const auto atStop = now(microphone);
+        rig.engine.flush();
+        const auto stopping = Time::now();
+        rig.engine.stop();
+        stopCall.values.push_back(milliseconds(Time::now() - stopping));
+        rig.engine.removeTap();
+        tailCut.values.push_back(
+            framesBetween(VirtualMicrophone::numberOf(listener.samples().back()), atStop) / 48.0);
+    }
+    std::printf("%s: %d recordings, milliseconds: least, median, most\n", nameOf(kind), times);
+    startCall.print("start() returns after");
+    firstBuffer.print("start() to the first whole buffer in the tap");
+    headCut.print("spoken after start() and missing at the beginning");
+    tailCut.print("spoken before flush() and missing at the end");
+    stopCall.print("stop() returns after");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    isolateSoundClient();
+    const int times = argc > 1 ? std::atoi(argv[1]) : 30;
+    measure(SoundServer::Kind::pulseAudio, times);
+    measure(SoundServer::Kind::pipeWire, times);
+    return 0;
+}
