@@ -188,6 +188,10 @@ void PulseAudioEngine::flush() {
     microphone_->relay.flush();
 }
 
+std::optional<std::chrono::steady_clock::time_point> PulseAudioEngine::firstFrameCapturedAt() const {
+    return microphone_->relay.firstFrameAt();
+}
+
 Result<void> PulseAudioEngine::readiness() const {
     const auto status = connection_.status();
     switch (status.state) {
