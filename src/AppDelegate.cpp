@@ -28,7 +28,7 @@ namespace tovik {
 /// Everything the program is made of, in the order in which one part stands on another.
 struct AppDelegate::Parts {
     explicit Parts(const Platform& p)
-        : debugLog(p.files, p.clock, p.log, p.debugLogFolder),
+        : debugLog(p.files, p.clock, p.log, p.debugLogFile),
           captureState(p.files, p.clock, p.log, p.dataFolder, p.processIdentifier),
           targets(p.workspace),
           dictionary(p.defaults, p.log),

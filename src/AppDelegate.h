@@ -52,9 +52,9 @@ struct Platform {
     ProcessLauncher& processLauncher;
     UserInterface& userInterface;
     std::function<void()> terminate;
-    /// Where programs of this user keep their data, and where this one keeps its debug log.
+    /// Where programs of this user keep their data, and the trace of this one's launches.
     std::string dataFolder;
-    std::string debugLogFolder;
+    std::string debugLogFile;
     std::int64_t processIdentifier = 0;
 };
 

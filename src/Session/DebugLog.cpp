@@ -18,25 +18,24 @@ bool isUtf8(std::string_view text) {
 
 } // namespace
 
-DebugLog::DebugLog(Files& files, const Clock& clock, SystemLog& log, std::string folder)
+DebugLog::DebugLog(Files& files, const Clock& clock, SystemLog& log, std::string path)
     : files_(files),
       clock_(clock),
       log_(log),
-      folder_(std::move(folder)) {}
+      path_(std::move(path)) {}
 
 void DebugLog::debugLog(std::string_view message) {
     log_.logLine("[TovikVoice] " + std::string(message));
     if (!isUtf8(message)) {
         return;
     }
-    const auto path = folder_ + "/tovik_record_debug.log";
     const auto line = "[" + dateDescription(clock_.now()) + "] " + std::string(message) + "\n";
-    if (files_.append(path, line)) {
+    if (files_.append(path_, line)) {
         return;
     }
     // Most likely the file does not exist yet.
-    if (files_.createFolder(folder_)) {
-        (void)files_.writeAtomically(path, line);
+    if (files_.createFolder(path_.substr(0, path_.rfind('/')))) {
+        (void)files_.writeAtomically(path_, line);
     }
 }
 

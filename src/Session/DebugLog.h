@@ -14,8 +14,8 @@ namespace tovik {
 /// A trace of the launch in a file that only grows, for the day on which a launch goes wrong.
 class DebugLog {
 public:
-    /// folder is made when it is missing.
-    DebugLog(Files& files, const Clock& clock, SystemLog& log, std::string folder);
+    /// The folder of the file is made when it is missing.
+    DebugLog(Files& files, const Clock& clock, SystemLog& log, std::string path);
 
     /// Every failure to write the file is silent; the system log has the line all the same.
     void debugLog(std::string_view message);
@@ -24,7 +24,7 @@ private:
     Files& files_;
     const Clock& clock_;
     SystemLog& log_;
-    std::string folder_;
+    std::string path_;
 };
 
 } // namespace tovik

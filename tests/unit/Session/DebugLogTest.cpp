@@ -18,7 +18,7 @@ protected:
     test::FakeFiles files;
     test::ManualTime time;
     test::RecordingLog log;
-    DebugLog debugLog{files, time, log, "/home/ada/.local/state/tovik-record"};
+    DebugLog debugLog{files, time, log, path};
 };
 
 TEST_F(DebugLogTest, firstMessage_makesTheFileWithExactlyOneLine) {

@@ -1,0 +1,300 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "AppDelegate.h"
+
+#include "support/FakeAlert.h"
+#include "support/FakeAudioEngine.h"
+#include "support/FakeAudioHardware.h"
+#include "support/FakeAuthorization.h"
+#include "support/FakeCaptureDevices.h"
+#include "support/FakeFiles.h"
+#include "support/FakeKeyEventPoster.h"
+#include "support/FakeKeyMonitor.h"
+#include "support/FakePasteboard.h"
+#include "support/FakeProcessLauncher.h"
+#include "support/FakeScreens.h"
+#include "support/FakeSpeechService.h"
+#include "support/FakeTextTranslator.h"
+#include "support/FakeUserInterface.h"
+#include "support/FakeWorkspace.h"
+#include "support/ManualTime.h"
+#include "support/MemoryUserDefaults.h"
+#include "support/RecordingLog.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tovik {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const RunningApplication editor{"org.editor", 100, "Editor", 7};
+constexpr auto kDebugLog = "/home/ada/.local/state/tovik-record/tovik_record_debug.log";
+constexpr auto kStateFile = "/home/ada/.local/share/Tovik/capture-state.json";
+
+class AppDelegateTest : public testing::Test {
+protected:
+    void launch() {
+        delegate = std::make_unique<AppDelegate>(Platform{
+            .clock = time,
+            .mainQueue = time,
+            .log = log,
+            .defaults = defaults,
+            .files = files,
+            .workspace = workspace,
+            .keyMonitor = keyMonitor,
+            .keyEventPoster = poster,
+            .pasteboard = pasteboard,
+            .audioEngine = engine,
+            .captureDevices = devices,
+            .audioHardware = hardware,
+            .speechService = speech,
+            .authorization = authorization,
+            .translator = translator,
+            .screens = screens,
+            .alert = alert,
+            .processLauncher = launcher,
+            .userInterface = userInterface,
+            .terminate = [this] { ++terminations; },
+            .dataFolder = "/home/ada/.local/share",
+            .debugLogFile = kDebugLog,
+            .processIdentifier = 4242,
+        });
+        delegate->applicationDidFinishLaunching();
+        time.runPending();
+    }
+
+    /// The recogniser answers the newest utterance, on a thread of its own.
+    void recognise(const std::string& text) {
+        std::thread([utterance = speech.lastUtterance(), text] { utterance->deliverFinal(text); }).join();
+        time.runPending();
+    }
+
+    test::ManualTime time;
+    test::RecordingLog log;
+    test::MemoryUserDefaults defaults;
+    test::FakeFiles files;
+    test::FakeWorkspace workspace;
+    test::FakeKeyMonitor keyMonitor;
+    test::FakeKeyEventPoster poster;
+    test::FakePasteboard pasteboard;
+    test::FakeAudioEngine engine;
+    test::FakeCaptureDevices devices;
+    test::FakeAudioHardware hardware;
+    test::FakeSpeechService speech;
+    test::FakeAuthorization authorization;
+    test::FakeTextTranslator translator;
+    test::FakeScreens screens;
+    test::FakeAlert alert;
+    test::FakeProcessLauncher launcher;
+    test::FakeUserInterface userInterface;
+    int terminations = 0;
+    std::unique_ptr<AppDelegate> delegate;
+};
+
+// The launch.
+
+TEST_F(AppDelegateTest, launch_leavesItsTraceInOrder) {
+    launch();
+    EXPECT_THAT(log.logged(),
+                ElementsAre("[TovikVoice] AppDelegate.init() called",
+                            "[TovikVoice] applicationDidFinishLaunching started",
+                            "[TovikVoice] Status item created",
+                            "[TovikVoice] applicationDidFinishLaunching finished successfully"));
+    EXPECT_EQ(files.contentOf(kDebugLog),
+              "[2025-03-01 14:05:09 +0000] applicationDidFinishLaunching started\n"
+              "[2025-03-01 14:05:09 +0000] Status item created\n"
+              "[2025-03-01 14:05:09 +0000] applicationDidFinishLaunching finished successfully\n");
+    EXPECT_THAT(log.printed(), IsEmpty());
+}
+
+TEST_F(AppDelegateTest, launch_buildsTheStatusItemFirstAndTheMainWindowLast) {
+    std::vector<std::string> made;
+    userInterface.onCall = [&made](const std::string& call) { made.push_back(call); };
+    launch();
+    EXPECT_EQ(made.front(), "makeStatusItem");
+    EXPECT_EQ(made.back(), "makeMainWindow");
+    EXPECT_EQ(keyMonitor.startCount, 1);
+}
+
+TEST_F(AppDelegateTest, statusItem_showsTheProgramAndItsMenu) {
+    launch();
+    EXPECT_EQ(userInterface.statusItem->image(),
+              (StatusImage{StatusImage::Kind::applicationIcon, "AppIcon", "Tovik Record", 18}));
+    EXPECT_THAT(userInterface.statusItem->toolTips(), ElementsAre("Tovik Record"));
+    ASSERT_NE(userInterface.statusItem->menu(), nullptr);
+    EXPECT_EQ(userInterface.statusItem->menu()->items().size(), 8u);
+    EXPECT_EQ(userInterface.windowContents->statusMenu, userInterface.statusItem->menu());
+}
+
+TEST_F(AppDelegateTest, withoutATray_saysSoAndGoesOn) {
+    userInterface.hasTray = false;
+    launch();
+    EXPECT_THAT(log.logged(), testing::Contains("[TovikVoice] FAILED to get status item button"));
+    EXPECT_NE(userInterface.mainWindow, nullptr);
+}
+
+TEST_F(AppDelegateTest, launch_asksForNothingAndRecordsNothing) {
+    authorization.setMicrophoneStatus(0);
+    authorization.setSpeechStatus(0);
+    authorization.setTrusted(false);
+    launch();
+    EXPECT_EQ(authorization.openMicrophoneRequests(), 0u);
+    EXPECT_EQ(authorization.openSpeechRequests(), 0u);
+    EXPECT_EQ(authorization.trustPrompts(), 0);
+    EXPECT_FALSE(engine.isRunning());
+    EXPECT_FALSE(files.exists(kStateFile));
+}
+
+TEST_F(AppDelegateTest, whenTheTalkKeyCannotBeSeen_saysWhy) {
+    keyMonitor.failure = Error{"X11", 1, "This X server has no XInput 2."};
+    launch();
+    EXPECT_THAT(log.printed(),
+                ElementsAre("[TovikVoice] Talk key unavailable: This X server has no XInput 2."));
+}
+
+// A whole dictation.
+
+TEST_F(AppDelegateTest, holdingTheKeyAndSpeaking_bringsTheTextToTheEditor) {
+    launch();
+    workspace.bringToFront(editor);
+    keyMonitor.pressTalkKey();
+    EXPECT_TRUE(engine.isRunning());
+    EXPECT_TRUE(files.exists(kStateFile));
+    engine.hearConstant(0.1F, 2048);
+    time.runPending();
+    EXPECT_EQ(userInterface.overlay->levels.size(), 2u);
+
+    keyMonitor.releaseTalkKey();
+    EXPECT_FALSE(engine.isRunning());
+    EXPECT_FALSE(files.exists(kStateFile));
+    recognise("bot to bot,right");
+    EXPECT_EQ(pasteboard.contents(), "Tovik Record, right");
+
+    time.advance(Seconds(0.28));
+    EXPECT_EQ(workspace.activated.back().application, editor);
+    EXPECT_EQ(poster.posted.size(), 2u);
+    EXPECT_EQ(defaults.value("transcription.history")->size(), 1u);
+}
+
+TEST_F(AppDelegateTest, wordsSpokenDuringTheGuardTime_areTheBeginningOfTheRecording) {
+    launch();
+    keyMonitor.touchTalkKey();
+    engine.hearConstant(0.5F, 1024);
+    keyMonitor.confirmTalkKey();
+    engine.hearConstant(0.25F, 1024);
+    keyMonitor.releaseTalkKey();
+    const auto sound = speech.lastUtterance()->readSound();
+    ASSERT_EQ(sound.size(), 2048u);
+    EXPECT_EQ(sound.front(), 0.5F);
+    EXPECT_EQ(sound.back(), 0.25F);
+}
+
+TEST_F(AppDelegateTest, whenTheTalkKeyBegetsAShortcut_nothingIsRecordedAndTheMicrophoneIsClosed) {
+    launch();
+    keyMonitor.touchTalkKey();
+    EXPECT_TRUE(engine.isOpenAhead());
+    keyMonitor.dismissTalkKey();
+    EXPECT_FALSE(engine.isOpenAhead());
+    EXPECT_EQ(speech.utteranceCount(), 0u);
+    EXPECT_THAT(pasteboard.texts(), IsEmpty());
+}
+
+TEST_F(AppDelegateTest, silence_pastesNothing) {
+    launch();
+    workspace.bringToFront(editor);
+    keyMonitor.pressTalkKey();
+    keyMonitor.releaseTalkKey();
+    speech.lastUtterance()->deliverError(Error{"PocketSphinx", 1, "No speech detected"});
+    time.advance(Seconds(1));
+    EXPECT_THAT(pasteboard.texts(), IsEmpty());
+    EXPECT_THAT(poster.posted, IsEmpty());
+    EXPECT_THAT(log.printed(), testing::Contains("[TovikVoice] Transcription error: No speech detected"));
+}
+
+TEST_F(AppDelegateTest, aTextThatArrivesWhileTheNextRecordingRuns_isPastedAllTheSame) {
+    launch();
+    workspace.bringToFront(editor);
+    keyMonitor.pressTalkKey();
+    keyMonitor.releaseTalkKey();
+    const auto first = speech.lastUtterance();
+    keyMonitor.pressTalkKey();
+    first->deliverFinal("first");
+    time.advance(Seconds(0.28));
+    EXPECT_EQ(pasteboard.contents(), "first");
+    EXPECT_EQ(poster.posted.size(), 2u);
+    EXPECT_TRUE(engine.isRunning());
+}
+
+TEST_F(AppDelegateTest, partialResults_areShownNowhere) {
+    launch();
+    keyMonitor.pressTalkKey();
+    speech.lastUtterance()->deliverPartial("half a sen");
+    time.advance(Seconds(1));
+    EXPECT_THAT(pasteboard.texts(), IsEmpty());
+    EXPECT_THAT(log.printed(), testing::Not(testing::Contains(testing::HasSubstr("half a sen"))));
+}
+
+TEST_F(AppDelegateTest, changingTheLanguageWhileRecording_deliversTheFirstPartAndGoesOnInTheNewLanguage) {
+    launch();
+    speech.setLocale("fr-FR", test::FakeSpeechService::Locale::available);
+    keyMonitor.pressTalkKey();
+    const auto first = speech.lastUtterance();
+    ASSERT_TRUE(userInterface.statusItem->choose({"Dictation Language", "🇫🇷 French"}));
+    EXPECT_TRUE(engine.isRunning());
+    EXPECT_EQ(speech.lastUtterance()->localeIdentifier(), "fr-FR");
+    first->deliverFinal("first part");
+    time.runPending();
+    EXPECT_EQ(pasteboard.contents(), "first part");
+}
+
+TEST_F(AppDelegateTest, quittingWhileRecording_leavesTheStateFileBehind) {
+    launch();
+    keyMonitor.pressTalkKey();
+    ASSERT_TRUE(userInterface.statusItem->choose({"Quit"}));
+    EXPECT_EQ(terminations, 1);
+    delegate.reset();
+    EXPECT_TRUE(files.exists(kStateFile));
+}
+
+TEST_F(AppDelegateTest, aTextThatArrivesAfterTheEnd_isDropped) {
+    launch();
+    keyMonitor.pressTalkKey();
+    const auto utterance = speech.lastUtterance();
+    delegate.reset();
+    utterance->deliverFinal("late");
+    time.advance(Seconds(1));
+    EXPECT_THAT(pasteboard.texts(), IsEmpty());
+}
+
+// The main window.
+
+TEST_F(AppDelegateTest, openingFromTheMenu_presentsTheWindow) {
+    launch();
+    ASSERT_TRUE(userInterface.statusItem->choose({"Open Tovik Record"}));
+    EXPECT_EQ(userInterface.mainWindow->presented(), 1);
+}
+
+TEST_F(AppDelegateTest, reopening_presentsTheWindowWhateverIsVisible) {
+    launch();
+    EXPECT_TRUE(delegate->applicationShouldHandleReopen(true));
+    EXPECT_TRUE(delegate->applicationShouldHandleReopen(false));
+    EXPECT_EQ(userInterface.mainWindow->presented(), 2);
+}
+
+TEST_F(AppDelegateTest, becomingActive_refreshesThePermissions) {
+    launch();
+    const auto before = userInterface.mainWindow->permissionRefreshes();
+    delegate->applicationDidBecomeActive();
+    EXPECT_EQ(userInterface.mainWindow->permissionRefreshes(), before + 1);
+}
+
+TEST_F(AppDelegateTest, closingTheLastWindow_doesNotEndTheProgram) {
+    launch();
+    EXPECT_FALSE(delegate->applicationShouldTerminateAfterLastWindowClosed());
+}
+
+} // namespace
+} // namespace tovik
