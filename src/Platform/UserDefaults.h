@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace tovik {
 
@@ -26,6 +27,22 @@ public:
 
     /// Removing an absent key is harmless.
     virtual void remove(std::string_view key) = 0;
+
+    /// Keeps a copy of a stored value that nothing could be made of and that is about to be replaced, for a
+    /// person to find; harmless when the key is absent. Writes, so it is for the main thread.
+    virtual void keepAside(std::string_view key) {
+        const auto unusable = value(key);
+        if (!unusable) {
+            return;
+        }
+        const auto asideKey = "platform.keptAside." + std::string(key);
+        auto kept = value(asideKey).value_or(PropertyValue::array());
+        if (!kept.is_array()) {
+            kept = PropertyValue::array({kept});
+        }
+        kept.push_back(*unusable);
+        set(asideKey, std::move(kept));
+    }
 
     /// The typed reads give nothing when the key is absent or its value is of another type.
     [[nodiscard]] std::optional<bool> boolean(std::string_view key) const {

@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/UserDefaults.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tovik {
+
+/// The words that the user wants the recogniser to favour. Any thread.
+class CustomVocabulary {
+public:
+    static constexpr std::string_view vocabularyKey = "CustomVocabulary";
+
+    /// Read anew on every call: the terms of the stored list, each once, in the order of their first
+    /// appearance.
+    [[nodiscard]] static std::vector<std::string> terms(const UserDefaults& defaults);
+
+    /// The terms of a comma-separated list, trimmed; empty ones are left out.
+    [[nodiscard]] static std::vector<std::string> parse(std::string_view commaSeparated);
+};
+
+} // namespace tovik

@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Speech/FinalTextChain.h"
+
+#include "Speech/PunctuationSpacing.h"
+#include "Speech/Utf16.h"
+
+namespace tovik {
+
+FinalTextChain::FinalTextChain(UserDefaults& defaults, SystemLog& log, std::string_view locale)
+    : fillerWords_(defaults, log),
+      formatter_(defaults, log, locale) {}
+
+std::string FinalTextChain::processTranscription(std::string_view text) {
+    if (text.empty()) {
+        return {};
+    }
+    auto utf16 = withSpacedPunctuation(toUtf16(text));
+    fillerWords_.removeConfiguredFillerWords(utf16);
+    formatter_.apply(utf16);
+    return toUtf8(utf16);
+}
+
+} // namespace tovik

@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Clock.h"
+#include "Platform/UserDefaults.h"
+#include "Speech/TranscriptHistoryEntry.h"
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace tovik {
+
+/// The last 100 transcripts, newest first, kept in the user defaults. Main thread.
+class TranscriptHistoryStore {
+public:
+    static constexpr std::string_view storageKey = "transcription.history";
+    static constexpr std::size_t maxEntries = 100;
+
+    /// Loads what is stored. Both outlive the store.
+    TranscriptHistoryStore(UserDefaults& defaults, const Clock& clock);
+
+    /// Index 0 is the newest. More than maxEntries only when that many were stored, until the next add().
+    [[nodiscard]] const std::vector<TranscriptHistoryEntry>& entries() const { return entries_; }
+
+    /// Puts the trimmed text first and saves; nothing at all when only white space is in it.
+    void add(std::string_view text);
+
+    /// Takes an entry out of the list without saving; false, and no change, when there is none at the index.
+    bool remove(std::size_t index);
+
+    /// Replaces the entries by what is stored. Stored elements that are no entries are skipped.
+    void load();
+
+    /// Writes all entries.
+    void save();
+
+private:
+    UserDefaults& defaults_;
+    const Clock& clock_;
+    std::vector<TranscriptHistoryEntry> entries_;
+};
+
+} // namespace tovik
