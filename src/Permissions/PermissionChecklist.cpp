@@ -1,0 +1,118 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Permissions/PermissionChecklist.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tovik {
+
+namespace {
+
+constexpr RgbColor kButtonTint{0.33, 0.3, 0.92};
+
+} // namespace
+
+// The desktop counts the two kinds of refusal differently for the microphone and for speech.
+TovikVoicePermissionState microphoneState(int status) {
+    switch (status) {
+    case kNotDeterminedStatus:
+        return TovikVoicePermissionState::notDetermined;
+    case 1:
+        return TovikVoicePermissionState::restricted;
+    case 2:
+        return TovikVoicePermissionState::denied;
+    case kAuthorizedStatus:
+        return TovikVoicePermissionState::granted;
+    default:
+        return TovikVoicePermissionState::unknown;
+    }
+}
+
+TovikVoicePermissionState speechState(int status) {
+    switch (status) {
+    case kNotDeterminedStatus:
+        return TovikVoicePermissionState::notDetermined;
+    case 1:
+        return TovikVoicePermissionState::denied;
+    case 2:
+        return TovikVoicePermissionState::restricted;
+    case kAuthorizedStatus:
+        return TovikVoicePermissionState::granted;
+    default:
+        return TovikVoicePermissionState::unknown;
+    }
+}
+
+std::string detailText(TovikVoicePermission permission, TovikVoicePermissionState state) {
+    if (state == TovikVoicePermissionState::needsInstall) {
+        return "Open installer and drag Tovik Record into Applications.";
+    }
+    if (permission == TovikVoicePermission::accessibility && state != TovikVoicePermissionState::granted) {
+        return "Enable in Settings; reopen if needed.";
+    }
+    return subtitle(permission);
+}
+
+PermissionRowContents rowContents(TovikVoicePermission permission, TovikVoicePermissionState state) {
+    const bool granted = state == TovikVoicePermissionState::granted;
+    return {
+        .statusText = statusText(state),
+        .tint = tint(state),
+        .detailText = detailText(permission, state),
+        .buttonTitle = buttonTitle(state),
+        .buttonTint = granted ? std::nullopt : std::optional(kButtonTint),
+        .buttonAccessibilityLabel = title(permission) + " permission action",
+        .buttonAccessibilityHelp = granted ? "Refresh " + title(permission) + " permission status"
+                                           : "Request or open settings for " + title(permission),
+    };
+}
+
+PermissionChecklist::PermissionChecklist(const Authorization& authorization, InstallLocations locations)
+    : authorization_(authorization),
+      locations_(std::move(locations)) {}
+
+TovikVoicePermissionState PermissionChecklist::permissionState(TovikVoicePermission permission) const {
+    switch (permission) {
+    case TovikVoicePermission::microphone:
+        return microphoneState(authorization_.microphoneStatus());
+    case TovikVoicePermission::speech:
+        return speechState(authorization_.speechStatus());
+    case TovikVoicePermission::accessibility:
+        break;
+    }
+    if (authorization_.isProcessTrusted()) {
+        return TovikVoicePermissionState::granted;
+    }
+    return isRunningFromUninstalledLocation() ? TovikVoicePermissionState::needsInstall
+                                              : TovikVoicePermissionState::notDetermined;
+}
+
+PermissionRowContents PermissionChecklist::row(TovikVoicePermission permission) const {
+    return rowContents(permission, permissionState(permission));
+}
+
+bool PermissionChecklist::isRunningFromUninstalledLocation() const {
+    return isUninstalledLocation(locations_, authorization_.bundlePath(), authorization_.homeDirectory());
+}
+
+bool PermissionChecklist::hasPendingPermissions() const {
+    return std::any_of(kAllPermissions.begin(), kAllPermissions.end(), [this](auto permission) {
+        return permissionState(permission) != TovikVoicePermissionState::granted;
+    });
+}
+
+std::string PermissionChecklist::hintText() const {
+    if (authorization_.isProcessTrusted()) {
+        return "Grant these once so Tovik Record can listen, transcribe, and paste back into the app you "
+               "were "
+               "using.";
+    }
+    if (isRunningFromUninstalledLocation()) {
+        return "Accessibility setup: 1. Open installer  2. Drag Tovik Record into Applications  3. Quit this "
+               "copy  4. Reopen Tovik Record";
+    }
+    return "Accessibility setup: open Settings, turn on Tovik Record, then return here and Refresh.";
+}
+
+} // namespace tovik
