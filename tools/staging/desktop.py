@@ -37,6 +37,11 @@ class Desktop:
     def __exit__(self, *_) -> None:
         self._display.close()
 
+    def paint_background(self, red: int, green: int, blue: int) -> None:
+        self._root.change_attributes(background_pixel=red << 16 | green << 8 | blue)
+        self._root.clear_area()
+        self._display.sync()
+
     def has_manager(self) -> bool:
         return bool(self._property(self._root, "_NET_SUPPORTING_WM_CHECK"))
 
@@ -128,6 +133,21 @@ class Desktop:
         owner = self._display.get_selection_owner(self._atom(selection))
         return owner.id if owner else 0
 
+    def selection_text(self, selection: str, seconds: float = 2.0) -> str | None:
+        """What a paste of the selection would give, None when nobody offers anything."""
+        if not self.selection_owner(selection):
+            return None
+        window = self._root.create_window(0, 0, 1, 1, 0, X.CopyFromParent)
+        wanted = self._atom("TOVIK_STAGE_SELECTION")
+        window.convert_selection(self._atom(selection), self._atom("UTF8_STRING"), wanted, self._server_time())
+        try:
+            answer = wait_until(lambda: self._next_event(X.SelectionNotify), f"the owner of {selection}", seconds)
+            if answer.property == X.NONE:
+                return None
+            return bytes(window.get_full_property(wanted, X.AnyPropertyType).value).decode()
+        finally:
+            window.destroy()
+
     # Pictures
 
     def screenshot(self, path: str) -> None:
@@ -146,6 +166,14 @@ class Desktop:
         except error.XError:
             return None  # The window has gone.
         return found.value if found else None
+
+    def _next_event(self, kind: int):
+        """The next event of this kind that has already come; others before it are dropped."""
+        while self._display.pending_events():
+            happened = self._display.next_event()
+            if happened.type == kind:
+                return happened
+        return None
 
     def _server_time(self) -> int:
         """The server's current time, which it tells only in events: we change a property of our own."""

@@ -13,8 +13,6 @@ from .stage import TOOLS_FOLDER, Stage
 from .waiting import StageError, wait_until
 
 DEFAULT_BINARY = os.path.join(os.path.dirname(TOOLS_FOLDER), "build", "release", "bin", "tovik-record")
-READY = "applicationDidFinishLaunching finished successfully"
-PREFIX = "[TovikVoice] "
 
 
 class Program:
@@ -28,7 +26,6 @@ class Program:
         self._name = name
         self._timings = stage.path(name + ".timings")
         environment = stage.environment | {"TOVIK_TIMINGS": self._timings} | (extra_environment or {})
-        self._log_size = self._size(self.debug_log)
         self.started = time.monotonic()
         with open(stage.path("log", name + ".stderr"), "ab") as errors:
             self.process = stage.spawn(name, [binary], env=environment, stdout=subprocess.PIPE, stderr=errors,
@@ -48,18 +45,17 @@ class Program:
         return os.path.join(self._stage.environment["XDG_CONFIG_HOME"], "tovik-record", "defaults.json")
 
     def wait_until_ready(self, seconds: float = 20.0) -> float:
-        """Waits for the end of the launch sequence; returns how long it took."""
-        def ready() -> bool:
+        """Waits for the end of the launch sequence; returns how long it took, in seconds."""
+        def ready() -> float | None:
             if self.process.poll() is not None:
                 raise StageError(f"the program ended at launch with code {self.process.returncode}:\n{self.errors()}")
-            return READY in self._text_from(self.debug_log, self._log_size)
+            return self.mark_after("ready", self.started)
 
-        wait_until(ready, "the program to be ready", seconds, 0.001)
-        return time.monotonic() - self.started
+        return wait_until(ready, "the program to be ready", seconds) - self.started
 
     def errors(self) -> str:
         """What the program wrote to its standard error and, through it, to the system log."""
-        return self._text_from(self._stage.path("log", self._name + ".stderr"), 0)
+        return self._text_of(self._stage.path("log", self._name + ".stderr"))
 
     def output(self) -> list[str]:
         return [line for _, line in self.lines.all()]
@@ -70,14 +66,14 @@ class Program:
 
     def mark_after(self, name: str, moment: float) -> float | None:
         """The first timing mark of this name at or after a moment, if the program has written one."""
-        for line in self._text_from(self._timings, 0).splitlines():
+        for line in self._text_of(self._timings).splitlines():
             seconds, _, mark = line.partition(" ")
             if mark == name and float(seconds) >= moment:
                 return float(seconds)
         return None
 
     def terminate(self, seconds: float = 5.0) -> int:
-        """Ends the program as the session's end does. Returns its exit code, negative for a signal."""
+        """Ends the program as the end of a session does. Returns its exit code, negative for a signal."""
         self.process.send_signal(signal.SIGTERM)
         return self.wait(seconds)
 
@@ -91,17 +87,9 @@ class Program:
         return [window for window in desktop.windows() if desktop.process(window) == self.process.pid]
 
     @staticmethod
-    def _size(path: str) -> int:
-        try:
-            return os.path.getsize(path)
-        except OSError:
-            return 0
-
-    @staticmethod
-    def _text_from(path: str, offset: int) -> str:
+    def _text_of(path: str) -> str:
         try:
             with open(path, errors="replace") as file:
-                file.seek(offset)
                 return file.read()
         except OSError:
             return ""

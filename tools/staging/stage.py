@@ -28,6 +28,9 @@ TOOLS_FOLDER = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 FOREIGN_VARIABLES = ("DISPLAY", "XAUTHORITY", "SESSION_MANAGER", "DESKTOP_SESSION", "AT_SPI_BUS_ADDRESS", "LANGUAGE")
 FOREIGN_PREFIXES = ("WAYLAND_", "DBUS_", "XDG_", "PULSE_", "PIPEWIRE_", "GTK_", "GDK_", "QT_", "LC_", "TOVIK_")
 
+# Neither black nor white, so that pictures show where a window ends and what shines through.
+BACKGROUND = (62, 84, 106)
+
 SOUND_SERVER_SCRIPT = """\
 load-module module-null-sink sink_name=tovik_speaker rate=48000 channels=2
 load-module module-pipe-source source_name=tovik_microphone file={pipe} format=s16le rate=48000 channels=1 source_properties=device.description=Staged-microphone
@@ -262,6 +265,7 @@ class Stage:
         self._spawn_server("manager", ["openbox", "--sm-disable"])
         with Desktop(self.environment) as desktop:
             self._wait_for_server("manager", desktop.has_manager, "the window manager to start")
+            desktop.paint_background(*BACKGROUND)
 
     def _wait_for_server(self, name: str, condition, what: str) -> None:
         def answered():
