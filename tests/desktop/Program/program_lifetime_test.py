@@ -1,0 +1,131 @@
+# SPDX-FileCopyrightText: 2026 The Tovik Record authors
+# SPDX-License-Identifier: MIT
+"""The program's beginning and end: launch, a second copy, orderly and sudden ends, and what it costs meanwhile."""
+
+import json
+import os
+import random
+import signal
+import statistics
+import time
+
+from harness import RECORDING_STARTED, SPEECH, ProgramTest, main
+from staging.rehearsal import TALK_KEY
+from staging.waiting import wait_until
+
+PAGE_BYTES = os.sysconf("SC_PAGE_SIZE")
+TICKS_PER_SECOND = os.sysconf("SC_CLK_TCK")
+
+
+def processor_seconds(process: int) -> float:
+    with open(f"/proc/{process}/stat") as file:
+        fields = file.read().rpartition(")")[2].split()
+    return (int(fields[11]) + int(fields[12])) / TICKS_PER_SECOND
+
+
+class Launch(ProgramTest):
+    def test_whenNothingElseRuns_isOverInThreeTenthsOfASecond(self) -> None:
+        self.set_stage()
+        times = []
+        for turn in range(5):
+            program = self.launch(f"program{turn}")
+            times.append(program.wait_until_ready())
+            self.assertEqual(program.terminate(), 0)
+        self.assertLessEqual(statistics.median(times), 0.3, times)
+
+    def test_whenOver_showsTheMainWindow(self) -> None:
+        self.set_stage()
+        program = self.start()
+        window = wait_until(lambda: program.windows(self.desktop), "the main window")[0]
+        wait_until(lambda: self.desktop.active_window() == window, "the main window to be active")
+
+    def test_ofASecondCopy_raisesTheWindowOfTheFirstAndEnds(self) -> None:
+        self.set_stage()
+        first = self.start()
+        window = wait_until(lambda: first.windows(self.desktop), "the main window")[0]
+        self.desktop.close(window)
+        wait_until(lambda: not first.windows(self.desktop), "the main window to be hidden")
+        self.open_editor()
+
+        second = self.launch("second")
+        self.assertEqual(second.wait(), 0)
+        shown = wait_until(lambda: first.windows(self.desktop), "the main window to be back")[0]
+        wait_until(lambda: self.desktop.active_window() == shown, "the main window to be active")
+        self.assertIsNone(first.process.poll())
+
+    def test_afterACopyWasKilled_isNotTakenForASecondCopy(self) -> None:
+        self.set_stage()
+        first = self.start()
+        first.process.kill()
+        first.process.wait()
+        self.start("second")
+
+
+class End(ProgramTest):
+    def test_byTermination_isOrderly(self) -> None:
+        self.set_stage()
+        program = self.start()
+        self.assertEqual(program.terminate(), 0)
+        self.assertIn("[TovikVoice] app.run() returned!", program.errors())
+
+    def test_byTerminationDuringARecording_isOrderlyToo(self) -> None:
+        self.set_stage()
+        program = self.start()
+        self.open_editor()
+        self.desktop.press(TALK_KEY)
+        program.wait_for_line(RECORDING_STARTED, 5)
+        self.assertEqual(program.terminate(), 0)
+
+    def test_ofTheXServer_isNoCrash(self) -> None:
+        self.set_stage()
+        program = self.start()
+        self.stage.end("xserver")
+        self.assertGreaterEqual(program.wait(10), 0)
+
+    def test_byKillAtAnyMomentOfADictation_leavesTheSettingsWhole(self) -> None:
+        self.set_stage()
+        editor = self.open_editor()
+        # The moments are drawn once and for all, so that a failure comes again.
+        moments = random.Random(7)
+        settled = 0
+        for turn in range(5):
+            program = self.start(f"program{turn}")
+            editor.focus()
+            self.desktop.press(TALK_KEY)
+            self.stage.microphone.speak(SPEECH).wait()
+            self.desktop.release(TALK_KEY)
+            time.sleep(moments.uniform(0, 0.6))
+            program.process.send_signal(signal.SIGKILL)
+            program.wait()
+            with open(program.defaults) as file:
+                history = json.load(file).get("transcription.history", [])
+            self.assertIn(len(history), (settled, settled + 1))
+            settled = len(history)
+        wait_until(lambda: not self.desktop.pressed_keys(), "every key to be up")
+
+
+class Cost(ProgramTest):
+    def test_whenIdleAndHidden_isBelowHalfAPercentOfACore(self) -> None:
+        self.set_stage()
+        program = self.start()
+        window = wait_until(lambda: program.windows(self.desktop), "the main window")[0]
+        self.desktop.close(window)
+        wait_until(lambda: not program.windows(self.desktop), "the main window to be hidden")
+        # Whatever the launch still does in the background, such as loading the model, must be over.
+        self._wait_until_calm(program.process.pid)
+        before, seconds = processor_seconds(program.process.pid), 10
+        time.sleep(seconds)
+        self.assertLess((processor_seconds(program.process.pid) - before) / seconds, 0.005)
+
+    @staticmethod
+    def _wait_until_calm(process: int) -> None:
+        def calm() -> bool:
+            before = processor_seconds(process)
+            time.sleep(0.5)
+            return processor_seconds(process) - before < 0.02
+
+        wait_until(calm, "the launch's work in the background to be over", 20)
+
+
+if __name__ == "__main__":
+    main()
