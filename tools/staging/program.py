@@ -6,6 +6,7 @@ import os
 import signal
 import subprocess
 import time
+from typing import Callable
 
 from .desktop import Desktop
 from .lines import Lines
@@ -19,7 +20,9 @@ class Program:
     """One process of the program. Its output is collected line by line with the moment of arrival."""
 
     def __init__(self, stage: Stage, binary: str = DEFAULT_BINARY, name: str = "program",
-                 extra_environment: dict[str, str] | None = None) -> None:
+                 extra_environment: dict[str, str] | None = None,
+                 prepare: Callable[[], None] | None = None) -> None:
+        """`prepare` runs in the new process before the program does."""
         if not os.access(binary, os.X_OK):
             raise StageError(f"{binary} is not there; build it first: cmake --build --preset release")
         self._stage = stage
@@ -29,7 +32,7 @@ class Program:
         self.started = time.monotonic()
         with open(stage.path("log", name + ".stderr"), "ab") as errors:
             self.process = stage.spawn(name, [binary], env=environment, stdout=subprocess.PIPE, stderr=errors,
-                                       text=True, errors="replace")
+                                       text=True, errors="replace", preexec_fn=prepare)
         self.lines = Lines(self.process, "the program")
 
     @property

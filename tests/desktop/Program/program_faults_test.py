@@ -9,6 +9,7 @@ import resource
 import signal
 
 from harness import RECORDING_STARTED, ProgramTest, main
+from staging.program import Program
 from staging.rehearsal import TALK_KEY
 from staging.waiting import wait_until
 
@@ -187,16 +188,13 @@ class FullDisk(ProgramTest):
         self.assertTrue(any("Failed to save the setting transcription.history" in line
                             for line in program.output()), program.output())
 
-    def _start_with_files_limited_to(self, size: int):
+    def _start_with_files_limited_to(self, size: int) -> Program:
         """A limit on the size of files stands in for a full disk: it needs no right, and writing fails alike."""
-        before = resource.getrlimit(resource.RLIMIT_FSIZE)
-        handler = signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-        resource.setrlimit(resource.RLIMIT_FSIZE, (size, before[1]))
-        try:
-            program = self.launch()
-        finally:
-            resource.setrlimit(resource.RLIMIT_FSIZE, before)
-            signal.signal(signal.SIGXFSZ, handler)
+        def limit() -> None:
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
+
+        program = Program(self.stage, self.binary, prepare=limit)
         program.wait_until_ready()
         return program
 
