@@ -3,25 +3,15 @@
 """The program's beginning and end: launch, a second copy, orderly and sudden ends, and what it costs meanwhile."""
 
 import json
-import os
 import random
 import signal
 import statistics
 import time
 
 from harness import RECORDING_STARTED, SPEECH, ProgramTest, main
+from staging.cost import processor_seconds, wait_until_calm
 from staging.rehearsal import TALK_KEY
 from staging.waiting import wait_until
-
-PAGE_BYTES = os.sysconf("SC_PAGE_SIZE")
-TICKS_PER_SECOND = os.sysconf("SC_CLK_TCK")
-
-
-def processor_seconds(process: int) -> float:
-    with open(f"/proc/{process}/stat") as file:
-        fields = file.read().rpartition(")")[2].split()
-    return (int(fields[11]) + int(fields[12])) / TICKS_PER_SECOND
-
 
 class Launch(ProgramTest):
     def test_whenNothingElseRuns_isOverInThreeTenthsOfASecond(self) -> None:
@@ -112,19 +102,10 @@ class Cost(ProgramTest):
         self.desktop.close(window)
         wait_until(lambda: not program.windows(self.desktop), "the main window to be hidden")
         # Whatever the launch still does in the background, such as loading the model, must be over.
-        self._wait_until_calm(program.process.pid)
+        wait_until_calm(program.process.pid)
         before, seconds = processor_seconds(program.process.pid), 10
         time.sleep(seconds)
         self.assertLess((processor_seconds(program.process.pid) - before) / seconds, 0.005)
-
-    @staticmethod
-    def _wait_until_calm(process: int) -> None:
-        def calm() -> bool:
-            before = processor_seconds(process)
-            time.sleep(0.5)
-            return processor_seconds(process) - before < 0.02
-
-        wait_until(calm, "the launch's work in the background to be over", 20)
 
 
 if __name__ == "__main__":
