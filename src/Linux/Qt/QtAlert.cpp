@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/Qt/QtAlert.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include <algorithm>
+
+namespace tovik {
+
+namespace {
+
+/// A message box that can always be closed without an answer.
+class AlertBox : public QMessageBox {
+protected:
+    void closeEvent(QCloseEvent* event) override {
+        event->accept();
+        reject();
+    }
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->matches(QKeySequence::Cancel)) {
+            reject();
+            return;
+        }
+        QMessageBox::keyPressEvent(event);
+    }
+};
+
+/// A title may hold the sign that marks a shortcut letter.
+QString buttonText(const std::string& title) {
+    return QString::fromStdString(title).replace(QLatin1String("&"), QLatin1String("&&"));
+}
+
+} // namespace
+
+int QtAlert::runModal(const std::string& message, const std::string& informativeText,
+                      const std::vector<std::string>& buttons) {
+    AlertBox box;
+    box.setIcon(QMessageBox::Information);
+    box.setWindowTitle(QGuiApplication::applicationDisplayName());
+    box.setTextFormat(Qt::PlainText);
+    box.setText(QString::fromStdString(message));
+    box.setInformativeText(QString::fromStdString(informativeText));
+    std::vector<QAbstractButton*> added;
+    for (const auto& title : buttons) {
+        // One role for all, so that they stand in the order given.
+        added.push_back(box.addButton(buttonText(title), QMessageBox::ActionRole));
+    }
+    if (!added.empty()) {
+        box.setDefaultButton(qobject_cast<QPushButton*>(added.front()));
+    }
+    box.exec();
+    const auto chosen = std::find(added.begin(), added.end(), box.clickedButton());
+    return chosen == added.end() ? -1 : static_cast<int>(chosen - added.begin());
+}
+
+} // namespace tovik

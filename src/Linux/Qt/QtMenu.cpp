@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/Qt/QtMenu.h"
+
+#include <QAction>
+#include <QKeySequence>
+#include <QMenu>
+
+#include <utility>
+
+namespace tovik {
+
+namespace {
+
+/// As it stands: an ampersand marks no shortcut letter, and nothing in it starts another column or line.
+QString plainTitle(const std::string& title) {
+    auto text = QString::fromStdString(title);
+    text.replace('&', "&&");
+    for (const char separator : {'\t', '\n', '\r'}) {
+        text.replace(separator, ' ');
+    }
+    return text;
+}
+
+} // namespace
+
+QtMenu::QtMenu(std::shared_ptr<Menu> menu) : menu_(std::move(menu)), widget_(new QMenu) {
+    QObject::connect(widget_, &QMenu::aboutToShow, widget_, lifetime_.guard([this] {
+        // Filling the menu may replace the very function that fills it.
+        if (const auto willOpen = menu_->onWillOpen) {
+            willOpen();
+        }
+    }));
+    menu_->onChanged = lifetime_.guard([this] { rebuild(); });
+    rebuild();
+}
+
+QtMenu::~QtMenu() {
+    if (widget_->isVisible()) {
+        widget_->hide();
+    }
+    widget_->deleteLater();
+}
+
+void QtMenu::rebuild() {
+    for (auto* const action : widget_->actions()) {
+        widget_->removeAction(action);
+        action->deleteLater();
+    }
+    // A submenu that is still part of the menu stays as it is: it may be the one that is open.
+    auto oldSubmenus = std::exchange(submenus_, {});
+    for (const auto& item : menu_->items()) {
+        if (item.isSeparator) {
+            widget_->addSeparator();
+        } else {
+            widget_->addAction(addItem(item, oldSubmenus));
+        }
+    }
+}
+
+QAction* QtMenu::addItem(const MenuItem& item, std::map<Menu*, std::unique_ptr<QtMenu>>& oldSubmenus) {
+    auto* const action = new QAction(plainTitle(item.title), widget_);
+    action->setCheckable(item.isChecked);
+    action->setChecked(item.isChecked);
+    action->setEnabled(item.isEnabled && (item.action || item.submenu));
+    if (!item.keyEquivalent.empty()) {
+        action->setShortcut(QKeySequence("Ctrl+" + QString::fromStdString(item.keyEquivalent).toUpper()));
+        action->setShortcutVisibleInContextMenu(true);
+    }
+    if (item.submenu) {
+        auto& submenu = submenus_[item.submenu.get()];
+        if (const auto old = oldSubmenus.find(item.submenu.get()); old != oldSubmenus.end() && old->second) {
+            submenu = std::move(old->second);
+        } else if (!submenu) {
+            submenu = std::make_unique<QtMenu>(item.submenu);
+        }
+        action->setMenu(&submenu->widget());
+    } else if (item.action) {
+        QObject::connect(action, &QAction::triggered, action,
+                         [action, chosen = item.action, isChecked = item.isChecked] {
+                             // The mark is the program's to set, not the click's.
+                             action->setChecked(isChecked);
+                             chosen();
+                         });
+    }
+    return action;
+}
+
+} // namespace tovik

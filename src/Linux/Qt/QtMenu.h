@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Lifetime.h"
+#include "Platform/Menu.h"
+
+#include <map>
+#include <memory>
+
+class QAction;
+class QMenu;
+
+namespace tovik {
+
+/// Shows a Menu, with its submenus, as a QMenu and follows its changes, also while it is open. Takes the
+/// menus' onChanged for itself. Main thread, within the life of the QApplication.
+class QtMenu {
+public:
+    explicit QtMenu(std::shared_ptr<Menu> menu);
+    QtMenu(const QtMenu&) = delete;
+    QtMenu& operator=(const QtMenu&) = delete;
+    /// Harmless while an item of the menu is just being chosen.
+    ~QtMenu();
+
+    [[nodiscard]] QMenu& widget() const { return *widget_; }
+
+private:
+    void rebuild();
+    QAction* addItem(const MenuItem& item, std::map<Menu*, std::unique_ptr<QtMenu>>& oldSubmenus);
+
+    const std::shared_ptr<Menu> menu_;
+    QMenu* widget_;
+    std::map<Menu*, std::unique_ptr<QtMenu>> submenus_;
+    Lifetime lifetime_;
+};
+
+} // namespace tovik

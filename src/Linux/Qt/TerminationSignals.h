@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Linux/Storage/UnixFd.h"
+
+#include <functional>
+#include <memory>
+
+class QSocketNotifier;
+
+namespace tovik {
+
+/// Turns the first SIGTERM, SIGINT and SIGHUP into a call on the main thread, so that the program can end in
+/// good order. A second signal of the same kind ends it the hard way, should it hang. Signals that the
+/// program was started to ignore stay ignored. One at a time; after the QCoreApplication.
+class TerminationSignals {
+public:
+    explicit TerminationSignals(std::function<void()> handler);
+    TerminationSignals(const TerminationSignals&) = delete;
+    TerminationSignals& operator=(const TerminationSignals&) = delete;
+    /// The signals end the program again.
+    ~TerminationSignals();
+
+private:
+    UnixFd arrived_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+} // namespace tovik
