@@ -5,11 +5,16 @@
 #include "Speech/PunctuationSpacing.h"
 #include "Speech/Utf16.h"
 
+#include <cstdlib>
+
 namespace tovik {
 
 FinalTextChain::FinalTextChain(UserDefaults& defaults, SystemLog& log, std::string_view locale)
     : fillerWords_(defaults, log),
       formatter_(defaults, log, locale) {}
+
+FinalTextChain::FinalTextChain(UserDefaults& defaults, SystemLog& log)
+    : FinalTextChain(defaults, log, numberLocale([](const char* name) { return std::getenv(name); })) {}
 
 std::string FinalTextChain::processTranscription(std::string_view text) {
     if (text.empty()) {

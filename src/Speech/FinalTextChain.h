@@ -16,8 +16,11 @@ namespace tovik {
 /// removal of filler words, and the written forms of what was spoken.
 class FinalTextChain {
 public:
-    /// The locale is that of numbers (TranscriptionFormatter). Settings and log outlive the chain.
+    /// The locale is that of numbers (DecimalFormat). Settings and log outlive the chain.
     FinalTextChain(UserDefaults& defaults, SystemLog& log, std::string_view locale);
+
+    /// With the user's own locale.
+    FinalTextChain(UserDefaults& defaults, SystemLog& log);
 
     /// Any thread; reads the settings and writes none.
     [[nodiscard]] std::string processTranscription(std::string_view text);
