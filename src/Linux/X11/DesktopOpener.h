@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace tovik {
+
+/// Gives an address or a path to the desktop's opener, which goes on by itself. False when there is no
+/// opener, or when it is neither an address nor an absolute path.
+bool openOnDesktop(const std::string& addressOrPath);
+
+} // namespace tovik

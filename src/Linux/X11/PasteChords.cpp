@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/X11/PasteChords.h"
+
+#include "Linux/X11/AsciiCase.h"
+#include "Platform/SystemLog.h"
+#include "Platform/UserDefaults.h"
+
+#include <X11/keysym.h>
+
+#include <algorithm>
+#include <optional>
+
+namespace tovik {
+namespace {
+
+/// The user's entry for the first of these ids that has one.
+std::optional<PropertyValue> entryFor(const PropertyValue& table, const std::vector<std::string>& ids) {
+    for (const auto& id : ids) {
+        const auto wanted = asciiLowerCased(id);
+        for (const auto& [name, chord] : table.items()) {
+            if (asciiLowerCased(name) == wanted) {
+                return chord;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::string asText(const PropertyValue& value) {
+    return value.is_string() ? value.get<std::string>()
+                             : value.dump(-1, ' ', true, PropertyValue::error_handler_t::replace);
+}
+
+} // namespace
+
+PasteChords::PasteChords(const UserDefaults& defaults, SystemLog& log) : defaults_(defaults), log_(log) {}
+
+PasteChord PasteChords::chordFor(const std::vector<std::string>& applicationIds) {
+    const auto table = defaults_.value("platform.pasteChords");
+    if (!table || !table->is_object()) {
+        return defaultChord();
+    }
+    const auto entry = entryFor(*table, applicationIds);
+    if (!entry) {
+        return defaultChord();
+    }
+    const auto chord = entry->is_string() ? PasteChord::parse(entry->get<std::string>()) : std::nullopt;
+    if (!chord && reported_.insert(asText(*entry)).second) {
+        log_.printLine("[TovikVoice] \"" + asText(*entry) +
+                       "\" in platform.pasteChords is no key chord; pasting with Shift+Insert");
+    }
+    return chord.value_or(defaultChord());
+}
+
+const PasteChord& PasteChords::defaultChord() {
+    static const PasteChord chord{{PasteChord::Modifier::shift}, XK_Insert};
+    return chord;
+}
+
+} // namespace tovik

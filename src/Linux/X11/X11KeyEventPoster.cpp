@@ -1,0 +1,86 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/X11/X11KeyEventPoster.h"
+
+#include "Linux/X11/PasteChords.h"
+#include "Linux/X11/X11Connection.h"
+#include "Linux/X11/X11KeyPresser.h"
+#include "Linux/X11/X11Session.h"
+#include "Linux/X11/X11Windows.h"
+#include "Platform/KeyMonitor.h"
+#include "Platform/SystemLog.h"
+
+#include <utility>
+
+namespace tovik {
+namespace {
+
+constexpr Seconds kLongestWait{2.0};
+constexpr Seconds kCheckInterval{0.02};
+
+} // namespace
+
+X11KeyEventPoster::X11KeyEventPoster(Services services, const std::string& displayName)
+    : services_(services),
+      chords_(std::make_unique<PasteChords>(services.defaults, services.log)) {
+    auto connection = X11Connection::open(displayName);
+    if (!connection || !X11Session::examine(*connection.value()).canPressKeys) {
+        return;
+    }
+    connection_ = std::move(connection.value());
+    windows_ = std::make_unique<X11Windows>(*connection_);
+    presser_ = std::make_unique<X11KeyPresser>(*connection_, services_.posted);
+}
+
+X11KeyEventPoster::~X11KeyEventPoster() = default;
+
+std::optional<KeyEvent> X11KeyEventPoster::makeEvent(EventSourceState source, std::uint16_t keyCode,
+                                                     bool keyDown) {
+    if (!connection_ || connection_->broken() || keyCode != kVKeyCode) {
+        return std::nullopt;
+    }
+    return KeyEvent{source, keyCode, keyDown, 0};
+}
+
+void X11KeyEventPoster::post(const KeyEvent& event, EventTap) {
+    if (!connection_ || event.keyCode != kVKeyCode || event.flags != kCommandFlag || !event.keyDown) {
+        return;
+    }
+    ++waiting_;
+    if (waiting_ == 1) {
+        pasteWhenPossible();
+    }
+}
+
+void X11KeyEventPoster::pasteWhenPossible() {
+    if (!presser_->isSpoiled(chord())) {
+        paste();
+        return;
+    }
+    check_ = services_.queue.every(kCheckInterval, [this] {
+        if (!presser_->isSpoiled(chord())) {
+            paste();
+        }
+    });
+    deadline_ = services_.queue.after(kLongestWait, [this] {
+        services_.log.printLine("[TovikVoice] Pasting although a modifier key is still held");
+        paste();
+    });
+}
+
+void X11KeyEventPoster::paste() {
+    check_.end();
+    deadline_.end();
+    for (; waiting_ > 0; --waiting_) {
+        if (const auto pressed = presser_->press(chord()); !pressed) {
+            services_.log.printLine("[TovikVoice] Failed to press the paste keys: " +
+                                    pressed.error().description);
+        }
+    }
+}
+
+PasteChord X11KeyEventPoster::chord() {
+    return chords_->chordFor(windows_->applicationIds(windows_->activeWindow()));
+}
+
+} // namespace tovik

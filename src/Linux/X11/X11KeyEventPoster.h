@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Linux/X11/PasteChord.h"
+#include "Platform/KeyEventPoster.h"
+#include "Platform/MainQueue.h"
+
+#include <memory>
+#include <string>
+
+namespace tovik {
+
+class PasteChords;
+class PostedKeys;
+class SystemLog;
+class UserDefaults;
+class X11Connection;
+class X11KeyPresser;
+class X11Windows;
+
+/// Pastes on behalf of the user: Command+V is all that it can press, and it presses whatever chord pastes
+/// into the window that has the keyboard. The whole chord is sent at the key-down event. While the user
+/// holds a modifier that would spoil the chord, it waits, up to 2 s, without holding up the main thread.
+class X11KeyEventPoster : public KeyEventPoster {
+public:
+    struct Services {
+        MainQueue& queue;
+        const UserDefaults& defaults;
+        SystemLog& log;
+        /// Told of every key before it is pressed.
+        PostedKeys& posted;
+    };
+
+    /// All services outlive the poster. An empty display name means the session's display.
+    explicit X11KeyEventPoster(Services services, const std::string& displayName = {});
+    ~X11KeyEventPoster() override;
+
+    [[nodiscard]] std::optional<KeyEvent> makeEvent(EventSourceState source, std::uint16_t keyCode,
+                                                    bool keyDown) override;
+    void post(const KeyEvent& event, EventTap tap) override;
+
+private:
+    void pasteWhenPossible();
+    void paste();
+    [[nodiscard]] PasteChord chord();
+
+    Services services_;
+    std::unique_ptr<X11Connection> connection_;
+    std::unique_ptr<X11Windows> windows_;
+    std::unique_ptr<PasteChords> chords_;
+    std::unique_ptr<X11KeyPresser> presser_;
+    /// Chords that wait for the user to let go of modifiers.
+    int waiting_ = 0;
+    Subscription check_;
+    Subscription deadline_;
+};
+
+} // namespace tovik

@@ -1,0 +1,233 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/X11/X11KeyMonitor.h"
+
+#include "Linux/X11/PostedKeys.h"
+#include "Linux/X11/TalkKeySetting.h"
+#include "Linux/X11/X11Connection.h"
+#include "Linux/X11/X11EventWatch.h"
+#include "Linux/X11/X11Session.h"
+#include "Platform/SystemLog.h"
+#include "Session/TalkKeyGuard.h"
+
+#include <X11/XKBlib.h>
+#include <X11/Xlib.h>
+#include <X11/extensions/XInput2.h>
+#include <X11/keysym.h>
+
+#include <algorithm>
+#include <array>
+
+namespace tovik {
+namespace {
+
+/// While the talk key is held, the server is asked now and then whether it still is: a release can be lost
+/// with the keyboard that was to send it, or to a nested server that lost the focus.
+constexpr Seconds kReleaseCheckInterval{0.25};
+
+bool isShift(const std::vector<unsigned long>& keysyms) {
+    return std::any_of(keysyms.begin(), keysyms.end(),
+                       [](auto keysym) { return keysym == XK_Shift_L || keysym == XK_Shift_R; });
+}
+
+/// Frees an event's extra data with the event.
+class EventData {
+public:
+    EventData(Display* display, XGenericEventCookie& cookie)
+        : display_(display),
+          cookie_(cookie),
+          filled_(XGetEventData(display, &cookie) != False) {}
+    EventData(const EventData&) = delete;
+    EventData& operator=(const EventData&) = delete;
+    ~EventData() {
+        if (filled_) {
+            XFreeEventData(display_, &cookie_);
+        }
+    }
+    [[nodiscard]] const XIRawEvent* rawEvent() const {
+        return filled_ ? static_cast<const XIRawEvent*>(cookie_.data) : nullptr;
+    }
+
+private:
+    Display* display_;
+    XGenericEventCookie& cookie_;
+    bool filled_;
+};
+
+void select(Display* display, Window root, int devices, std::initializer_list<int> events) {
+    std::array<unsigned char, XIMaskLen(XI_LASTEVENT)> bits{};
+    for (const int event : events) {
+        XISetMask(bits.data(), event);
+    }
+    XIEventMask mask{devices, static_cast<int>(bits.size()), bits.data()};
+    XISelectEvents(display, root, &mask, 1);
+}
+
+} // namespace
+
+X11KeyMonitor::X11KeyMonitor(Services services, std::string displayName)
+    : services_(std::move(services)),
+      displayName_(std::move(displayName)),
+      setting_(std::make_unique<TalkKeySetting>(services_.defaults, services_.log)) {
+    guard_ = std::make_unique<TalkKeyGuard>(
+        services_.queue, TalkKeyGuard::Surroundings{[this] { return !services_.ownProgramIsFrontmost(); },
+                                                    [this] { watch_->catchUp(); }});
+}
+
+X11KeyMonitor::~X11KeyMonitor() {
+    services_.posted.setOnSent({});
+}
+
+Result<void> X11KeyMonitor::start(Handlers handlers) {
+    auto queries = X11Connection::open(displayName_);
+    auto events = X11Connection::open(displayName_);
+    if (!queries || !events) {
+        return X11Session::noDisplayError();
+    }
+    const auto session = X11Session::examine(*queries.value());
+    if (!session.canSeeKeys) {
+        return Error{"X11", 2, session.sentence};
+    }
+    queries_ = std::move(queries.value());
+    events_ = std::move(events.value());
+    keyboard_ = std::make_unique<X11Keyboard>(*queries_);
+    guard_->setHandlers(std::move(handlers));
+
+    // The version that is asked for decides what comes: since 2.1 also what is typed during a grab.
+    int major = 2;
+    int minor = 2;
+    int firstEvent = 0;
+    int firstError = 0;
+    XQueryExtension(events_->display(), "XInputExtension", &inputOpcode_, &firstEvent, &firstError);
+    XIQueryVersion(events_->display(), &major, &minor);
+    select(events_->display(), events_->root(), XIAllMasterDevices, {XI_RawKeyPress, XI_RawKeyRelease});
+    select(events_->display(), events_->root(), XIAllDevices, {XI_HierarchyChanged});
+    events_->sync();
+
+    watch_ = std::make_unique<X11EventWatch>(*events_, [this](XEvent& event) { handle(event); });
+    services_.posted.setOnSent([this] {
+        // What was posted is in the event queue by now, behind what the user typed before.
+        const auto announced = services_.posted.announced();
+        services_.queue.async(lifetime_.guard([this, announced] {
+            watch_->catchUp();
+            services_.posted.forget(announced);
+        }));
+    });
+    findHeldShiftKeys();
+    warnOfMissingTalkKey();
+    return {};
+}
+
+void X11KeyMonitor::handle(XEvent& event) {
+    if (event.type != GenericEvent || event.xcookie.extension != inputOpcode_) {
+        return;
+    }
+    if (event.xcookie.evtype == XI_HierarchyChanged) {
+        devicesChanged();
+        return;
+    }
+    const EventData data(events_->display(), event.xcookie);
+    const XIRawEvent* const raw = data.rawEvent();
+    if (raw == nullptr) {
+        return;
+    }
+    const bool press = raw->evtype == XI_RawKeyPress;
+    const PhysicalKey key{raw->deviceid, static_cast<unsigned>(raw->detail)};
+    const PostedKeys::Stroke stroke{key.second, press};
+    if (services_.posted.expects(stroke) && keyboard_->isTestKeyboard(raw->sourceid)) {
+        services_.posted.take(stroke);
+    } else if (press) {
+        keyPressed(key, raw->sourceid);
+    } else {
+        keyReleased(key);
+    }
+}
+
+void X11KeyMonitor::keyPressed(const PhysicalKey& key, int device) {
+    if (key == talkKey_) {
+        return; // repeats itself
+    }
+    // Each keyboard may have a layout of its own, and any layout may have changed since the last key.
+    const auto keysyms = keyboard_->keysyms(device, key.second);
+    if (const auto talkKeysym = setting_->match(keysyms)) {
+        talkKeyPressed(key, *talkKeysym);
+    } else if (isShift(keysyms)) {
+        shiftKeys_.insert(key);
+        guard_->setShiftHeld(true);
+    } else {
+        guard_->otherKeyPressed();
+    }
+}
+
+void X11KeyMonitor::keyReleased(const PhysicalKey& key) {
+    // Nested and remote servers repeat a held key as releases and presses; the key map tells the truth.
+    if (key == talkKey_ && !isHeld(key)) {
+        talkKeyReleased();
+    } else if (shiftKeys_.contains(key) && !isHeld(key)) {
+        shiftKeys_.erase(key);
+        guard_->setShiftHeld(!shiftKeys_.empty());
+    }
+}
+
+void X11KeyMonitor::talkKeyPressed(const PhysicalKey& key, unsigned long keysym) {
+    if (talkKey_) {
+        return; // a second key of the same meaning
+    }
+    std::erase_if(shiftKeys_, [this](const auto& shift) { return !isHeld(shift); });
+    guard_->setShiftHeld(!shiftKeys_.empty());
+    talkKey_ = key;
+    releaseCheck_ = services_.queue.every(kReleaseCheckInterval, [this] { forgetMissedReleases(); });
+    guard_->talkKeyPressed(setting_->guardTime(keysym));
+}
+
+void X11KeyMonitor::talkKeyReleased() {
+    talkKey_.reset();
+    releaseCheck_.end();
+    guard_->talkKeyReleased();
+}
+
+void X11KeyMonitor::devicesChanged() {
+    keyboard_->devicesChanged();
+    services_.queue.async(lifetime_.guard([this] { forgetMissedReleases(); }));
+}
+
+void X11KeyMonitor::forgetMissedReleases() {
+    if (!talkKey_ || isHeld(*talkKey_)) {
+        return;
+    }
+    // The release may be on its way; only one that never comes is made up for.
+    const auto key = talkKey_;
+    watch_->catchUp();
+    if (talkKey_ == key && !isHeld(*key)) {
+        talkKeyReleased();
+    }
+}
+
+void X11KeyMonitor::findHeldShiftKeys() {
+    // The server counts its core keyboard as the first master of all.
+    constexpr int kCoreKeyboard = 3;
+    const auto held = keyboard_->heldKeys(kCoreKeyboard);
+    for (const auto& key : keyboard_->keys(kCoreKeyboard)) {
+        if (held[key.keyCode] && isShift(key.keysyms)) {
+            shiftKeys_.insert({kCoreKeyboard, key.keyCode});
+        }
+    }
+    guard_->setShiftHeld(!shiftKeys_.empty());
+}
+
+void X11KeyMonitor::warnOfMissingTalkKey() {
+    const auto keys = keyboard_->keys(XkbUseCoreKbd);
+    const bool present = std::any_of(keys.begin(), keys.end(), [this](const auto& key) {
+        return setting_->match(key.keysyms).has_value();
+    });
+    if (!present) {
+        services_.log.printLine("[TovikVoice] No key of the keyboard layout is " + setting_->description() +
+                                ", the talk key (platform.talkKey)");
+    }
+}
+
+bool X11KeyMonitor::isHeld(const PhysicalKey& key) {
+    return keyboard_->heldKeys(key.first)[key.second];
+}
+
+} // namespace tovik

@@ -1,0 +1,248 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/X11/X11Workspace.h"
+
+#include "Linux/X11/DesktopOpener.h"
+#include "Linux/X11/ProcessState.h"
+#include "Linux/X11/X11Connection.h"
+#include "Linux/X11/X11EventWatch.h"
+#include "Linux/X11/X11Windows.h"
+#include "Platform/MainQueue.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace tovik {
+
+/// The subscribers of both notices; a handler may end any subscription, its own included.
+struct X11Workspace::Observers {
+    template <typename Handler>
+    using Handlers = std::map<int, Handler>;
+
+    Handlers<std::function<void(const RunningApplication&)>> activation;
+    Handlers<std::function<void()>> activeSpace;
+    int nextId = 0;
+
+    template <typename Handler, typename... Arguments>
+    static void tell(Handlers<Handler>& handlers, const Arguments&... arguments) {
+        std::vector<int> ids;
+        for (const auto& [id, handler] : handlers) {
+            ids.push_back(id);
+        }
+        for (const int id : ids) {
+            if (const auto found = handlers.find(id); found != handlers.end()) {
+                const Handler handler = found->second;
+                handler(arguments...);
+            }
+        }
+    }
+};
+
+X11Workspace::X11Workspace(Services services, const std::string& displayName)
+    : services_(std::move(services)),
+      observers_(std::make_shared<Observers>()) {
+    auto queries = X11Connection::open(displayName);
+    auto events = X11Connection::open(displayName);
+    if (!queries || !events) {
+        return;
+    }
+    queries_ = std::move(queries.value());
+    events_ = std::move(events.value());
+    windows_ = std::make_unique<X11Windows>(*queries_);
+    clockWindow_ = XCreateSimpleWindow(queries_->display(), queries_->root(), -1, -1, 1, 1, 0, 0, 0);
+    XSelectInput(queries_->display(), clockWindow_, PropertyChangeMask);
+
+    // Focus changes matter only where no window manager tells of the active window.
+    XSelectInput(events_->display(), events_->root(), PropertyChangeMask | FocusChangeMask);
+    events_->sync();
+    front_ = windows_->activeWindow();
+    watchFocusOf(front_);
+    watch_ = std::make_unique<X11EventWatch>(*events_, [this](XEvent& event) { handle(event); });
+}
+
+X11Workspace::~X11Workspace() = default;
+
+std::optional<RunningApplication> X11Workspace::frontmostApplication() const {
+    const auto window = windows_ ? windows_->activeWindow() : None;
+    if (window == None) {
+        return std::nullopt;
+    }
+    return windows_->application(window);
+}
+
+RunningApplication X11Workspace::currentApplication() const {
+    return {services_.ownBundleIdentifier, getpid(), services_.ownLocalizedName, 0};
+}
+
+bool X11Workspace::isRunning(const RunningApplication& application) const {
+    if (application.processIdentifier > 0) {
+        return isProcessRunning(application.processIdentifier);
+    }
+    return windows_ && windows_->exists(application.window);
+}
+
+Subscription X11Workspace::onActivation(std::function<void(const RunningApplication&)> handler) {
+    const int id = observers_->nextId++;
+    observers_->activation.emplace(id, std::move(handler));
+    return Subscription([observers = std::weak_ptr(observers_), id] {
+        if (const auto alive = observers.lock()) {
+            alive->activation.erase(id);
+        }
+    });
+}
+
+Subscription X11Workspace::onActiveSpaceChanged(std::function<void()> handler) {
+    const int id = observers_->nextId++;
+    observers_->activeSpace.emplace(id, std::move(handler));
+    return Subscription([observers = std::weak_ptr(observers_), id] {
+        if (const auto alive = observers.lock()) {
+            alive->activeSpace.erase(id);
+        }
+    });
+}
+
+void X11Workspace::hideSelf() {
+    if (services_.hideOwnWindows) {
+        services_.hideOwnWindows();
+    }
+}
+
+void X11Workspace::deactivateSelf() {
+    // A hidden program has no window that could be in front.
+}
+
+bool X11Workspace::activate(const RunningApplication& application, unsigned) {
+    const auto window = windowToActivate(application);
+    if (window == None) {
+        return false;
+    }
+    if (windows_->managerSupports("_NET_ACTIVE_WINDOW")) {
+        askWindowManager(window);
+    } else {
+        takeFocus(window);
+    }
+    queries_->sync();
+    return true;
+}
+
+bool X11Workspace::openUrl(const std::string& address) {
+    return openOnDesktop(address);
+}
+
+bool X11Workspace::openFile(const std::string& path) {
+    return openOnDesktop(path);
+}
+
+void X11Workspace::handle(XEvent& event) {
+    if (event.type == FocusIn || event.type == FocusOut) {
+        frontMayHaveChanged();
+    } else if (event.type == PropertyNotify && event.xproperty.atom == queries_->atom("_NET_ACTIVE_WINDOW")) {
+        frontMayHaveChanged();
+    } else if (event.type == PropertyNotify &&
+               event.xproperty.atom == queries_->atom("_NET_CURRENT_DESKTOP")) {
+        Observers::tell(observers_->activeSpace);
+    }
+}
+
+void X11Workspace::frontMayHaveChanged() {
+    const auto front = windows_->activeWindow();
+    // Between two windows there may be none for a moment.
+    if (front == front_ || front == None) {
+        return;
+    }
+    front_ = front;
+    watchFocusOf(front);
+    const auto keepAlive = observers_;
+    Observers::tell(keepAlive->activation, windows_->application(front));
+}
+
+void X11Workspace::watchFocusOf(unsigned long window) {
+    if (windows_->managerSupports("_NET_ACTIVE_WINDOW")) {
+        return;
+    }
+    if (focusWatched_ != None) {
+        XSelectInput(events_->display(), focusWatched_, NoEventMask);
+    }
+    focusWatched_ = window;
+    if (window != None) {
+        XSelectInput(events_->display(), window, FocusChangeMask);
+    }
+    XFlush(events_->display());
+}
+
+unsigned long X11Workspace::windowToActivate(const RunningApplication& application) const {
+    if (!windows_) {
+        return None;
+    }
+    const auto belongs = [&](Window window) {
+        return windows_->exists(window) &&
+               windows_->processIdentifier(window) == application.processIdentifier;
+    };
+    if (application.window != None) {
+        // Numbers of windows are used again, so the process has to be the same.
+        return belongs(application.window) ? application.window : None;
+    }
+    const auto windows = windows_->stackedWindows();
+    const auto found = std::find_if(windows.begin(), windows.end(), [&](Window window) {
+        return application.processIdentifier > 0 && !windows_->applicationIds(window).empty() &&
+               belongs(window);
+    });
+    return found == windows.end() ? None : *found;
+}
+
+void X11Workspace::askWindowManager(unsigned long window) {
+    // As a pager asks, for the user, with the time of now: window managers refuse programs that push
+    // themselves to the front, and requests from the past.
+    constexpr long kSourcePager = 2;
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
+    event.xclient.message_type = queries_->atom("_NET_ACTIVE_WINDOW");
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = kSourcePager;
+    event.xclient.data.l[1] = static_cast<long>(serverTime());
+    XSendEvent(queries_->display(), queries_->root(), False,
+               SubstructureRedirectMask | SubstructureNotifyMask, &event);
+}
+
+void X11Workspace::takeFocus(unsigned long window) {
+    Display* const display = queries_->display();
+    const auto now = serverTime();
+    XMapRaised(display, window);
+    queries_->sync();
+    if (!windows_->isViewable(window)) {
+        return;
+    }
+    XSetInputFocus(display, window, RevertToPointerRoot, now);
+    if (windows_->hasProtocol(window, "WM_TAKE_FOCUS")) {
+        XEvent event{};
+        event.xclient.type = ClientMessage;
+        event.xclient.window = window;
+        event.xclient.message_type = queries_->atom("WM_PROTOCOLS");
+        event.xclient.format = 32;
+        event.xclient.data.l[0] = static_cast<long>(queries_->atom("WM_TAKE_FOCUS"));
+        event.xclient.data.l[1] = static_cast<long>(now);
+        XSendEvent(display, window, False, NoEventMask, &event);
+    }
+}
+
+unsigned long X11Workspace::serverTime() {
+    Display* const display = queries_->display();
+    const unsigned char nothing = 0;
+    XChangeProperty(display, clockWindow_, XA_WM_NAME, XA_STRING, 8, PropModeAppend, &nothing, 0);
+    queries_->sync();
+    Time time = CurrentTime;
+    XEvent event;
+    while (XCheckTypedWindowEvent(display, clockWindow_, PropertyNotify, &event) != False) {
+        time = event.xproperty.time;
+    }
+    return time;
+}
+
+} // namespace tovik

@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Lifetime.h"
+#include "Platform/Workspace.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+union _XEvent;
+
+namespace tovik {
+
+class MainQueue;
+class X11Connection;
+class X11EventWatch;
+class X11Windows;
+
+/// The desktop through the window manager's root window properties (EWMH); without a window manager, through
+/// the keyboard focus. What is remembered of an application is its window.
+class X11Workspace : public Workspace {
+public:
+    struct Services {
+        MainQueue& queue;
+        /// This program, by the name of its windows' class.
+        std::string ownBundleIdentifier;
+        std::string ownLocalizedName;
+        /// Hides the windows of this program.
+        std::function<void()> hideOwnWindows;
+    };
+
+    /// The queue outlives the workspace. An empty display name means the session's display. Without a
+    /// display there is no other application and nothing to activate.
+    explicit X11Workspace(Services services, const std::string& displayName = {});
+    ~X11Workspace() override;
+
+    [[nodiscard]] std::optional<RunningApplication> frontmostApplication() const override;
+    [[nodiscard]] RunningApplication currentApplication() const override;
+    [[nodiscard]] bool isRunning(const RunningApplication& application) const override;
+
+    [[nodiscard]] Subscription onActivation(std::function<void(const RunningApplication&)> handler) override;
+    [[nodiscard]] Subscription onActiveSpaceChanged(std::function<void()> handler) override;
+
+    void hideSelf() override;
+    void deactivateSelf() override;
+    bool activate(const RunningApplication& application, unsigned options) override;
+
+    bool openUrl(const std::string& address) override;
+    bool openFile(const std::string& path) override;
+
+private:
+    struct Observers;
+
+    void handle(_XEvent& event);
+    void frontMayHaveChanged();
+    void watchFocusOf(unsigned long window);
+    [[nodiscard]] unsigned long windowToActivate(const RunningApplication& application) const;
+    void askWindowManager(unsigned long window);
+    void takeFocus(unsigned long window);
+    [[nodiscard]] unsigned long serverTime();
+
+    Services services_;
+    std::unique_ptr<X11Connection> queries_;
+    std::unique_ptr<X11Connection> events_;
+    std::unique_ptr<X11Windows> windows_;
+    std::unique_ptr<X11EventWatch> watch_;
+    /// A window of ours that is never shown; changing a property of it tells the server's time.
+    unsigned long clockWindow_ = 0;
+    unsigned long front_ = 0;
+    unsigned long focusWatched_ = 0;
+    std::shared_ptr<Observers> observers_;
+};
+
+} // namespace tovik
