@@ -30,7 +30,8 @@ const std::map<std::string, std::set<std::string>>& allowedFolders() {
         {"Permissions", {"Platform"}},
         {"Session", kLogic},
         {"UserInterface", {"Platform", "Speech", "Audio", "Permissions", "Session", "WaveformOverlay"}},
-        {"Linux", kLogic},
+        // Every mechanism stands on the logic, and those that keep files on how files are kept.
+        {"Linux", {"Platform", "Speech", "Audio", "Permissions", "Session", "Linux/Storage"}},
     };
     return kAllowed;
 }
