@@ -28,15 +28,14 @@ pa_buffer_attr bufferAttributes(const pa_sample_spec& spec) {
 } // namespace
 
 CaptureStream::CaptureStream(pa_context& context, const pa_sample_spec& spec, const pa_channel_map& channels,
-                             CaptureRelay& relay, CaptureRelay::Session session,
-                             std::function<void(int)> ended)
+                             CaptureRelay& relay, CaptureRelay::Session session, Handlers handlers)
     : relay_(relay),
       session_(session),
       channelCount_(spec.channels),
-      ended_(std::move(ended)),
+      handlers_(std::move(handlers)),
       stream_(pa_stream_new(&context, "Dictation", &spec, &channels)) {
     if (!stream_) {
-        std::exchange(ended_, nullptr)(pa_context_errno(&context));
+        std::exchange(handlers_.ended, nullptr)(pa_context_errno(&context));
         return;
     }
     pa_stream_set_state_callback(
@@ -46,13 +45,22 @@ CaptureStream::CaptureStream(pa_context& context, const pa_sample_spec& spec, co
         stream_.get(),
         [](pa_stream*, std::size_t, void* self) { static_cast<CaptureStream*>(self)->readAvailable(); },
         this);
+    pa_stream_set_moved_callback(
+        stream_.get(), [](pa_stream*, void* self) { static_cast<CaptureStream*>(self)->handlers_.moved(); },
+        this);
     const auto attributes = bufferAttributes(spec);
     // No device is named, so the stream follows the user's choice of the default. The server slows a source
     // down to fragments of seconds unless it is told that the fragment size is meant for the source too.
     if (pa_stream_connect_record(stream_.get(), nullptr, &attributes, PA_STREAM_ADJUST_LATENCY) < 0 &&
-        ended_) {
-        std::exchange(ended_, nullptr)(pa_context_errno(&context));
+        handlers_.ended) {
+        std::exchange(handlers_.ended, nullptr)(pa_context_errno(&context));
     }
+}
+
+std::string CaptureStream::source() const {
+    const bool open = stream_ && pa_stream_get_state(stream_.get()) == PA_STREAM_READY;
+    const auto* name = open ? pa_stream_get_device_name(stream_.get()) : nullptr;
+    return name == nullptr ? std::string() : std::string(name);
 }
 
 void CaptureStream::stateChanged() {
@@ -63,7 +71,7 @@ void CaptureStream::stateChanged() {
     // A stream that the server takes away ends without an error.
     const auto error = state == PA_STREAM_FAILED ? pa_context_errno(pa_stream_get_context(stream_.get()))
                                                  : static_cast<int>(PA_ERR_KILLED);
-    if (const auto ended = std::exchange(ended_, nullptr)) {
+    if (const auto ended = std::exchange(handlers_.ended, nullptr)) {
         ended(error);
     }
 }

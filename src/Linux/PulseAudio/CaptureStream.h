@@ -6,16 +6,26 @@
 #include "Linux/PulseAudio/PulseHandles.h"
 
 #include <functional>
+#include <string>
 
 namespace tovik {
 
 /// One opening of the server's default source. Sound thread only.
 class CaptureStream {
 public:
-    /// Ended is called at most once, with the client library's error number, when the server ends the stream
-    /// or does not open it; the stream may be destroyed in that call's wake, not within it.
+    struct Handlers {
+        /// Called at most once, with the client library's error number, when the server ends the stream or
+        /// does not open it. The stream may be destroyed in that call's wake, not within it.
+        std::function<void(int)> ended;
+        /// It hears another source than before.
+        std::function<void()> moved;
+    };
+
     CaptureStream(pa_context& context, const pa_sample_spec& spec, const pa_channel_map& channels,
-                  CaptureRelay& relay, CaptureRelay::Session session, std::function<void(int)> ended);
+                  CaptureRelay& relay, CaptureRelay::Session session, Handlers handlers);
+
+    /// The name of the source that it hears now; the server may move it. Empty before the server has told.
+    [[nodiscard]] std::string source() const;
 
 private:
     void stateChanged();
@@ -24,7 +34,7 @@ private:
     CaptureRelay& relay_;
     const CaptureRelay::Session session_;
     const std::size_t channelCount_;
-    std::function<void(int)> ended_;
+    Handlers handlers_;
     pulse::StreamHandle stream_;
 };
 

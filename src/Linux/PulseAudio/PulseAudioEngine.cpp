@@ -5,6 +5,7 @@
 #include "Linux/PulseAudio/CaptureRelay.h"
 #include "Linux/PulseAudio/CaptureStream.h"
 
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -41,7 +42,8 @@ Error failure(int code, const std::string& sentence) {
 } // namespace
 
 /// The half of the engine that lives on the sound thread, and the relay between the halves.
-class PulseAudioEngine::Microphone : public PulseAudioConnection::Client {
+class PulseAudioEngine::Microphone : public PulseAudioConnection::Client,
+                                     public std::enable_shared_from_this<Microphone> {
 public:
     Microphone(PulseAudioConnection& connection, std::shared_ptr<SoundDirectory> directory)
         : connection_(connection),
@@ -52,7 +54,7 @@ public:
 
     // The rest is for the sound thread.
     void open(CaptureRelay::Session session) {
-        stream_.reset();
+        close();
         if (!relay.isCurrent(session)) {
             return;
         }
@@ -66,10 +68,15 @@ public:
 
     void deliverKept() { relay.deliver(session_); }
 
-    /// A microphone may have been asked for before the server had told of its sources.
     void listingChanged() {
-        if (context_ != nullptr && stream_ == nullptr && relay.isCurrent(session_)) {
+        if (context_ == nullptr || !relay.isCurrent(session_)) {
+            return;
+        }
+        if (stream_ == nullptr) {
+            // Asked for before the server had told of its sources.
             openStream();
+        } else {
+            checkSource();
         }
     }
 
@@ -82,6 +89,13 @@ public:
     }
 
 private:
+    // Not from within a call of the stream itself.
+    void closeIfStill(CaptureRelay::Session session) {
+        if (session_ == session) {
+            close();
+        }
+    }
+
     void openStream() {
         const auto listing = directory_->listing();
         if (!listing.known) {
@@ -92,13 +106,32 @@ private:
             return;
         }
         const auto format = formatFor(listing);
+        hearsOutput_ = listing.usableDefault()->isMonitor;
         relay.prepare(session_, format.spec.rate);
+        CaptureStream::Handlers handlers;
+        handlers.ended = [this](int error) { ended(error); };
+        handlers.moved = [this] { checkSource(); };
         stream_ = std::make_unique<CaptureStream>(*context_, format.spec, format.channels, relay, session_,
-                                                  [this](int error) { ended(error); });
+                                                  std::move(handlers));
+    }
+
+    // When the last microphone goes, the server lets the stream hear what the loudspeakers play. That must
+    // not end up in anybody's text.
+    void checkSource() {
+        const auto listing = directory_->listing();
+        const auto* source = listing.find(stream_->source());
+        const bool hearsOutput = source != nullptr && source->isMonitor;
+        if (hearsOutput && !hearsOutput_ && !listing.hasRealMicrophone()) {
+            ended(PA_ERR_NOENTITY);
+        }
     }
 
     void ended(int error) {
+        if (!relay.isCurrent(session_)) {
+            return;
+        }
         relay.finish(session_);
+        connection_.post([self = shared_from_this(), session = session_] { self->closeIfStill(session); });
         if (error != PA_ERR_CONNECTIONTERMINATED) {
             connection_.log("Microphone lost: " + std::string(pa_strerror(error)));
         }
@@ -108,6 +141,7 @@ private:
     std::shared_ptr<SoundDirectory> directory_;
     pa_context* context_ = nullptr;
     CaptureRelay::Session session_ = 0;
+    bool hearsOutput_ = false;
     std::unique_ptr<CaptureStream> stream_;
 };
 

@@ -23,20 +23,27 @@ std::string text(const char* bytes) {
 
 } // namespace
 
-const SoundSource* SoundListing::usableDefault() const {
-    const auto found = std::find_if(sources.begin(), sources.end(), [this](const SoundSource& source) {
-        return source.name == defaultSource && canBeHeard(source);
-    });
+const SoundSource* SoundListing::find(const std::string& name) const {
+    const auto found = std::find_if(sources.begin(), sources.end(),
+                                    [&](const SoundSource& source) { return source.name == name; });
     return found == sources.end() ? nullptr : &*found;
 }
 
+const SoundSource* SoundListing::usableDefault() const {
+    const auto* source = find(defaultSource);
+    return source != nullptr && canBeHeard(*source) ? source : nullptr;
+}
+
+bool SoundListing::hasRealMicrophone() const {
+    return std::any_of(sources.begin(), sources.end(),
+                       [](const SoundSource& source) { return !source.isMonitor; });
+}
+
 std::vector<SoundSource> SoundListing::microphones(bool withMonitors) const {
-    const auto isRealMicrophone = [](const SoundSource& source) { return !source.isMonitor; };
-    const bool all = withMonitors || std::none_of(sources.begin(), sources.end(), isRealMicrophone);
+    const bool all = withMonitors || !hasRealMicrophone();
     std::vector<SoundSource> chosen;
-    std::copy_if(sources.begin(), sources.end(), std::back_inserter(chosen), [&](const SoundSource& source) {
-        return canBeHeard(source) && (all || isRealMicrophone(source));
-    });
+    std::copy_if(sources.begin(), sources.end(), std::back_inserter(chosen),
+                 [&](const SoundSource& source) { return canBeHeard(source) && (all || !source.isMonitor); });
     return chosen;
 }
 

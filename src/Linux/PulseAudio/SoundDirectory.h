@@ -35,9 +35,11 @@ struct SoundListing {
     std::vector<SoundSource> sources;
     std::vector<SoundSink> sinks;
 
+    [[nodiscard]] const SoundSource* find(const std::string& name) const;
     /// Nothing when the server names a default that is not listed, or only the stand-in that it makes for a
     /// machine without sound hardware, on which nothing can ever be heard.
     [[nodiscard]] const SoundSource* usableDefault() const;
+    [[nodiscard]] bool hasRealMicrophone() const;
     /// The sources that people would call a microphone. Monitors, which hear what an output plays, are among
     /// them only where they are asked for or nothing else is there.
     [[nodiscard]] std::vector<SoundSource> microphones(bool withMonitors) const;

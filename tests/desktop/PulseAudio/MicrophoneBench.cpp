@@ -3,7 +3,7 @@
 //
 // Measures the microphone against a 48 kHz virtual source: how soon it hears, and what opening and closing it
 // cuts off. Prints a table for docs/performance.md.
-#include "SoundRig.h"
+#include "support/SoundRig.h"
 
 #include <sys/resource.h>
 
@@ -24,6 +24,9 @@ struct Numbers {
     std::vector<double> values;
 
     void print(const char* title) {
+        if (values.empty()) {
+            return;
+        }
         std::sort(values.begin(), values.end());
         std::printf("  %-58s %8.2f %8.2f %8.2f\n", title, values.front(), values[values.size() / 2],
                     values.back());
@@ -46,55 +49,94 @@ std::uint64_t now(const VirtualMicrophone& microphone) {
     return microphone.frames() % VirtualMicrophone::countedFrames;
 }
 
+/// One recording of two tenths of a second; what is learned of it goes into the columns.
+struct Columns {
+    Numbers startCall, firstBuffer, headCut, tailCut, stopCall;
+
+    void print() {
+        startCall.print("start() returns after");
+        firstBuffer.print("start() to the first whole buffer in the tap");
+        headCut.print("spoken after start() and missing at the beginning");
+        tailCut.print("spoken before flush() and missing at the end");
+        stopCall.print("stop() returns after");
+    }
+};
+
+bool record(SoundRig& rig, const VirtualMicrophone& microphone, Columns& columns) {
+    Listener listener;
+    std::atomic<Time::rep> first = 0;
+    const auto tap = listener.tap();
+    rig.engine.installTap(1024, [&, tap](const AudioBuffer& buffer) {
+        if (first == 0) {
+            first = Time::now().time_since_epoch().count();
+        }
+        tap(buffer);
+    });
+    const auto atStart = now(microphone);
+    const auto begun = Time::now();
+    if (const auto started = rig.engine.start(); !started) {
+        std::printf("%s\n", started.error().description.c_str());
+        return false;
+    }
+    columns.startCall.values.push_back(milliseconds(Time::now() - begun));
+    if (!listener.waitFor(static_cast<std::size_t>(10 * 1024))) {
+        std::printf("nothing heard\n");
+        return false;
+    }
+    const auto atStop = now(microphone);
+    rig.engine.flush();
+    const auto stopping = Time::now();
+    rig.engine.stop();
+    columns.stopCall.values.push_back(milliseconds(Time::now() - stopping));
+    rig.engine.removeTap();
+    const auto heard = listener.samples();
+    columns.firstBuffer.values.push_back(
+        milliseconds(Time::duration(first.load()) - begun.time_since_epoch()));
+    columns.headCut.values.push_back(framesBetween(atStart, VirtualMicrophone::numberOf(heard.front())) /
+                                     48.0);
+    columns.tailCut.values.push_back(framesBetween(VirtualMicrophone::numberOf(heard.back()), atStop) / 48.0);
+    return true;
+}
+
+bool isSuspended(const SoundServer& server) {
+    const auto sources = server.control({"list", "short", "sources"});
+    const auto line = sources.find("\tbench\t");
+    return sources.substr(line, sources.find('\n', line) - line).ends_with("SUSPENDED");
+}
+
 void measure(SoundServer::Kind kind, int times) {
     SoundServer server(kind);
     server.start();
     auto& microphone = server.plugIn("bench", "Bench");
     server.setDefaultSource("bench");
     microphone.count();
-    SoundRig rig(server);
-    if (!rig.waitForDefault("bench")) {
-        std::printf("no server\n");
-        return;
-    }
-    Numbers startCall, stopCall, firstBuffer, headCut, tailCut, opening, samplesAhead;
-    for (int round = 0; round < times; ++round) {
-        Listener listener;
-        std::atomic<Time::rep> first = 0;
-        std::atomic<std::uint64_t> firstNumber = 0;
-        const auto tap = listener.tap();
-        rig.engine.installTap(1024, [&, tap](const AudioBuffer& buffer) {
-            if (first == 0) {
-                first = Time::now().time_since_epoch().count();
-            }
-            tap(buffer);
-        });
-        const auto atStart = now(microphone);
-        const auto begun = Time::now();
-        if (const auto started = rig.engine.start(); !started) {
-            std::printf("%s\n", started.error().description.c_str());
-            return;
+    Columns warm, launched, suspended;
+    {
+        SoundRig rig(server);
+        bool fine = rig.waitForDefault("bench") && eventually([&] { return microphone.frames() > 48000; });
+        Columns unused;
+        fine = fine && record(rig, microphone, unused);
+        for (int round = 0; round < times && fine; ++round) {
+            fine = record(rig, microphone, warm);
         }
-        startCall.values.push_back(milliseconds(Time::now() - begun));
-        listener.waitFor(static_cast<std::size_t>(10 * 1024));
-        firstBuffer.values.push_back(milliseconds(Time::duration(first.load()) - begun.time_since_epoch()));
-        const auto cut = framesBetween(atStart, VirtualMicrophone::numberOf(listener.samples().front()));
-        headCut.values.push_back(cut / 48.0);
-        const auto atStop = now(microphone);
-        rig.engine.flush();
-        const auto stopping = Time::now();
-        rig.engine.stop();
-        stopCall.values.push_back(milliseconds(Time::now() - stopping));
-        rig.engine.removeTap();
-        tailCut.values.push_back(
-            framesBetween(VirtualMicrophone::numberOf(listener.samples().back()), atStop) / 48.0);
+        if (kind == SoundServer::Kind::pulseAudio) {
+            server.control({"load-module", "module-suspend-on-idle", "timeout=0"});
+        }
+        for (int round = 0; round < times && fine; ++round) {
+            fine = eventually([&] { return isSuspended(server); }) && record(rig, microphone, suspended);
+        }
     }
-    std::printf("%s: %d recordings, milliseconds: least, median, most\n", nameOf(kind), times);
-    startCall.print("start() returns after");
-    firstBuffer.print("start() to the first whole buffer in the tap");
-    headCut.print("spoken after start() and missing at the beginning");
-    tailCut.print("spoken before flush() and missing at the end");
-    stopCall.print("stop() returns after");
+    for (int round = 0; round < times; ++round) {
+        SoundRig rig(server);
+        record(rig, microphone, launched);
+    }
+    std::printf("%s, %d recordings each, milliseconds: least, median, most\n", nameOf(kind), times);
+    std::printf(" connected, source awake\n");
+    warm.print();
+    std::printf(" connected, source suspended\n");
+    suspended.print();
+    std::printf(" at once after launch\n");
+    launched.print();
 }
 
 } // namespace

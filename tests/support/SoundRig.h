@@ -10,8 +10,11 @@
 #include "support/RecordingLog.h"
 #include "support/SoundServer.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -20,6 +23,14 @@
 #include <vector>
 
 namespace tovik::test {
+
+/// Keeps the client library of every test program that includes this away from the user's files.
+class IsolatedSoundClient : public testing::Environment {
+public:
+    void SetUp() override { isolateSoundClient(); }
+};
+inline testing::Environment* const isolatedSoundClient =
+    testing::AddGlobalTestEnvironment(new IsolatedSoundClient);
 
 /// Waits in real time until it holds; false after ten seconds.
 inline bool eventually(const std::function<bool()>& holds) {
@@ -64,6 +75,13 @@ public:
     [[nodiscard]] double rate() const {
         const std::lock_guard lock(mutex_);
         return rate_;
+    }
+    /// Whether these samples, as a microphone of sixteen bits renders them, were heard in one piece.
+    [[nodiscard]] bool heard(const std::vector<float>& words) const {
+        const std::lock_guard lock(mutex_);
+        return std::search(samples_.begin(), samples_.end(), words.begin(), words.end(),
+                           [](float sample, float word) { return std::abs(sample - word) < 1e-4F; }) !=
+               samples_.end();
     }
     void forget() {
         const std::lock_guard lock(mutex_);
@@ -120,7 +138,7 @@ struct SoundRig {
     PulseAudioEngine engine;
 };
 
-/// Both kinds of server, for tests that hold on either.
+/// For the names of tests that hold on either kind of server.
 inline const char* nameOf(SoundServer::Kind kind) {
     return kind == SoundServer::Kind::pulseAudio ? "PulseAudio" : "PipeWire";
 }
