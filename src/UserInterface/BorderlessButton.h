@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QColor>
+#include <QPushButton>
+
+namespace tovik {
+
+/// A button that is only its text, its symbol, or both side by side. Reached with the Tab key, where it shows
+/// a ring. Says its name and its help to assistive programs.
+class BorderlessButton : public QPushButton {
+    Q_OBJECT
+
+public:
+    explicit BorderlessButton(QWidget* parent = nullptr);
+
+    /// Shown before the text; drawn this large.
+    void setSymbol(const QString& symbolName, double edge);
+    [[nodiscard]] const QString& symbolName() const { return symbolName_; }
+
+    void setContentTint(const QColor& tint);
+    [[nodiscard]] const QColor& contentTint() const { return contentTint_; }
+
+    /// Where text and symbol stand when the button is larger than they need; centred at first.
+    void setContentAlignment(Qt::Alignment alignment);
+
+    /// Free space on both sides of the content, within the button.
+    void setContentPadding(int horizontal, int vertical);
+
+    /// What assistive programs call the button, and what it does.
+    void describe(const QString& name, const QString& help);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+    /// Paints what lies beneath text and symbol: nothing.
+    virtual void paintGround(QPainter& painter);
+    /// How strongly the content is drawn, 0...1.
+    [[nodiscard]] virtual double contentOpacity() const;
+    [[nodiscard]] bool isHovered() const { return underMouse() && isEnabled(); }
+
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
+    [[nodiscard]] QSizeF contentSize() const;
+    void paintFocusRing(QPainter& painter);
+
+    QString symbolName_;
+    double symbolEdge_ = 0;
+    QColor contentTint_ = Qt::black;
+    Qt::Alignment alignment_ = Qt::AlignCenter;
+    int horizontalPadding_ = 0;
+    int verticalPadding_ = 0;
+};
+
+} // namespace tovik

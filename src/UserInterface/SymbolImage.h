@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QColor>
+#include <QIcon>
+#include <QPixmap>
+#include <QSizeF>
+#include <QString>
+
+class QPainter;
+class QRectF;
+
+namespace tovik {
+
+/// The program's own drawings, by symbol name. Drawn from curves at the very resolution asked for.
+namespace symbols {
+
+/// Whether there is a drawing of this name.
+[[nodiscard]] bool exists(const QString& name);
+
+/// The symbol in one colour, as large as fits the size, centred. An unknown name gives an empty picture.
+[[nodiscard]] QPixmap pixmap(const QString& name, const QSizeF& size, const QColor& tint,
+                             double devicePixelRatio);
+
+/// Draws the symbol in one colour, as large as fits the rectangle.
+void paint(QPainter& painter, const QString& name, const QRectF& target, const QColor& tint);
+
+/// The symbol as an icon, sharp on every kind of screen.
+[[nodiscard]] QIcon icon(const QString& name, const QColor& tint);
+
+/// How large a symbol is drawn that goes with text of this size.
+[[nodiscard]] double edgeForPointSize(double pointSize);
+
+/// The program's icon.
+[[nodiscard]] QPixmap applicationIconPixmap(double edge, double devicePixelRatio);
+[[nodiscard]] QIcon applicationIcon();
+
+} // namespace symbols
+
+} // namespace tovik

@@ -1,0 +1,179 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "WaveformOverlay.h"
+
+#include "Speech/ElapsedTime.h"
+#include "UserInterface/FloatingPanel.h"
+#include "UserInterface/OverlayPlacement.h"
+#include "UserInterface/TabularDigitsLabel.h"
+#include "UserInterface/WaveformView.h"
+
+#include <algorithm>
+
+namespace tovik {
+
+namespace {
+
+constexpr Size kSize{theme::kPillWidth, theme::kPillHeight};
+
+} // namespace
+
+WaveformOverlay::WaveformOverlay(const Clock& clock, MainQueue& queue, const Screens& screens,
+                                 Workspace& workspace, const Compositing& compositing)
+    : clock_(clock),
+      queue_(queue),
+      screens_(screens),
+      workspace_(workspace),
+      compositing_(compositing),
+      fade_(clock, queue),
+      movement_(clock, queue),
+      beat_(clock, queue) {}
+
+WaveformOverlay::~WaveformOverlay() = default;
+
+void WaveformOverlay::show(Date startedAt) {
+    startedAt_ = startedAt;
+    if (window_) {
+        updateElapsedLabel();
+        startElapsedTimer();
+        reposition(false);
+        return;
+    }
+    makeWindow();
+    window_->orderFront();
+    startFollowingActiveSpace();
+    startElapsedTimer();
+    fadeIn();
+}
+
+void WaveformOverlay::hide() {
+    if (!window_) {
+        return;
+    }
+    followTimer_.end();
+    spaceObserver_.end();
+    elapsedTimer_.end();
+    fadeOut();
+}
+
+void WaveformOverlay::tovik() {
+    if (!window_) {
+        return;
+    }
+    const auto grow = [this](double done) {
+        window_->setContentScale(1 + (theme::kPillBeatScale - 1) * done);
+    };
+    beat_.start(theme::kPillBeat, TimingCurve::linear, grow, [this, grow] {
+        beat_.start(theme::kPillBeat, TimingCurve::linear, [grow](double done) { grow(1 - done); });
+    });
+}
+
+void WaveformOverlay::setLevel(float level) {
+    if (waveformView_) {
+        waveformView_->setLevel(level);
+    }
+}
+
+void WaveformOverlay::makeWindow() {
+    const Point corner = origin();
+    window_ =
+        std::make_unique<FloatingPanel>(PanelStyle{.background = theme::kPillBackground,
+                                                   .cornerRadius = theme::kPanelCornerRadius,
+                                                   .borderWidth = theme::kPillBorderWidth,
+                                                   .borderColor = theme::kPillBorder},
+                                        Rect{corner.x, corner.y, kSize.width, kSize.height}, compositing_);
+    window_->setObjectName(QStringLiteral("waveformOverlay"));
+
+    elapsedLabel_ = new TabularDigitsLabel(QStringLiteral("0:00"), &window_->content());
+    elapsedLabel_->setFont(theme::font(theme::kPillTextSize, FontWeight::medium));
+    QPalette palette = elapsedLabel_->palette();
+    palette.setColor(QPalette::WindowText, theme::color(theme::kPillText));
+    elapsedLabel_->setPalette(palette);
+    elapsedLabel_->setAccessibleName(QStringLiteral("Elapsed recording time"));
+
+    waveformView_ = new WaveformView(&window_->content());
+    updateElapsedLabel();
+}
+
+void WaveformOverlay::layOutContent() {
+    const QRect bounds = window_->content().rect();
+    const QSize wanted = elapsedLabel_->sizeHint();
+    const int width = std::max(theme::kPillTextMinWidth, wanted.width());
+    const QRect label(bounds.right() + 1 - theme::kPillTextTrailing - width,
+                      (bounds.height() - wanted.height()) / 2, width, wanted.height());
+    elapsedLabel_->setGeometry(label);
+    waveformView_->setGeometry(QRect(
+        QPoint(theme::kPillBarsLeading, theme::kPillBarsInset),
+        QPoint(label.left() - theme::kPillBarsToText - 1, bounds.height() - theme::kPillBarsInset - 1)));
+}
+
+void WaveformOverlay::fadeIn() {
+    fade_.start(theme::kPillFadeIn, TimingCurve::easeOut, [this](double done) { window_->setAlpha(done); });
+}
+
+void WaveformOverlay::fadeOut() {
+    const double from = window_->alpha();
+    fade_.start(
+        theme::kPillFadeOut, TimingCurve::easeOut,
+        [this, from](double done) { window_->setAlpha(from * (1 - done)); },
+        [this] {
+            movement_.stop();
+            beat_.stop();
+            // A show() during the fade has started it again, for a window that is gone now.
+            elapsedTimer_.end();
+            window_->orderOut();
+            waveformView_ = nullptr;
+            elapsedLabel_ = nullptr;
+            window_.reset();
+            startedAt_.reset();
+        });
+}
+
+void WaveformOverlay::updateElapsedLabel() {
+    if (!elapsedLabel_) {
+        return;
+    }
+    elapsedLabel_->setText(
+        startedAt_ ? QString::fromStdString(formattedElapsedTime(elapsedSeconds(*startedAt_, clock_.now())))
+                   : QStringLiteral("0:00"));
+    layOutContent();
+}
+
+void WaveformOverlay::startElapsedTimer() {
+    elapsedTimer_ = queue_.every(theme::kPillElapsedInterval, [this] { updateElapsedLabel(); });
+}
+
+void WaveformOverlay::startFollowingActiveSpace() {
+    spaceObserver_ = workspace_.onActiveSpaceChanged([this] { activeSpaceChanged(); });
+    followTimer_ = queue_.every(theme::kPillFollowInterval, [this] { reposition(true); });
+}
+
+void WaveformOverlay::activeSpaceChanged() {
+    reposition(false);
+}
+
+void WaveformOverlay::reposition(bool animated) {
+    if (!window_) {
+        return;
+    }
+    const Rect frame = window_->panelFrame();
+    const Point from{frame.x, frame.y};
+    const Point to = origin();
+    if (!isWorthMoving(from, to)) {
+        return;
+    }
+    movement_.stop();
+    if (!animated) {
+        window_->setOrigin(to);
+        return;
+    }
+    movement_.start(theme::kPillMove, TimingCurve::easeOut, [this, from, to](double done) {
+        window_->setOrigin({from.x + (to.x - from.x) * done, from.y + (to.y - from.y) * done});
+    });
+}
+
+Point WaveformOverlay::origin() const {
+    return overlayOrigin(screens_, kSize);
+}
+
+} // namespace tovik

@@ -1,0 +1,71 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/MainQueue.h"
+#include "Platform/RecordingOverlay.h"
+#include "Platform/Screens.h"
+#include "Platform/Workspace.h"
+#include "UserInterface/Compositing.h"
+#include "UserInterface/FrameAnimation.h"
+
+#include <memory>
+#include <optional>
+
+namespace tovik {
+
+class FloatingPanel;
+class TabularDigitsLabel;
+class WaveformView;
+
+/// The recording pill: a small dark capsule near the bottom of the screen with the pointer, with the latest
+/// levels on its left and the recording time on its right. Its window, its timers and its observer exist only
+/// while it is on screen. Main thread.
+class WaveformOverlay : public RecordingOverlay {
+public:
+    WaveformOverlay(const Clock& clock, MainQueue& queue, const Screens& screens, Workspace& workspace,
+                    const Compositing& compositing);
+    ~WaveformOverlay() override;
+
+    /// While the overlay fades out it still counts as shown: it takes the new time and goes all the same.
+    void show(Date startedAt) override;
+    void hide() override;
+    void tovik() override;
+    void setLevel(float level) override;
+
+    /// Null while nothing is on screen; so are the views.
+    [[nodiscard]] FloatingPanel* window() const { return window_.get(); }
+    [[nodiscard]] WaveformView* waveformView() const { return waveformView_; }
+    [[nodiscard]] TabularDigitsLabel* elapsedLabel() const { return elapsedLabel_; }
+
+private:
+    void makeWindow();
+    void layOutContent();
+    void fadeIn();
+    void fadeOut();
+    void updateElapsedLabel();
+    void startElapsedTimer();
+    void startFollowingActiveSpace();
+    void activeSpaceChanged();
+    void reposition(bool animated);
+    [[nodiscard]] Point origin() const;
+
+    const Clock& clock_;
+    MainQueue& queue_;
+    const Screens& screens_;
+    Workspace& workspace_;
+    const Compositing& compositing_;
+
+    std::unique_ptr<FloatingPanel> window_;
+    WaveformView* waveformView_ = nullptr;
+    TabularDigitsLabel* elapsedLabel_ = nullptr;
+    Subscription followTimer_;
+    Subscription elapsedTimer_;
+    Subscription spaceObserver_;
+    std::optional<Date> startedAt_;
+    FrameAnimation fade_;
+    FrameAnimation movement_;
+    FrameAnimation beat_;
+};
+
+} // namespace tovik
