@@ -34,11 +34,12 @@ struct AppDelegate::Parts {
           dictionary(p.defaults, p.log),
           history(p.defaults, p.clock),
           chain(p.defaults, p.log),
-          permissions(p.authorization),
-          installation(p.authorization, p.files, p.workspace, p.processLauncher, p.alert, p.mainQueue, window,
-                       p.terminate),
-          permissionRequests(p.authorization, p.mainQueue, p.log, p.workspace, window, permissions,
-                             installation),
+          permissions(p.authorization, p.installLocations),
+          installation({p.authorization, p.files, p.workspace, p.processLauncher, p.alert, p.mainQueue,
+                        window, p.terminate},
+                       p.installLocations),
+          permissionRequests(
+              {p.authorization, p.mainQueue, p.log, p.workspace, window, permissions, installation}),
           links(p.workspace, window),
           inputDevices(std::make_shared<InputDeviceMenu>(p.mainQueue, p.log, window)) {}
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Permissions/InstallLocations.h"
 #include "Platform/Alert.h"
 #include "Platform/AudioEngine.h"
 #include "Platform/AudioHardware.h"
@@ -56,6 +57,7 @@ struct Platform {
     std::string dataFolder;
     std::string debugLogFile;
     std::int64_t processIdentifier = 0;
+    InstallLocations installLocations;
 };
 
 /// Owns the parts of the program and joins them; the rules are theirs. Main thread.

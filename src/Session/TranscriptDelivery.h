@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Platform/KeyEventPoster.h"
+#include "Platform/KeyMonitor.h"
 #include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
 #include "Platform/MainWindow.h"

@@ -61,6 +61,7 @@ protected:
             .dataFolder = "/home/ada/.local/share",
             .debugLogFile = kDebugLog,
             .processIdentifier = 4242,
+            .installLocations = macInstallLocations(),
         });
         delegate->applicationDidFinishLaunching();
         time.runPending();

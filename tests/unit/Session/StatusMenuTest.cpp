@@ -127,7 +127,7 @@ TEST_F(LanguageMenuTest, choosingAutoDetect_removesTheStoredChoice) {
 
 class TranscriptHistoryMenuTest : public test::SessionFixture {
 protected:
-    TranscriptionDictionary dictionary{defaults};
+    TranscriptionDictionary dictionary{defaults, log};
     TranscriptHistoryStore history{defaults, time};
     test::FakeTextTranslator translator;
     TranscriptDelivery delivery{{time, log, defaults, permissionRequests, dictionary, history, translator,
@@ -204,6 +204,7 @@ TEST_F(InputDeviceMenuTest, checksBothRowsOfTheCurrentDevice) {
 
 TEST_F(InputDeviceMenuTest, aFreshList_checksTheRowAtTheDevicesPlaceInTheList) {
     ASSERT_TRUE(manager->selectDevice({"usb", "USB Mic"}).ok());
+    time.runPending();
     menu->availableDevicesChanged(manager->audioDevices());
     time.runPending();
     EXPECT_THAT(checkedRows(*menu->menu()), ElementsAre(1u));

@@ -42,7 +42,7 @@ protected:
     const Date begin = time.now();
     std::vector<Date::duration> postedAt;
 
-    TranscriptionDictionary dictionary{defaults};
+    TranscriptionDictionary dictionary{defaults, log};
     TranscriptHistoryStore history{defaults, time};
     test::FakeTextTranslator translator;
     TranscriptDelivery delivery{{.queue = time,
