@@ -5,6 +5,7 @@
 #include "Audio/DictationLocales.h"
 #include "Audio/LevelMeter.h"
 #include "Audio/Vocabulary.h"
+#include "Speech/CustomVocabulary.h"
 #include "Speech/RecognitionRequest.h"
 
 #include <algorithm>
@@ -19,7 +20,6 @@ constexpr Seconds kPauseAfterStop{0.1};
 constexpr Seconds kDeviceCheckInterval{5.0};
 constexpr Seconds kDeviceChangeCooldown{1.5};
 constexpr Seconds kRecoveryDelay{1.0};
-constexpr auto kCustomVocabularyKey = "CustomVocabulary";
 constexpr auto kLastResortLocale = "en-US";
 
 bool isWirelessHeadset(const std::string& name) {
@@ -92,8 +92,7 @@ void MacAudioManager::logDeviceInUse() {
 std::shared_ptr<RecognitionRequest> MacAudioManager::makeRequest() {
     RecognitionSettings settings;
     settings.reportPartialResults = true;
-    settings.contextualStrings =
-        contextualStrings(customVocabularyTerms(ports_.defaults.string(kCustomVocabularyKey).value_or("")));
+    settings.contextualStrings = contextualStrings(CustomVocabulary::terms(ports_.defaults));
     settings.addPunctuation = true;
     settings.taskHint = RecognitionSettings::TaskHint::dictation;
     return std::make_shared<RecognitionRequest>(std::move(settings), ports_.engine.inputFormat().sampleRate);

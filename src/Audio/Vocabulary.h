@@ -14,9 +14,6 @@ inline constexpr std::array<std::string_view, 15> kBuiltinVocabulary{
     "Tovik",   "Tovik Record", "GitHub", "Slack",  "Zoom",    "Notion",  "Figma",   "Jira",
     "Dropbox", "Salesforce",   "Stripe", "Trello", "Spotify", "Discord", "LinkedIn"};
 
-/// The user's own terms out of a comma-separated list: trimmed of white space, none of them empty.
-[[nodiscard]] std::vector<std::string> customVocabularyTerms(std::string_view commaSeparated);
-
 /// The built-in terms and then the user's own, each once.
 [[nodiscard]] std::vector<std::string> contextualStrings(const std::vector<std::string>& customTerms);
 
