@@ -43,28 +43,44 @@ void RecognitionRequest::endAudio() {
 }
 
 std::size_t RecognitionRequest::read(std::span<float> out) {
-    if (out.empty()) {
-        return 0;
-    }
-    const auto consumed = consumed_.load(std::memory_order_relaxed);
     for (;;) {
-        // The order matters: sound that was appended before the end must be seen once the end is.
-        const bool ended = ended_.load(std::memory_order_acquire);
-        const auto available = written_.load(std::memory_order_acquire) - consumed;
-        if (available > 0) {
-            const auto taken = std::min(available, out.size());
-            const auto begin = consumed % capacity_;
-            const auto untilWrap = std::min(taken, capacity_ - begin);
-            std::copy_n(ring_.get() + begin, untilWrap, out.begin());
-            std::copy_n(ring_.get(), taken - untilWrap, out.begin() + static_cast<std::ptrdiff_t>(untilWrap));
-            consumed_.store(consumed + taken, std::memory_order_release);
-            return taken;
-        }
-        if (ended) {
-            return 0;
+        if (const auto count = readWhatIsThere(out)) {
+            return *count;
         }
         arrivals_.acquire();
     }
+}
+
+std::optional<std::size_t> RecognitionRequest::readWithin(std::span<float> out,
+                                                          std::chrono::milliseconds timeout) {
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    for (;;) {
+        if (const auto count = readWhatIsThere(out)) {
+            return count;
+        }
+        // An arrival may be one whose sound was read already: then the wait goes on.
+        if (!arrivals_.try_acquire_until(deadline)) {
+            return readWhatIsThere(out);
+        }
+    }
+}
+
+/// Nothing when there is neither sound nor the end.
+std::optional<std::size_t> RecognitionRequest::readWhatIsThere(std::span<float> out) {
+    // The order matters: sound that was appended before the end must be seen once the end is.
+    const bool ended = ended_.load(std::memory_order_acquire);
+    const auto consumed = consumed_.load(std::memory_order_relaxed);
+    const auto available = written_.load(std::memory_order_acquire) - consumed;
+    const auto taken = std::min(available, out.size());
+    if (taken == 0) {
+        return ended || out.empty() ? std::optional<std::size_t>(0) : std::nullopt;
+    }
+    const auto begin = consumed % capacity_;
+    const auto untilWrap = std::min(taken, capacity_ - begin);
+    std::copy_n(ring_.get() + begin, untilWrap, out.begin());
+    std::copy_n(ring_.get(), taken - untilWrap, out.begin() + static_cast<std::ptrdiff_t>(untilWrap));
+    consumed_.store(consumed + taken, std::memory_order_release);
+    return taken;
 }
 
 } // namespace tovik

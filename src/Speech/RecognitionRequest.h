@@ -5,8 +5,10 @@
 #include "Platform/AudioEngine.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <semaphore>
 #include <span>
 #include <string>
@@ -52,10 +54,15 @@ public:
     /// there is. Returns the number of frames, 0 only at the end.
     std::size_t read(std::span<float> out);
 
+    /// As read(), but gives up after the time-out: then nothing.
+    std::optional<std::size_t> readWithin(std::span<float> out, std::chrono::milliseconds timeout);
+
     /// Frames that found no room so far.
     [[nodiscard]] std::size_t droppedFrames() const { return dropped_.load(std::memory_order_relaxed); }
 
 private:
+    [[nodiscard]] std::optional<std::size_t> readWhatIsThere(std::span<float> out);
+
     const RecognitionSettings settings_;
     const double sampleRate_;
     const std::size_t capacity_;

@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Result.h"
+
+#include <filesystem>
+
+namespace tovik {
+
+/// Where the files of a speech model lie.
+struct ModelFiles {
+    std::filesystem::path acousticModel;
+    std::filesystem::path languageModel;
+    std::filesystem::path dictionary;
+
+    /// The United States English model of Debian's package pocketsphinx-en-us.
+    [[nodiscard]] static ModelFiles unitedStatesEnglish();
+
+    /// Whether the files are there and whole enough to be loaded. The error says which one is not, and what
+    /// to install. Reads a few bytes of each file.
+    [[nodiscard]] Result<void> check() const;
+};
+
+} // namespace tovik

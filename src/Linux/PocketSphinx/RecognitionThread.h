@@ -1,0 +1,51 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Linux/PocketSphinx/SharedLog.h"
+#include "Linux/PocketSphinx/Utterance.h"
+#include "Linux/PocketSphinx/UtteranceDecoder.h"
+#include "Platform/Clock.h"
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <thread>
+
+namespace tovik {
+
+/// Makes a decoder; runs on the recognition thread and may take long.
+using DecoderLoader = std::function<Result<std::unique_ptr<UtteranceDecoder>>()>;
+
+/// The thread that loads a decoder and decodes utterances with it in the order in which they came. An
+/// utterance that comes while the decoder loads or decodes waits; its sound waits in its request.
+class RecognitionThread {
+public:
+    RecognitionThread(DecoderLoader loader, std::shared_ptr<SharedLog> log);
+    /// As leave() with no time.
+    ~RecognitionThread();
+    RecognitionThread(const RecognitionThread&) = delete;
+    RecognitionThread& operator=(const RecognitionThread&) = delete;
+
+    /// Any thread. When the decoder could not be loaded the answer is why.
+    void add(std::shared_ptr<Utterance> utterance);
+
+    /// Why the decoder could not be loaded; nothing while it loads and when it works. Any thread.
+    [[nodiscard]] std::optional<Error> failure() const;
+
+    /// How long the decoder has been at its present task without a sign of life; zero when it has none.
+    [[nodiscard]] Seconds silentFor() const;
+
+    /// Ends the thread, or lets go of it when it does not end in time: then it touches nothing any more
+    /// whenever it does. Returns the utterances that it has not answered.
+    [[nodiscard]] std::deque<std::shared_ptr<Utterance>> leave(Seconds atMost);
+
+private:
+    struct State;
+
+    const std::shared_ptr<State> state_;
+    std::thread thread_;
+};
+
+} // namespace tovik
