@@ -40,13 +40,10 @@ std::vector<unsigned long> unshiftedKeysyms(XkbDescPtr keyboard, unsigned keyCod
 X11Keyboard::X11Keyboard(X11Connection& connection) : connection_(connection) {}
 
 std::vector<unsigned long> X11Keyboard::keysyms(int device, unsigned keyCode) const {
-    const KeyboardDescription keyboard(XkbAllocKeyboard());
-    if (!keyboard || keyCode > XkbMaxLegalKeyCode) {
-        return {};
-    }
-    keyboard->device_spec = static_cast<unsigned short>(device);
-    // One key only: this is asked for at every key press in the session.
-    if (XkbGetKeySyms(connection_.display(), keyCode, 1, keyboard.get()) != Success) {
+    // The whole map: Xlib cannot read the keysyms of a single key (XkbGetKeySyms answers BadAlloc).
+    const KeyboardDescription keyboard(
+        XkbGetMap(connection_.display(), XkbKeySymsMask, static_cast<unsigned>(device)));
+    if (!keyboard) {
         return {};
     }
     return unshiftedKeysyms(keyboard.get(), keyCode);

@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "support/WindowProgram.h"
+
+#include "support/EventLoop.h"
+
+#include <stdexcept>
+
+namespace tovik::test {
+
+WindowProgram::WindowProgram(const std::string& className, const std::string& instance) {
+    QStringList arguments{QString::fromStdString(className)};
+    if (!instance.empty()) {
+        arguments << QString::fromStdString(instance);
+    }
+    process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process_.start(TOVIK_TEST_WINDOW, arguments);
+    const bool shown = runUntil([this] {
+        read();
+        return window_ != 0;
+    });
+    if (!shown) {
+        throw std::runtime_error("the test window did not appear");
+    }
+}
+
+WindowProgram::~WindowProgram() {
+    close();
+}
+
+void WindowProgram::close() {
+    process_.closeWriteChannel();
+    process_.waitForFinished();
+}
+
+const std::vector<std::string>& WindowProgram::keys() {
+    read();
+    return keys_;
+}
+
+void WindowProgram::forgetKeys() {
+    read();
+    keys_.clear();
+}
+
+void WindowProgram::read() {
+    while (process_.canReadLine()) {
+        const std::string line = process_.readLine().trimmed().toStdString();
+        if (line.starts_with("window ")) {
+            window_ = std::stoul(line.substr(7));
+        } else if (line.starts_with("press ") || line.starts_with("release ")) {
+            keys_.push_back(line);
+        }
+    }
+}
+
+} // namespace tovik::test

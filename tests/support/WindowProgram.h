@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QProcess>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tovik::test {
+
+/// Another program on the staged desktop, with one window (see WindowProgramMain.cpp).
+class WindowProgram {
+public:
+    /// Returns when the window is shown.
+    explicit WindowProgram(const std::string& className, const std::string& instance = {});
+    WindowProgram(const WindowProgram&) = delete;
+    WindowProgram& operator=(const WindowProgram&) = delete;
+    ~WindowProgram();
+
+    [[nodiscard]] unsigned long window() const { return window_; }
+    [[nodiscard]] std::int64_t process() const { return process_.processId(); }
+
+    /// Ends the program; its window goes with it.
+    void close();
+
+    /// The keys that the window got, as "press Insert 0x1". Reads what has come so far.
+    [[nodiscard]] const std::vector<std::string>& keys();
+    void forgetKeys();
+
+private:
+    void read();
+
+    QProcess process_;
+    unsigned long window_ = 0;
+    std::vector<std::string> keys_;
+};
+
+} // namespace tovik::test

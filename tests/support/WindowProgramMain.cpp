@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+//
+// A program with one window, for tests that need other programs on the desktop.
+//
+//     tovik_test_window CLASS [INSTANCE]
+//
+// Writes "window NUMBER" when the window is shown, then a line for each key that goes down or up in it
+// ("press Insert 0x1": the keysym and the modifiers held before) and for focus it gains. Ends with its
+// standard input.
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+Window makeWindow(Display* display, char* className, char* instance) {
+    const Window window = XCreateSimpleWindow(display, DefaultRootWindow(display), 40, 40, 300, 200, 0, 0,
+                                              WhitePixel(display, DefaultScreen(display)));
+    XClassHint hint{instance, className};
+    XSizeHints size{};
+    XWMHints manager{};
+    manager.flags = InputHint | StateHint;
+    manager.input = True;
+    manager.initial_state = NormalState;
+    Xutf8SetWMProperties(display, window, className, className, nullptr, 0, &size, &manager, &hint);
+    const long process = getpid();
+    XChangeProperty(display, window, XInternAtom(display, "_NET_WM_PID", False), XA_CARDINAL, 32,
+                    PropModeReplace, reinterpret_cast<const unsigned char*>(&process), 1);
+    XSelectInput(display, window, KeyPressMask | KeyReleaseMask | FocusChangeMask | StructureNotifyMask);
+    XMapWindow(display, window);
+    return window;
+}
+
+void tell(XEvent& event) {
+    if (event.type == MapNotify) {
+        std::printf("window %lu\n", event.xmap.window);
+    } else if (event.type == FocusIn && event.xfocus.detail != NotifyPointer) {
+        std::printf("focus\n");
+    } else if (event.type == KeyPress || event.type == KeyRelease) {
+        std::array<char, 32> text{};
+        KeySym keysym = NoSymbol;
+        const unsigned held = event.xkey.state;
+        XLookupString(&event.xkey, text.data(), static_cast<int>(text.size()), &keysym, nullptr);
+        const char* const name = XKeysymToString(keysym);
+        std::printf("%s %s 0x%x\n", event.type == KeyPress ? "press" : "release",
+                    name != nullptr ? name : "?", held);
+    } else if (event.type == MappingNotify) {
+        XRefreshKeyboardMapping(&event.xmapping);
+    }
+    std::fflush(stdout);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Display* const display = XOpenDisplay(nullptr);
+    if (display == nullptr || argc < 2) {
+        return 1;
+    }
+    makeWindow(display, argv[1], argv[argc > 2 ? 2 : 1]);
+    while (true) {
+        while (XPending(display) > 0) {
+            XEvent event;
+            XNextEvent(display, &event);
+            tell(event);
+        }
+        std::array<pollfd, 2> sources{{{ConnectionNumber(display), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}}};
+        poll(sources.data(), sources.size(), -1);
+        if (sources[1].revents != 0) {
+            return 0;
+        }
+    }
+}
