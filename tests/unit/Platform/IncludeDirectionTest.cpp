@@ -66,7 +66,7 @@ bool mayInclude(const fs::path& file, const fs::path& included) {
         return to == "UserInterface" || allowedFolders().at("UserInterface").contains(to);
     }
     if (from == "Linux") {
-        return to.starts_with("Linux/") || allowedFolders().at("Linux").contains(to);
+        return to.starts_with("Linux/") || isCore(included);
     }
     const auto allowed = allowedFolders().find(from.starts_with("Linux/") ? "Linux" : from);
     return allowed != allowedFolders().end() && allowed->second.contains(to);
