@@ -45,10 +45,16 @@ PhraseReplacer::PhraseReplacer(std::string name, std::vector<Rule> rules) : name
 }
 
 void PhraseReplacer::apply(std::u16string& text, SystemLog& log) {
+    bool reported = false;
     auto waiting = index_.candidates(text, 0);
     for (std::size_t next = 0; next < waiting.size();) {
         const auto number = waiting[next];
-        if (applyRule(rules_[number], text, log)) {
+        const auto replaced = applyRule(rules_[number], text);
+        if (!replaced && !reported) {
+            reportTextFault(log, name_, replaced.error().description);
+            reported = true;
+        }
+        if (replaced && replaced.value()) {
             // What was inserted may hold later phrases.
             waiting = index_.candidates(text, number + 1);
             next = 0;
@@ -58,7 +64,7 @@ void PhraseReplacer::apply(std::u16string& text, SystemLog& log) {
     }
 }
 
-bool PhraseReplacer::applyRule(CompiledRule& rule, std::u16string& text, SystemLog& log) {
+Result<bool> PhraseReplacer::applyRule(CompiledRule& rule, std::u16string& text) {
     if (!rule.isCompiled) {
         rule.pattern = TextPattern::compile(u"\\b" + TextPattern::escaped(rule.rule.phrase) + u"\\b");
         rule.isCompiled = true;
@@ -66,13 +72,8 @@ bool PhraseReplacer::applyRule(CompiledRule& rule, std::u16string& text, SystemL
     if (!rule.pattern) {
         return false;
     }
-    const auto replaced = rule.pattern->replaceAll(
+    return rule.pattern->replaceAll(
         text, [&rule](const TextMatch& match) { return rule.rule.replacement.expanded(match.group(0)); });
-    if (!replaced) {
-        reportTextFault(log, name_, replaced.error().description);
-        return false;
-    }
-    return replaced.value();
 }
 
 } // namespace tovik

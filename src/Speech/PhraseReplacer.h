@@ -30,7 +30,7 @@ public:
     /// `name` says in the log whose phrases these are.
     PhraseReplacer(std::string name, std::vector<Rule> rules);
 
-    /// A phrase on which matching gives up leaves the text as it is, and a line in the log.
+    /// A phrase on which matching gives up leaves the text as it is; a line in the log tells of the first.
     void apply(std::u16string& text, SystemLog& log);
 
 private:
@@ -41,7 +41,7 @@ private:
         bool isCompiled = false;
     };
 
-    bool applyRule(CompiledRule& rule, std::u16string& text, SystemLog& log);
+    static Result<bool> applyRule(CompiledRule& rule, std::u16string& text);
 
     const std::string name_;
     std::vector<CompiledRule> rules_;

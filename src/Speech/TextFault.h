@@ -10,7 +10,7 @@
 namespace tovik {
 
 /// No text rule makes a text of more UTF-16 units than this; it gives up instead.
-inline constexpr std::size_t kLongestText = 1U << 25U;
+inline constexpr std::size_t kLongestText = 1U << 22U;
 
 /// A line of the log about a rule that gave up on a text. The text itself is never in it.
 inline void reportTextFault(SystemLog& log, std::string_view rule, std::string_view reason) {
