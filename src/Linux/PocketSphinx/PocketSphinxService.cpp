@@ -83,7 +83,7 @@ PocketSphinxService::~PocketSphinxService() {
 }
 
 std::shared_ptr<SpeechRecognizer> PocketSphinxService::makeRecognizer(const std::string& localeIdentifier) {
-    if (canonicalLocaleIdentifier(localeIdentifier) != kLocale) {
+    if (localeIdentifier.empty() || canonicalLocaleIdentifier(localeIdentifier) != kLocale) {
         return nullptr;
     }
     return std::make_shared<PocketSphinxRecognizer>(*this);
