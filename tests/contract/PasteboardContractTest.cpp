@@ -1,0 +1,137 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/Qt/QtPasteboard.h"
+#include "support/EventLoop.h"
+#include "support/FakePasteboard.h"
+
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tovik::test {
+namespace {
+
+/// A pasteboard, and other programs that copy and paste.
+class PasteboardWorld {
+public:
+    virtual ~PasteboardWorld() = default;
+    [[nodiscard]] virtual Pasteboard& pasteboard() = 0;
+    /// What another program gets that asks for the clipboard, and for what is marked with the mouse.
+    [[nodiscard]] virtual std::optional<std::string> paste() = 0;
+    [[nodiscard]] virtual std::optional<std::string> pastePrimary() = 0;
+};
+
+class FakeWorld : public PasteboardWorld {
+public:
+    Pasteboard& pasteboard() override { return pasteboard_; }
+    std::optional<std::string> paste() override { return pasteboard_.contents(); }
+    std::optional<std::string> pastePrimary() override { return pasteboard_.contents(); }
+
+private:
+    FakePasteboard pasteboard_;
+};
+
+class QtWorld : public PasteboardWorld {
+public:
+    Pasteboard& pasteboard() override { return pasteboard_; }
+    std::optional<std::string> paste() override { return selection("clipboard"); }
+    std::optional<std::string> pastePrimary() override { return selection("primary"); }
+
+private:
+    static std::optional<std::string> selection(const QString& name) {
+        QProcess other;
+        other.start("xclip", {"-o", "-selection", name, "-target", "UTF8_STRING"});
+        EXPECT_TRUE(runUntil([&] { return other.state() == QProcess::NotRunning; }));
+        if (other.exitCode() != 0) {
+            return std::nullopt;
+        }
+        return other.readAllStandardOutput().toStdString();
+    }
+
+    QtPasteboard pasteboard_;
+};
+
+struct WorldKind {
+    std::string name;
+    std::function<std::unique_ptr<PasteboardWorld>()> make;
+};
+
+class PasteboardContract : public testing::TestWithParam<WorldKind> {
+protected:
+    std::unique_ptr<PasteboardWorld> world = GetParam().make();
+};
+
+TEST_P(PasteboardContract, anyText_isPastedByteForByteFromBothPlaces) {
+    std::string long200k;
+    while (long200k.size() < 200 * 1024) {
+        long200k += "Sentence " + std::to_string(long200k.size()) + ", größer. ";
+    }
+    const std::string texts[] = {
+        "Hello world.",
+        "trailing line feed\n",
+        "two\nlines\r\nand\ttab ",
+        "Grüße, 世界 👩‍👩‍👧 🌐",
+        std::string("before\0after", 12),
+        long200k,
+        std::string(1500000, 'x'),
+        "short again",
+    };
+    for (const auto& text : texts) {
+        world->pasteboard().replaceContents(text);
+        EXPECT_EQ(world->paste(), text);
+        EXPECT_EQ(world->pastePrimary(), text);
+    }
+}
+
+TEST_P(PasteboardContract, theEmptyText_replacesWhatWasThere) {
+    world->pasteboard().replaceContents("secret");
+    world->pasteboard().replaceContents("");
+    EXPECT_EQ(world->paste().value_or(""), "");
+    EXPECT_EQ(world->pastePrimary().value_or(""), "");
+}
+
+TEST_P(PasteboardContract, theSameText_canBePastedAgainAndAgain) {
+    world->pasteboard().replaceContents("again");
+    for (int n = 0; n < 5; ++n) {
+        EXPECT_EQ(world->paste(), "again");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Pasteboards, PasteboardContract,
+    testing::Values(WorldKind{"FakePasteboard", [] { return std::make_unique<FakeWorld>(); }},
+                    WorldKind{"QtPasteboard", [] { return std::make_unique<QtWorld>(); }}),
+    [](const auto& kind) { return kind.param.name; });
+
+/// Only on a desktop are there other programs that copy.
+TEST(QtPasteboard, whenAnotherProgramHasCopiedMeanwhile_ourTextStillReplacesTheirs) {
+    QtPasteboard pasteboard;
+    const auto selection = [](const QStringList& arguments) {
+        QProcess other;
+        other.start("xclip", arguments);
+        EXPECT_TRUE(runUntil([&] { return other.state() == QProcess::NotRunning; }));
+        return other.readAllStandardOutput().toStdString();
+    };
+    pasteboard.replaceContents("first");
+    for (const QString name : {"clipboard", "primary"}) {
+        QProcess other;
+        // In the background it would keep our pipes open; in the foreground it ends when it is replaced.
+        other.start("xclip", {"-i", "-quiet", "-selection", name});
+        other.write("theirs");
+        other.closeWriteChannel();
+        EXPECT_TRUE(runUntil([&] {
+            return selection({"-o", "-selection", name}) == "theirs";
+        })) << name.toStdString();
+        pasteboard.replaceContents("ours");
+        EXPECT_EQ(selection({"-o", "-selection", name}), "ours") << name.toStdString();
+        EXPECT_TRUE(runUntil([&] { return other.state() == QProcess::NotRunning; }));
+    }
+}
+
+} // namespace
+} // namespace tovik::test
