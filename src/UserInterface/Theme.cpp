@@ -62,6 +62,10 @@ Rgba labelColor(const QPalette& palette, const Rgba& background) {
     return readableOn(background, rgba(palette.color(QPalette::WindowText)));
 }
 
+Rgba accentOn(const Rgba& background) {
+    return contrastRatio(kAccent, background) >= kReadableContrast ? kAccent : kAccentOnDark;
+}
+
 QPalette cardPalette(const QPalette& desktop) {
     if (!isDark(desktop)) {
         QPalette palette = desktop;

@@ -50,13 +50,11 @@ inline constexpr Shadow kPanelShadow{0.4, 12, 4};
 inline constexpr Rgba kAccent{0.37, 0.33, 0.94};
 inline constexpr Rgba kWindowBackground{0.965, 0.963, 0.985};
 inline constexpr Rgba kDarkWindowBackground{0.125, 0.122, 0.145};
-inline constexpr Rgba kStandardLabel = Rgba::white(0);
-inline constexpr Rgba kTinyWaveform{0.45, 0.4, 1.0};
+inline constexpr Rgba kAccentOnDark{0.69, 0.66, 1.0};
 inline constexpr double kFocusRingWidth = 2;
 inline constexpr int kHeaderHeight = 236;
 inline constexpr int kHeaderFadeHeight = 18;
 inline constexpr int kStackTop = 76;
-inline constexpr int kStackBottom = 20;
 
 // Accordion cards.
 inline constexpr Rgba kCardBackground = Rgba::white(1);
@@ -87,10 +85,6 @@ inline constexpr double kSectionSubtitleAlpha = 0.5;
 inline constexpr double kChevronAlpha = 0.66;
 inline constexpr Seconds kAccordionDuration{0.2};
 inline constexpr TimingCurve kAccordionCurve{0.2, 0, 0.2, 1};
-inline constexpr Rgba kIndigo{0.345, 0.337, 0.839};
-inline constexpr Rgba kBlue{0.0, 0.478, 1.0};
-inline constexpr Rgba kGreen{0.15, 0.66, 0.28};
-inline constexpr Rgba kOrange{0.93, 0.5, 0.12};
 
 // Toasts.
 inline constexpr Rgba kToastBackground = Rgba::white(0.1, 0.94);
@@ -114,7 +108,6 @@ inline constexpr Rgba kRowBackground = Rgba::white(0.985);
 inline constexpr Rgba kRowBorder{0.9, 0.89, 0.98};
 inline constexpr Rgba kRowTitle = Rgba::white(0.1);
 inline constexpr Rgba kRowDetail = Rgba::white(0.43);
-inline constexpr Rgba kRowAction{0.33, 0.3, 0.92};
 inline constexpr double kRowDimmedActionAlpha = 0.5;
 inline constexpr double kRowBorderWidth = 1;
 inline constexpr double kRowCornerRadius = 9;
@@ -148,6 +141,9 @@ inline constexpr int kHintMaxLines = 3;
 
 /// The desktop's text colour where it can be read on the background, else black or white.
 [[nodiscard]] Rgba labelColor(const QPalette& palette, const Rgba& background);
+
+/// The accent colour, lightened where the background is dark.
+[[nodiscard]] Rgba accentOn(const Rgba& background);
 
 /// What controls on a card are painted with: dark on white, whatever the desktop prefers.
 [[nodiscard]] QPalette cardPalette(const QPalette& desktop);

@@ -13,7 +13,7 @@ namespace tovik {
 TovikTinyWaveformView::TovikTinyWaveformView(MainQueue& queue, QWidget* parent)
     : QWidget(parent),
       queue_(queue),
-      color_(theme::color(theme::kTinyWaveform)) {}
+      color_(theme::color(theme::kAccent)) {}
 
 void TovikTinyWaveformView::setColor(const QColor& color) {
     color_ = color;

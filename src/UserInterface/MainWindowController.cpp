@@ -1,0 +1,149 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "UserInterface/MainWindowController.h"
+
+#include "Permissions/PermissionChecklist.h"
+#include "Permissions/PermissionRequests.h"
+#include "UserInterface/AccordionCard.h"
+#include "UserInterface/FlippedDocumentView.h"
+#include "UserInterface/FooterView.h"
+#include "UserInterface/HeaderView.h"
+#include "UserInterface/HoverLinkButton.h"
+#include "UserInterface/MainWindowGeometry.h"
+#include "UserInterface/MainWindowView.h"
+#include "UserInterface/PermissionsSection.h"
+#include "UserInterface/SectionNote.h"
+#include "UserInterface/SymbolImage.h"
+#include "UserInterface/Theme.h"
+#include "UserInterface/ToastView.h"
+
+#include <QVBoxLayout>
+
+namespace tovik {
+
+namespace {
+
+constexpr int kMenuGap = 4;
+
+} // namespace
+
+MainWindowController::MainWindowController(const Collaborators& collaborators,
+                                           const MainWindowContents& contents)
+    : with_(collaborators),
+      window_(std::make_unique<FixedWidthWindow>(with_.clock, with_.queue)),
+      accordion_(std::make_unique<Accordion>(with_.clock, with_.queue,
+                                             [this](bool animated) { updateMainWindowHeight(animated); })) {
+    window_->setWindowTitle(QStringLiteral("Tovik Record"));
+    window_->setWindowIcon(symbols::applicationIcon());
+    window_->setLockedFrameWidth(mainWindowWidth);
+    window_->setShouldClose([this] {
+        window_->hide();
+        return false;
+    });
+    auto* filling = new QVBoxLayout(window_.get());
+    filling->setContentsMargins(0, 0, 0, 0);
+    filling->setSizeConstraint(QLayout::SetNoConstraint);
+    view_ = new MainWindowView(with_.clock, with_.queue, window_.get());
+    filling->addWidget(view_);
+
+    buildSections(contents);
+    connectHeaderAndFooter(contents);
+    forceMainWindowFrame();
+    if (contents.permissions.hasPendingPermissions()) {
+        accordion_->setAccordion(QString::fromLatin1(kPermissionsSection), true, false);
+    }
+    window_->show();
+    window_->raise();
+    window_->activateWindow();
+    view_->scrollToTop();
+    forceMainWindowFrame();
+    updateMainWindowHeight(false);
+}
+
+MainWindowController::~MainWindowController() {
+    // The accordion speaks to cards that the window owns.
+    accordion_.reset();
+}
+
+void MainWindowController::buildSections(const MainWindowContents& contents) {
+    for (const SectionHeader& section : mainWindowSections(contents.permissions.hasPendingPermissions())) {
+        view_->document().addCard(accordion_->buildAccordionSection(section, contentOf(section, contents)));
+    }
+}
+
+QWidget* MainWindowController::contentOf(const SectionHeader& section, const MainWindowContents& contents) {
+    if (section.title != kPermissionsSection) {
+        return makeSectionNote(section.title);
+    }
+    permissions_ =
+        new PermissionsSection(contents.permissions, [&requests = contents.permissionRequests](int index) {
+            requests.permissionActionClicked(index);
+        });
+    return permissions_;
+}
+
+void MainWindowController::connectHeaderAndFooter(const MainWindowContents& contents) {
+    auto* footer = new FooterView(QStringLiteral(TOVIK_VERSION));
+    view_->document().addFooter(footer);
+    QObject::connect(&footer->updatesButton(), &QPushButton::clicked, window_.get(),
+                     [open = contents.openTovikVoiceUpdates] { open(); });
+    QObject::connect(&footer->websiteButton(), &QPushButton::clicked, window_.get(),
+                     [open = contents.openTovikAIWebsite] { open(); });
+    QObject::connect(&view_->header().moreOptionsButton(), &QPushButton::clicked, window_.get(),
+                     [this] { showStatusMenuFromWindow(); });
+}
+
+void MainWindowController::showStatusMenuFromWindow() {
+    if (with_.popUpStatusMenu) {
+        const QWidget& button = view_->header().moreOptionsButton();
+        with_.popUpStatusMenu(button.mapToGlobal(QPoint(0, button.height() + kMenuGap)));
+    }
+}
+
+void MainWindowController::present() {
+    with_.queue.async(lifetime_.guard([this] { presentMainWindow(); }));
+}
+
+void MainWindowController::presentMainWindow() {
+    if (window_->isMinimized()) {
+        window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
+    }
+    forceMainWindowFrame();
+    window_->show();
+    window_->raise();
+    window_->activateWindow();
+}
+
+void MainWindowController::showSavedToast(const std::string& text) {
+    view_->toast().showSavedToast(QString::fromStdString(text));
+}
+
+void MainWindowController::reloadHistoryTable() {}
+
+void MainWindowController::refreshPermissions() {
+    permissions_->refresh();
+}
+
+void MainWindowController::forceMainWindowFrame() {
+    const auto screen = with_.screens.mainScreen();
+    if (!screen) {
+        return;
+    }
+    window_->setMinimumSize(static_cast<int>(mainWindowWidth), static_cast<int>(mainWindowMinHeight));
+    window_->setMaximumSize(static_cast<int>(mainWindowWidth), static_cast<int>(mainWindowMaxHeight));
+    window_->setFrame(defaultMainWindowFrame(screen->visibleFrame));
+}
+
+void MainWindowController::updateMainWindowHeight(bool animated) {
+    if (!view_) {
+        return;
+    }
+    const Rect fitted = fittedMainWindowFrame(window_->frame(), view_->stackFittingHeight());
+    if (animated) {
+        window_->setFrameAnimated(fitted, theme::kAccordionDuration, theme::kAccordionCurve);
+    } else {
+        window_->setFrame(fitted);
+    }
+}
+
+} // namespace tovik
