@@ -42,6 +42,12 @@ void RecognitionRequest::endAudio() {
     }
 }
 
+std::size_t RecognitionRequest::waitingFrames() const {
+    // In this order the difference cannot become negative: what is read was written before.
+    const auto consumed = consumed_.load(std::memory_order_acquire);
+    return written_.load(std::memory_order_acquire) - consumed;
+}
+
 std::size_t RecognitionRequest::read(std::span<float> out) {
     for (;;) {
         if (const auto count = readWhatIsThere(out)) {

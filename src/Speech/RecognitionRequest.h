@@ -57,6 +57,9 @@ public:
     /// As read(), but gives up after the time-out: then nothing.
     std::optional<std::size_t> readWithin(std::span<float> out, std::chrono::milliseconds timeout);
 
+    /// Frames that nobody has read yet. Any thread.
+    [[nodiscard]] std::size_t waitingFrames() const;
+
     /// Frames that found no room so far.
     [[nodiscard]] std::size_t droppedFrames() const { return dropped_.load(std::memory_order_relaxed); }
 

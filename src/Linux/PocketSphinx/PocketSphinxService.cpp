@@ -59,7 +59,7 @@ PocketSphinxService::PocketSphinxService(SystemLog& log, std::function<Result<vo
       loader_(std::move(loader)),
       limits_(limits) {
     if (auto usable = check_(); usable) {
-        recognition_ = std::make_unique<RecognitionThread>(loader_, log_);
+        recognition_ = std::make_shared<RecognitionThread>(loader_, log_);
     } else {
         missing_ = usable.error();
         log_->logLine("[TovikVoice] Speech recognition is not available: " + missing_->description);
@@ -97,7 +97,7 @@ std::optional<std::string> PocketSphinxService::whyUnavailable() {
     const std::lock_guard lock(mutex_);
     if (!recognition_ && check_()) {
         missing_.reset();
-        recognition_ = std::make_unique<RecognitionThread>(loader_, log_);
+        recognition_ = std::make_shared<RecognitionThread>(loader_, log_);
     }
     if (!recognition_) {
         return missing_->description;
@@ -106,6 +106,15 @@ std::optional<std::string> PocketSphinxService::whyUnavailable() {
         return failure->description;
     }
     return std::nullopt;
+}
+
+bool PocketSphinxService::waitUntilLoaded(Seconds atMost) {
+    std::shared_ptr<RecognitionThread> recognition;
+    {
+        const std::lock_guard lock(mutex_);
+        recognition = recognition_;
+    }
+    return recognition && recognition->waitUntilLoaded(atMost);
 }
 
 void PocketSphinxService::start(std::shared_ptr<Utterance> utterance) {
@@ -134,7 +143,7 @@ void PocketSphinxService::watch() {
 void PocketSphinxService::replaceSilentThread() {
     log_->logLine("[TovikVoice] Speech recognition does not answer: it is started anew");
     auto unanswered = recognition_->leave(Seconds(0));
-    recognition_ = std::make_unique<RecognitionThread>(loader_, log_);
+    recognition_ = std::make_shared<RecognitionThread>(loader_, log_);
     if (unanswered.empty()) {
         return;
     }

@@ -50,6 +50,10 @@ public:
     /// model is usable or still being loaded. A model that was missing is looked for again.
     [[nodiscard]] std::optional<std::string> whyUnavailable();
 
+    /// Blocks until the model is loaded: for tools, which have nothing else to do. False when it cannot be,
+    /// or is not in time.
+    [[nodiscard]] bool waitUntilLoaded(Seconds atMost);
+
 private:
     friend class PocketSphinxRecognizer;
 
@@ -67,7 +71,7 @@ private:
     bool ends_ = false;
     /// Why the files cannot be used; then there is no thread.
     std::optional<Error> missing_;
-    std::unique_ptr<RecognitionThread> recognition_;
+    std::shared_ptr<RecognitionThread> recognition_;
     std::thread watch_;
 };
 

@@ -37,11 +37,13 @@ struct RecognitionThread::State {
 
     std::mutex mutex;
     std::condition_variable wake;
+    std::condition_variable loadEnded;
     std::condition_variable ended;
     std::deque<std::shared_ptr<Utterance>> waiting;
     std::shared_ptr<Utterance> current;
     std::optional<Error> failure;
     std::optional<SteadyTime> busySince;
+    bool loaded = false;
     bool leaving = false;
     bool hasEnded = false;
 
@@ -87,22 +89,27 @@ void RecognitionThread::State::run() {
 }
 
 std::unique_ptr<UtteranceDecoder> RecognitionThread::State::loadDecoder() {
-    auto loaded = busy([this] { return load(); });
-    if (loaded) {
-        return std::move(loaded.value());
+    auto decoder = busy([this] { return load(); });
+    if (decoder) {
+        const std::lock_guard lock(mutex);
+        loaded = true;
+        loadEnded.notify_all();
+        return std::move(decoder.value());
     }
+    const auto& why = decoder.error();
     std::deque<std::shared_ptr<Utterance>> unanswerable;
     {
         const std::lock_guard lock(mutex);
         if (leaving) {
             return nullptr;
         }
-        failure = loaded.error();
+        failure = why;
         unanswerable.swap(waiting);
+        loadEnded.notify_all();
     }
-    log->logLine("[TovikVoice] Speech recognition is not available: " + loaded.error().description);
+    log->logLine("[TovikVoice] Speech recognition is not available: " + why.description);
     for (const auto& utterance : unanswerable) {
-        utterance->answer(loaded.error());
+        utterance->answer(why);
     }
     return nullptr;
 }
@@ -232,6 +239,12 @@ void RecognitionThread::add(std::shared_ptr<Utterance> utterance) {
 std::optional<Error> RecognitionThread::failure() const {
     const std::lock_guard lock(state_->mutex);
     return state_->failure;
+}
+
+bool RecognitionThread::waitUntilLoaded(Seconds atMost) const {
+    std::unique_lock lock(state_->mutex);
+    state_->loadEnded.wait_for(lock, atMost, [this] { return state_->loaded || state_->failure; });
+    return state_->loaded;
 }
 
 Seconds RecognitionThread::silentFor() const {

@@ -34,6 +34,9 @@ public:
     /// Why the decoder could not be loaded; nothing while it loads and when it works. Any thread.
     [[nodiscard]] std::optional<Error> failure() const;
 
+    /// Blocks until the decoder is loaded. False when it cannot be, or is not in time. Any thread.
+    [[nodiscard]] bool waitUntilLoaded(Seconds atMost) const;
+
     /// How long the decoder has been at its present task without a sign of life; zero when it has none.
     [[nodiscard]] Seconds silentFor() const;
 

@@ -1,0 +1,79 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Transcriber.h"
+
+#include <chrono>
+#include <ctime>
+#include <utility>
+
+namespace tovik {
+
+namespace {
+
+/// Loading takes half a second; a machine that needs this long will not recognise anything either.
+constexpr Seconds kLoadAtMost{60};
+
+Seconds processorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return Seconds(static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9);
+}
+
+} // namespace
+
+Transcriber::Transcriber(FileAudioEngine::Pace pace, SystemLog& log)
+    : chain_(settings_, log),
+      dictionary_(settings_, log),
+      recognition_(log),
+      watched_(recognition_),
+      engine_(pace, [this](const std::stop_token& stopped) { return watched_.waitUntilKeptUp(stopped); }),
+      manager_({clock_, queue_, log, settings_, engine_, devices_, hardware_, watched_},
+               [this](const std::string& recognised) { return chain_.processTranscription(recognised); }) {
+    manager_.onTranscription = [this](const std::string& cleaned) { cleaned_ = cleaned; };
+}
+
+std::optional<std::string> Transcriber::prepare() {
+    const auto begin = std::chrono::steady_clock::now();
+    if (!recognition_.waitUntilLoaded(kLoadAtMost)) {
+        return recognition_.whyUnavailable().value_or("The speech model takes too long to load");
+    }
+    loadTime_ = std::chrono::steady_clock::now() - begin;
+    return std::nullopt;
+}
+
+Transcript Transcriber::transcribe(SoundFile sound) {
+    Transcript transcript;
+    transcript.audioSeconds = sound.seconds();
+    cleaned_.clear();
+    engine_.load(std::move(sound));
+    watched_.expectUtterance();
+
+    const auto processorBefore = processorTime();
+    if (const auto started = manager_.start(); !started) {
+        transcript.error = started.error().description;
+        return transcript;
+    }
+    engine_.waitUntilPlayed();
+    const auto endOfSound = std::chrono::steady_clock::now();
+    manager_.stop();
+    const auto outcome = watched_.waitForOutcome();
+    const auto processorUsed = processorTime() - processorBefore;
+
+    if (!outcome) {
+        transcript.error = "There is no recogniser";
+        return transcript;
+    }
+    if (outcome->error) {
+        transcript.error = outcome->error->description;
+    } else {
+        transcript.recognised = outcome->recognised;
+        transcript.text = dictionary_.apply(cleaned_);
+    }
+    transcript.finalMilliseconds =
+        std::chrono::duration<double, std::milli>(outcome->at - endOfSound).count();
+    transcript.realTimeFactor =
+        transcript.audioSeconds > 0 ? processorUsed.count() / transcript.audioSeconds : 0;
+    return transcript;
+}
+
+} // namespace tovik

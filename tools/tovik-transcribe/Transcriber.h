@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Audio/MacAudioManager.h"
+#include "FileAudioEngine.h"
+#include "FileDesk.h"
+#include "Linux/PocketSphinx/PocketSphinxService.h"
+#include "OwnSettings.h"
+#include "Speech/FinalTextChain.h"
+#include "Speech/TranscriptionDictionary.h"
+#include "WatchedSpeechService.h"
+
+#include <optional>
+#include <string>
+
+namespace tovik {
+
+/// What became of one recording.
+struct Transcript {
+    /// As it would be pasted.
+    std::string text;
+    /// The recogniser's own words.
+    std::string recognised;
+    /// Why there are none.
+    std::optional<std::string> error;
+    double audioSeconds = 0;
+    /// From the end of the sound to the final text.
+    double finalMilliseconds = 0;
+    /// Processor time for a second of sound.
+    double realTimeFactor = 0;
+};
+
+/// Dictates recordings: the program's own audio manager, recogniser and text rules, without a desktop and
+/// with the settings as they are on the first day.
+class Transcriber {
+public:
+    Transcriber(FileAudioEngine::Pace pace, SystemLog& log);
+
+    /// Loads the recogniser's model; why it cannot be used when that fails.
+    [[nodiscard]] std::optional<std::string> prepare();
+
+    /// Blocks for as long as it takes.
+    [[nodiscard]] Transcript transcribe(SoundFile sound);
+
+    /// How long prepare() took.
+    [[nodiscard]] Seconds loadTime() const { return loadTime_; }
+
+private:
+    std::string pastedText(const std::string& recognised);
+
+    OwnSettings settings_;
+    FinalTextChain chain_;
+    TranscriptionDictionary dictionary_;
+    NoCaptureDevices devices_;
+    NoAudioHardware hardware_;
+    IdleMainQueue queue_;
+    WallClock clock_;
+    PocketSphinxService recognition_;
+    WatchedSpeechService watched_;
+    FileAudioEngine engine_;
+    std::string cleaned_;
+    Seconds loadTime_{};
+    MacAudioManager manager_;
+};
+
+} // namespace tovik

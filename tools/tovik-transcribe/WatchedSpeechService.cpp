@@ -1,0 +1,86 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "WatchedSpeechService.h"
+
+#include "Speech/RecognitionRequest.h"
+
+#include <utility>
+
+namespace tovik {
+
+/// Sound that may wait for the recogniser, in seconds: as much as a microphone has on its way.
+constexpr double kBacklog = 0.1;
+
+class WatchedRecognizer : public SpeechRecognizer {
+public:
+    WatchedRecognizer(std::shared_ptr<SpeechRecognizer> recognizer,
+                      std::shared_ptr<WatchedSpeechService::State> state)
+        : recognizer_(std::move(recognizer)),
+          state_(std::move(state)) {}
+
+    [[nodiscard]] bool isAvailable() const override { return recognizer_->isAvailable(); }
+
+    [[nodiscard]] std::unique_ptr<RecognitionTask> startTask(std::shared_ptr<RecognitionRequest> request,
+                                                             RecognitionHandler handler) override {
+        {
+            const std::lock_guard lock(state_->mutex);
+            state_->begun = true;
+            state_->request = request;
+        }
+        return recognizer_->startTask(std::move(request), [state = state_, handler = std::move(handler)](
+                                                              const auto& result, const auto& error) {
+            const auto now = std::chrono::steady_clock::now();
+            handler(result, error);
+            if (!error && !(result && result->isFinal)) {
+                return;
+            }
+            const std::lock_guard lock(state->mutex);
+            state->outcome = {result ? result->formattedString : "", error, now};
+            state->changed.notify_all();
+        });
+    }
+
+private:
+    const std::shared_ptr<SpeechRecognizer> recognizer_;
+    const std::shared_ptr<WatchedSpeechService::State> state_;
+};
+
+WatchedSpeechService::WatchedSpeechService(SpeechService& service) : service_(service) {}
+
+std::shared_ptr<SpeechRecognizer> WatchedSpeechService::makeRecognizer(const std::string& localeIdentifier) {
+    auto recognizer = service_.makeRecognizer(localeIdentifier);
+    return recognizer ? std::make_shared<WatchedRecognizer>(std::move(recognizer), state_) : nullptr;
+}
+
+std::string WatchedSpeechService::currentLocaleIdentifier() const {
+    return service_.currentLocaleIdentifier();
+}
+
+void WatchedSpeechService::expectUtterance() {
+    const std::lock_guard lock(state_->mutex);
+    state_->begun = false;
+    state_->request.reset();
+    state_->outcome.reset();
+}
+
+std::optional<WatchedSpeechService::Outcome> WatchedSpeechService::waitForOutcome() {
+    std::unique_lock lock(state_->mutex);
+    state_->changed.wait(lock, [this] { return !state_->begun || state_->outcome; });
+    return state_->outcome;
+}
+
+bool WatchedSpeechService::waitUntilKeptUp(const std::stop_token& stopped) {
+    constexpr std::chrono::milliseconds lookAgain{2};
+    std::unique_lock lock(state_->mutex);
+    while (!stopped.stop_requested()) {
+        const auto request = state_->request.lock();
+        if (!request || state_->outcome ||
+            static_cast<double>(request->waitingFrames()) < kBacklog * request->sampleRate()) {
+            return true;
+        }
+        state_->changed.wait_for(lock, lookAgain);
+    }
+    return false;
+}
+
+} // namespace tovik
