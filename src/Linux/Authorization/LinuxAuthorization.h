@@ -1,0 +1,79 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Alert.h"
+#include "Platform/Authorization.h"
+#include "Platform/Lifetime.h"
+#include "Platform/MainQueue.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tovik {
+
+/// What a Linux desktop lets this program do, put together from what each mechanism says of itself.
+///
+/// No desktop asks the user on a program's behalf here. What is missing is a package, a device or another
+/// kind of session, so a request says in a question of its own what is wrong and how to mend it, and looks
+/// again when the user says that it is done. Requests return at once; their questions come on the main queue.
+class LinuxAuthorization : public Authorization {
+public:
+    /// Who knows, on the main thread and at once. Explanations are sentences for the user: what is wrong and
+    /// how to mend it; empty when nothing is.
+    struct Answers {
+        /// As Authorization::microphoneStatus().
+        std::function<int()> microphoneStatus;
+        std::function<std::string()> microphoneExplanation;
+        /// Empty as long as there is an engine with a model.
+        std::function<std::string()> speechExplanation;
+        /// Whether this session shows the talk key and lets keys be pressed.
+        std::function<bool()> isKeyboardUsable;
+        std::function<std::string()> keyboardExplanation;
+
+        /// Of the running program's file.
+        std::string executablePath;
+        std::string homeDirectory;
+    };
+
+    /// Queue and alert outlive the authorization.
+    LinuxAuthorization(MainQueue& queue, Alert& alert, Answers answers);
+
+    [[nodiscard]] int microphoneStatus() const override;
+    /// There is nothing to ask: answers with how it stands, after the question when that is not well.
+    void requestMicrophoneAccess(std::function<void(bool granted)> answer) override;
+
+    /// Not determined until there is an engine with a model.
+    [[nodiscard]] int speechStatus() const override;
+    /// The question offers to look again, for as long as the user wishes.
+    void requestSpeechAuthorization(std::function<void(int status)> answer) override;
+
+    [[nodiscard]] bool isProcessTrusted() const override;
+    bool isProcessTrustedWithPrompt() override;
+
+    /// The program's own file, which is all there is of a bundle.
+    [[nodiscard]] std::string bundlePath() const override { return answers_.executablePath; }
+    [[nodiscard]] std::string homeDirectory() const override { return answers_.homeDirectory; }
+
+private:
+    /// One kind of thing that can be missing, and who waits to hear how it ended.
+    struct Question {
+        std::string message;
+        std::function<std::string()> explanation;
+        std::vector<std::function<void()>> waiting;
+    };
+
+    void ask(Question& question, std::function<void()> whenAnswered);
+    void show(Question& question);
+
+    MainQueue& queue_;
+    Alert& alert_;
+    const Answers answers_;
+    Question microphone_;
+    Question speech_;
+    Question keyboard_;
+    Lifetime lifetime_;
+};
+
+} // namespace tovik
