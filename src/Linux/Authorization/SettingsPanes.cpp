@@ -91,12 +91,13 @@ bool SettingsPanes::open(const std::string& paneAddress) {
 }
 
 void SettingsPanes::explainThenOpen(const std::optional<SettingsCommand>& command) {
+    const auto wrong = services_.microphoneExplanation();
     const auto buttons =
         command ? std::vector<std::string>{"Open Settings", "Not Now"} : std::vector<std::string>{"Close"};
-    const int button =
-        services_.alert.runModal("Tovik Record cannot hear you", services_.microphoneExplanation(), buttons);
+    const bool wanted = wrong.empty() || services_.alert.runModal("Tovik Record cannot hear you", wrong,
+                                                                  buttons) == kOpenSettingsButton;
     isExplaining_ = false;
-    if (command && button == kOpenSettingsButton && !launch(*command)) {
+    if (command && wanted && !launch(*command)) {
         static_cast<void>(services_.alert.runModal("The settings could not be opened",
                                                    "Start " + command->program + " yourself.", {"Close"}));
     }

@@ -65,6 +65,9 @@ std::string CaptureStream::source() const {
 
 void CaptureStream::stateChanged() {
     const auto state = pa_stream_get_state(stream_.get());
+    if (state == PA_STREAM_READY) {
+        handlers_.opened();
+    }
     if (state != PA_STREAM_FAILED && state != PA_STREAM_TERMINATED) {
         return;
     }

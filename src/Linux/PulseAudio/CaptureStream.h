@@ -17,6 +17,8 @@ public:
         /// Called at most once, with the client library's error number, when the server ends the stream or
         /// does not open it. The stream may be destroyed in that call's wake, not within it.
         std::function<void(int)> ended;
+        /// The server lets it hear.
+        std::function<void()> opened;
         /// It hears another source than before.
         std::function<void()> moved;
     };

@@ -52,6 +52,11 @@ SoundServerStatus PulseAudioConnection::status() const {
     return status_;
 }
 
+void PulseAudioConnection::noteRecording(bool refused) {
+    const std::lock_guard lock(mutex_);
+    status_.recordingRefused = refused;
+}
+
 void PulseAudioConnection::hurry() {
     thread_.post([this] {
         if (!context_) {
@@ -164,6 +169,7 @@ void PulseAudioConnection::setState(SoundServerStatus::State state, int error) {
     const std::lock_guard lock(mutex_);
     if (status_.state != state) {
         status_.since = std::chrono::steady_clock::now();
+        status_.recordingRefused = false;
     }
     status_.state = state;
     status_.error = error;

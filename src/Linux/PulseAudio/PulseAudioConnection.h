@@ -31,6 +31,8 @@ struct SoundServerStatus {
     State state = State::connecting;
     /// The client library's number of what went wrong, 0 when nothing has.
     int error = 0;
+    /// The server lets the program in, and refused its last recording.
+    bool recordingRefused = false;
     /// When the state began.
     std::chrono::steady_clock::time_point since;
 };
@@ -61,6 +63,9 @@ public:
 
     /// Any thread; answers at once.
     [[nodiscard]] SoundServerStatus status() const;
+
+    /// Any thread. Remembers whether the server let a recording happen.
+    void noteRecording(bool refused);
 
     /// Any thread. Looks for a missing server now rather than later.
     void hurry();

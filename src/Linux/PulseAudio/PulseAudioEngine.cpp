@@ -110,6 +110,7 @@ private:
         relay.prepare(session_, format.spec.rate);
         CaptureStream::Handlers handlers;
         handlers.ended = [this](int error) { ended(error); };
+        handlers.opened = [this] { connection_.noteRecording(false); };
         handlers.moved = [this] { checkSource(); };
         stream_ = std::make_unique<CaptureStream>(*context_, format.spec, format.channels, relay, session_,
                                                   std::move(handlers));
@@ -130,6 +131,7 @@ private:
         if (!relay.isCurrent(session_)) {
             return;
         }
+        connection_.noteRecording(error == PA_ERR_ACCESS);
         relay.finish(session_);
         connection_.post([self = shared_from_this(), session = session_] { self->closeIfStill(session); });
         if (error != PA_ERR_CONNECTIONTERMINATED) {

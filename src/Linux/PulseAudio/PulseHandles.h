@@ -21,11 +21,28 @@ struct ContextDeleter {
 };
 struct StreamDeleter {
     void operator()(pa_stream* stream) const {
-        pa_stream_set_state_callback(stream, nullptr, nullptr);
         pa_stream_set_read_callback(stream, nullptr, nullptr);
         pa_stream_set_moved_callback(stream, nullptr, nullptr);
+        if (pa_stream_get_state(stream) == PA_STREAM_CREATING) {
+            // The library cannot take leave of a stream that the server is just opening; without this the
+            // microphone would stay open for good.
+            pa_stream_set_state_callback(stream, &leaveOnceOpen, nullptr);
+            return;
+        }
+        pa_stream_set_state_callback(stream, nullptr, nullptr);
         pa_stream_disconnect(stream);
         pa_stream_unref(stream);
+    }
+
+    static void leaveOnceOpen(pa_stream* stream, void*) {
+        if (pa_stream_get_state(stream) == PA_STREAM_READY) {
+            pa_stream_set_state_callback(stream, nullptr, nullptr);
+            pa_stream_disconnect(stream);
+            pa_stream_unref(stream);
+        } else if (!PA_STREAM_IS_GOOD(pa_stream_get_state(stream))) {
+            pa_stream_set_state_callback(stream, nullptr, nullptr);
+            pa_stream_unref(stream);
+        }
     }
 };
 struct OperationDeleter {

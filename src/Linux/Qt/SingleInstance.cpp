@@ -27,7 +27,6 @@ namespace {
 
 using SteadyClock = std::chrono::steady_clock;
 
-constexpr auto kPatience = std::chrono::seconds(5);
 constexpr auto kRetryInterval = std::chrono::milliseconds(10);
 constexpr char kComeForward = 'p';
 constexpr char kDone = 'd';
@@ -90,9 +89,10 @@ bool isSameUser(int fd) {
 
 } // namespace
 
-SingleInstance::SingleInstance(std::string folder, const std::string& display)
+SingleInstance::SingleInstance(std::string folder, const std::string& display, Seconds patience)
     : folder_(std::move(folder)),
-      name_(fileNameFor(withoutScreen(display))) {}
+      name_(fileNameFor(withoutScreen(display))),
+      patience_(patience) {}
 
 SingleInstance::~SingleInstance() {
     release();
@@ -107,7 +107,7 @@ Result<SingleInstance::Role> SingleInstance::claim() {
     if (auto prepared = prepareFolder(); !prepared) {
         return prepared.error();
     }
-    const auto deadline = SteadyClock::now() + kPatience;
+    const auto deadline = SteadyClock::now() + patience_;
     while (true) {
         auto lock = FileLock::acquire(folder_ + "/" + name_ + ".lock", Seconds(0));
         if (lock) {
@@ -172,7 +172,8 @@ SingleInstance::Answer SingleInstance::askFirst() const {
         return Answer::nobodyThere;
     }
     bool isGone = false;
-    const auto answer = receive(socket.get(), std::chrono::milliseconds(kPatience), isGone);
+    const auto answer =
+        receive(socket.get(), std::chrono::duration_cast<std::chrono::milliseconds>(patience_), isGone);
     if (answer == kDone) {
         return Answer::cameForward;
     }

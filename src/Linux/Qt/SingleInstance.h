@@ -4,6 +4,7 @@
 
 #include "Linux/Storage/FileLock.h"
 #include "Linux/Storage/UnixFd.h"
+#include "Platform/Clock.h"
 #include "Platform/Result.h"
 
 #include <functional>
@@ -26,8 +27,9 @@ public:
         second,
     };
 
-    /// The folder is the user's own, made if need be; the display is whatever names the desktop session.
-    SingleInstance(std::string folder, const std::string& display);
+    /// The folder is the user's own, made if need be; the display is whatever names the desktop session. A
+    /// copy that does not answer is waited for so long.
+    SingleInstance(std::string folder, const std::string& display, Seconds patience = Seconds(5));
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
     ~SingleInstance();
@@ -57,6 +59,7 @@ private:
 
     const std::string folder_;
     const std::string name_;
+    const Seconds patience_;
     UnixFd folderFd_;
     std::optional<FileLock> lock_;
     UnixFd listener_;

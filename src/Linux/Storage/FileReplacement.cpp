@@ -81,9 +81,12 @@ Result<void> createPrivateFolder(const std::string& path) {
     }
     if (::mkdir(path.c_str(), 0700) != 0) {
         const auto code = errno;
-        // Somebody else may have made it in the meantime.
-        if (code != EEXIST || !isFolder(path)) {
+        if (code != EEXIST) {
             return posixError(code, "Cannot create the folder " + path);
+        }
+        // Somebody else may have made it in the meantime.
+        if (!isFolder(path)) {
+            return posixError(ENOTDIR, "Cannot create the folder " + path);
         }
     }
     return {};

@@ -120,7 +120,8 @@ unsigned long X11Windows::activeWindow() const {
         return focusedWindow();
     }
     const auto active = numbers(connection_.root(), "_NET_ACTIVE_WINDOW", XA_WINDOW);
-    return active.empty() ? None : active.front();
+    // A window manager may go on naming the last window after it is gone (openbox does).
+    return active.empty() || !exists(active.front()) ? None : active.front();
 }
 
 unsigned long X11Windows::focusedWindow() const {

@@ -61,8 +61,8 @@ X11Workspace::X11Workspace(Services services, const std::string& displayName)
     // Focus changes matter only where no window manager tells of the active window.
     XSelectInput(events_->display(), events_->root(), PropertyChangeMask | FocusChangeMask);
     events_->sync();
-    front_ = windows_->activeWindow();
-    watchFocusOf(front_);
+    front_ = frontmostApplication();
+    watchFocusOf(front_ ? front_->window : None);
     watch_ = std::make_unique<X11EventWatch>(*events_, [this](XEvent& event) { handle(event); });
 }
 
@@ -151,15 +151,15 @@ void X11Workspace::handle(XEvent& event) {
 }
 
 void X11Workspace::frontMayHaveChanged() {
-    const auto front = windows_->activeWindow();
+    const auto front = frontmostApplication();
     // Between two windows there may be none for a moment.
-    if (front == front_ || front == None) {
+    if (!front || front == front_) {
         return;
     }
     front_ = front;
-    watchFocusOf(front);
+    watchFocusOf(front->window);
     const auto keepAlive = observers_;
-    Observers::tell(keepAlive->activation, windows_->application(front));
+    Observers::tell(keepAlive->activation, *front);
 }
 
 void X11Workspace::watchFocusOf(unsigned long window) {

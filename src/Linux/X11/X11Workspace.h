@@ -69,7 +69,8 @@ private:
     std::unique_ptr<X11EventWatch> watch_;
     /// A window of ours that is never shown; changing a property of it tells the server's time.
     unsigned long clockWindow_ = 0;
-    unsigned long front_ = 0;
+    /// The last that was told of. Numbers of windows are used again, so the window alone does not tell.
+    std::optional<RunningApplication> front_;
     unsigned long focusWatched_ = 0;
     std::shared_ptr<Observers> observers_;
 };

@@ -54,7 +54,7 @@ TEST_F(PosixProcessLauncherTest, whenSignalsAreBlockedHere_theProgramStillReceiv
     sigaddset(&blocked, SIGTERM);
     ASSERT_EQ(::pthread_sigmask(SIG_BLOCK, &blocked, &before), 0);
     const auto handler = ::signal(SIGPIPE, SIG_IGN);
-    const auto state = outputOf("grep -E 'SigBlk|SigIgn' /proc/$$/status");
+    const auto state = outputOf("exec grep -E 'SigBlk|SigIgn' /proc/self/status");
     ::signal(SIGPIPE, handler);
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     EXPECT_THAT(state, testing::HasSubstr("SigBlk:\t0000000000000000\n"));

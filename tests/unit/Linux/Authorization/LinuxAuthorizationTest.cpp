@@ -1,0 +1,227 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/Authorization/LinuxAuthorization.h"
+
+#include "support/FakeAlert.h"
+#include "support/ManualTime.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+
+namespace tovik::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr int kCheckAgain = 0;
+constexpr int kClose = 1;
+constexpr auto kNoModel = "There is no speech model. Install the Debian package pocketsphinx-en-us.";
+
+class LinuxAuthorizationTest : public testing::Test {
+protected:
+    [[nodiscard]] LinuxAuthorization::Answers answers() {
+        return {
+            .microphoneStatus = [this] { return microphoneStatus; },
+            .microphoneExplanation = [this] { return microphoneExplanation; },
+            .speechExplanation = [this] { return speechExplanation; },
+            .isKeyboardUsable = [this] { return keyboardUsable; },
+            .keyboardExplanation = [this] { return keyboardExplanation; },
+            .executablePath = "/usr/bin/tovik-record",
+            .homeDirectory = "/home/ada",
+        };
+    }
+
+    int microphoneStatus = 3;
+    std::string microphoneExplanation;
+    std::string speechExplanation;
+    bool keyboardUsable = true;
+    std::string keyboardExplanation;
+    ManualTime time;
+    FakeAlert alert;
+    std::optional<LinuxAuthorization> authorization{std::in_place, time, alert, answers()};
+    std::vector<int> statuses;
+    std::vector<bool> grants;
+};
+
+// ------------------------------------------------------------------------------- how it stands
+
+TEST_F(LinuxAuthorizationTest, theMicrophoneStandsAsTheSoundServerSays) {
+    for (const int status : {1, 2, 3, 4}) {
+        microphoneStatus = status;
+        EXPECT_EQ(authorization->microphoneStatus(), status);
+    }
+}
+
+TEST_F(LinuxAuthorizationTest, speechIsAuthorisedWhileAnEngineHasAModelAndNotDeterminedOtherwise) {
+    EXPECT_EQ(authorization->speechStatus(), 3);
+    speechExplanation = kNoModel;
+    EXPECT_EQ(authorization->speechStatus(), 0);
+}
+
+TEST_F(LinuxAuthorizationTest, theProcessIsTrustedWhileTheKeyboardIsUsable) {
+    EXPECT_TRUE(authorization->isProcessTrusted());
+    keyboardUsable = false;
+    EXPECT_FALSE(authorization->isProcessTrusted());
+}
+
+TEST_F(LinuxAuthorizationTest, aCaveatAloneDoesNotTakeTrustAway) {
+    keyboardExplanation = "Only windows that use X.";
+    EXPECT_TRUE(authorization->isProcessTrusted());
+}
+
+TEST_F(LinuxAuthorizationTest, theBundleIsTheProgramsFile) {
+    EXPECT_EQ(authorization->bundlePath(), "/usr/bin/tovik-record");
+    EXPECT_EQ(authorization->homeDirectory(), "/home/ada");
+}
+
+// --------------------------------------------------------------------------------- the requests
+
+TEST_F(LinuxAuthorizationTest, whenSpeechIsMissing_theRequestReturnsAndThenSaysWhatToInstall) {
+    speechExplanation = kNoModel;
+    alert.answerNext(kClose);
+    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    EXPECT_THAT(alert.questions(), IsEmpty());
+    time.runPending();
+    EXPECT_THAT(alert.questions(),
+                ElementsAre(FakeAlert::Question{
+                    "Tovik Record cannot understand speech yet", kNoModel, {"Check Again", "Close"}}));
+    EXPECT_THAT(statuses, ElementsAre(0));
+}
+
+TEST_F(LinuxAuthorizationTest, whenTheUserInstalledThePackage_checkingAgainGrants) {
+    speechExplanation = kNoModel;
+    alert.onShown = [this] { speechExplanation.clear(); };
+    alert.answerNext(kCheckAgain);
+    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    time.runPending();
+    EXPECT_THAT(alert.questions(), SizeIs(1));
+    EXPECT_THAT(statuses, ElementsAre(3));
+}
+
+TEST_F(LinuxAuthorizationTest, whenCheckingAgainFindsNothingNew_theQuestionComesBack) {
+    speechExplanation = kNoModel;
+    alert.answerNext(kCheckAgain);
+    alert.answerNext(kCheckAgain);
+    alert.answerNext(kClose);
+    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    time.runPending();
+    EXPECT_THAT(alert.questions(), SizeIs(3));
+    EXPECT_THAT(statuses, ElementsAre(0));
+}
+
+TEST_F(LinuxAuthorizationTest, whenTheUserInstalledItAndCloses_thatCountsToo) {
+    speechExplanation = kNoModel;
+    alert.onShown = [this] { speechExplanation.clear(); };
+    alert.answerNext(kClose);
+    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    time.runPending();
+    EXPECT_THAT(statuses, ElementsAre(3));
+}
+
+TEST_F(LinuxAuthorizationTest, whenTheQuestionIsClosedWithoutAButton_theAnswerStillComes) {
+    speechExplanation = kNoModel;
+    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    time.runPending();
+    EXPECT_THAT(statuses, ElementsAre(0));
+}
+
+TEST_F(LinuxAuthorizationTest, whenNothingIsMissingAnyMore_answersWithoutAQuestion) {
+    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestMicrophoneAccess([this](bool granted) { grants.push_back(granted); });
+    time.runPending();
+    EXPECT_THAT(alert.questions(), IsEmpty());
+    EXPECT_THAT(statuses, ElementsAre(3));
+    EXPECT_THAT(grants, ElementsAre(true));
+}
+
+TEST_F(LinuxAuthorizationTest, whenAskedAgainBeforeTheAnswer_oneQuestionAnswersAll) {
+    speechExplanation = kNoModel;
+    const auto ask = [this] {
+        authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    };
+    alert.onShown = ask;
+    alert.answerNext(kClose);
+    ask();
+    ask();
+    time.runPending();
+    EXPECT_THAT(alert.questions(), SizeIs(1));
+    EXPECT_THAT(statuses, ElementsAre(0, 0, 0));
+}
+
+TEST_F(LinuxAuthorizationTest, whenAskedAgainAfterTheAnswer_asksAnew) {
+    speechExplanation = kNoModel;
+    for (int round = 0; round < 2; ++round) {
+        authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+        time.runPending();
+    }
+    EXPECT_THAT(alert.questions(), SizeIs(2));
+    EXPECT_THAT(statuses, ElementsAre(0, 0));
+}
+
+TEST_F(LinuxAuthorizationTest, whenAnAnswerLeadsToTheNextRequest_thatIsAskedToo) {
+    speechExplanation = kNoModel;
+    authorization->requestSpeechAuthorization([this](int) {
+        authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    });
+    time.runPending();
+    EXPECT_THAT(alert.questions(), SizeIs(2));
+    EXPECT_THAT(statuses, ElementsAre(0));
+}
+
+TEST_F(LinuxAuthorizationTest, whenTheMicrophoneIsMissing_saysWhatIsWrongAndAnswersNo) {
+    microphoneStatus = 1;
+    microphoneExplanation = "No microphone was found.";
+    alert.answerNext(kClose);
+    authorization->requestMicrophoneAccess([this](bool granted) { grants.push_back(granted); });
+    time.runPending();
+    EXPECT_THAT(alert.questions(),
+                ElementsAre(FakeAlert::Question{
+                    "Tovik Record cannot hear you", "No microphone was found.", {"Check Again", "Close"}}));
+    EXPECT_THAT(grants, ElementsAre(false));
+}
+
+TEST_F(LinuxAuthorizationTest, whenMicrophoneAndSpeechAreBothAsked_eachHasItsOwnQuestion) {
+    microphoneStatus = 1;
+    microphoneExplanation = "No microphone was found.";
+    speechExplanation = kNoModel;
+    authorization->requestMicrophoneAccess([this](bool granted) { grants.push_back(granted); });
+    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    time.runPending();
+    EXPECT_THAT(alert.questions(), SizeIs(2));
+}
+
+// ------------------------------------------------------------------------------------ the prompt
+
+TEST_F(LinuxAuthorizationTest, whenTheKeyboardIsNotUsable_thePromptSaysWhyAfterReturning) {
+    keyboardUsable = false;
+    keyboardExplanation = "This X server lacks the XTEST extension.";
+    EXPECT_FALSE(authorization->isProcessTrustedWithPrompt());
+    EXPECT_THAT(alert.questions(), IsEmpty());
+    time.runPending();
+    EXPECT_THAT(alert.questions(),
+                ElementsAre(FakeAlert::Question{"Tovik Record cannot use the keyboard here",
+                                                "This X server lacks the XTEST extension.",
+                                                {"Check Again", "Close"}}));
+}
+
+TEST_F(LinuxAuthorizationTest, whenTheKeyboardIsUsable_thePromptStaysAway) {
+    EXPECT_TRUE(authorization->isProcessTrustedWithPrompt());
+    time.runPending();
+    EXPECT_THAT(alert.questions(), IsEmpty());
+}
+
+TEST_F(LinuxAuthorizationTest, whenTheProgramEndsBeforeTheQuestion_nothingIsShown) {
+    speechExplanation = kNoModel;
+    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization.reset();
+    time.runPending();
+    EXPECT_THAT(alert.questions(), IsEmpty());
+    EXPECT_THAT(statuses, IsEmpty());
+}
+
+} // namespace
+} // namespace tovik::test
