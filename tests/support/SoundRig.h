@@ -76,12 +76,18 @@ public:
         const std::lock_guard lock(mutex_);
         return rate_;
     }
-    /// Whether these samples, as a microphone of sixteen bits renders them, were heard in one piece.
+    /// Whether these samples, none of them silence, were heard in one piece. A server that finds its virtual
+    /// microphone a moment late puts silence between them, so silence does not count.
     [[nodiscard]] bool heard(const std::vector<float>& words) const {
-        const std::lock_guard lock(mutex_);
-        return std::search(samples_.begin(), samples_.end(), words.begin(), words.end(),
+        const auto sound = withoutSilence();
+        return std::search(sound.begin(), sound.end(), words.begin(), words.end(),
                            [](float sample, float word) { return std::abs(sample - word) < 1e-4F; }) !=
-               samples_.end();
+               sound.end();
+    }
+    [[nodiscard]] std::vector<float> withoutSilence() const {
+        auto sound = samples();
+        std::erase_if(sound, [](float sample) { return std::abs(sample) < 1e-5F; });
+        return sound;
     }
     void forget() {
         const std::lock_guard lock(mutex_);

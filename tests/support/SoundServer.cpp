@@ -122,6 +122,10 @@ void SoundServer::start() {
 }
 
 void SoundServer::kill() {
+    for (const auto& [name, module] : modules_) {
+        std::error_code ignored;
+        std::filesystem::remove(folder_ + "/" + name + ".pipe", ignored);
+    }
     microphones_.clear();
     modules_.clear();
     for (const auto process : processes_) {
@@ -152,7 +156,7 @@ VirtualMicrophone& SoundServer::plugIn(const std::string& name, const std::strin
     const auto pipe = folder_ + "/" + name + ".pipe";
     auto module = control({"load-module", "module-pipe-source", "source_name=" + name, "file=" + pipe,
                            "format=s16le", "channels=1", "rate=" + std::to_string(sampleRate),
-                           "source_properties=device.description='" + description + "'"});
+                           "source_properties=\"device.description='" + description + "'\""});
     modules_[name] = module.substr(0, module.find('\n'));
     waitUntil("microphone " + name, [&] { return lists(name); });
     auto& place = microphones_[name];
@@ -168,11 +172,22 @@ void SoundServer::unplug(const std::string& name) {
 }
 
 void SoundServer::setDefaultSource(const std::string& name) {
-    control({"set-default-source", name});
-    waitUntil("default " + name, [&] { return control({"get-default-source"}) == name + "\n"; });
+    // A session manager that has only just come up does not take defaults yet.
+    waitUntil("default " + name, [&] {
+        return run({"set-default-source", name}).has_value() &&
+               control({"get-default-source"}) == name + "\n";
+    });
 }
 
 std::string SoundServer::control(const std::vector<std::string>& command) const {
+    auto output = run(command);
+    if (!output) {
+        throw std::runtime_error("pactl " + command.front() + " failed");
+    }
+    return *std::move(output);
+}
+
+std::optional<std::string> SoundServer::run(const std::vector<std::string>& command) const {
     std::array<int, 2> output{};
     if (pipe2(output.data(), O_CLOEXEC) != 0) {
         throw std::runtime_error("no pipe");
@@ -193,10 +208,7 @@ std::string SoundServer::control(const std::vector<std::string>& command) const 
     close(output[0]);
     int status = 0;
     waitpid(process, &status, 0);
-    if (status != 0) {
-        throw std::runtime_error("pactl " + command.front() + " failed");
-    }
-    return text;
+    return status == 0 ? std::optional(text) : std::nullopt;
 }
 
 void SoundServer::spawn(const std::vector<std::string>& command) {

@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -51,6 +52,8 @@ public:
     std::string control(const std::vector<std::string>& command) const;
 
 private:
+    /// Nothing when the command fails.
+    [[nodiscard]] std::optional<std::string> run(const std::vector<std::string>& command) const;
     void spawn(const std::vector<std::string>& command);
     void waitForSocket(const std::string& path) const;
     void waitUntil(const std::string& what, const std::function<bool()>& holds) const;

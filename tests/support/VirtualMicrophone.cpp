@@ -21,8 +21,8 @@ namespace {
 using Time = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kPace{2};
-// A server that listens reads at once; more than this lies in the pipe only when nobody listens.
-constexpr std::chrono::milliseconds kPatience{30};
+// A server that listens reads more often than this.
+constexpr std::chrono::milliseconds kPatience{100};
 constexpr int kFirstNumber = -30000;
 
 } // namespace
@@ -64,24 +64,31 @@ std::uint64_t VirtualMicrophone::numberOf(float sample) {
 
 void VirtualMicrophone::run() {
     const auto start = Time::now();
-    const auto patience = sampleRate_ * 2 * static_cast<unsigned>(kPatience.count()) / 1000;
+    auto lastRead = start - kPatience;
+    int leftInPipe = 0;
     std::vector<std::int16_t> chunk;
     std::vector<char> unheard(65536);
     while (!ending_) {
-        const auto elapsed = std::chrono::duration<double>(Time::now() - start).count();
-        const auto due = static_cast<std::uint64_t>(elapsed * sampleRate_);
+        const auto turn = Time::now();
+        const auto due =
+            static_cast<std::uint64_t>(std::chrono::duration<double>(turn - start).count() * sampleRate_);
         chunk.resize(due - frames_);
         speakNext(chunk);
-        int waiting = 0;
-        if (ioctl(pipe_, FIONREAD, &waiting) == 0 && static_cast<unsigned>(waiting) > patience) {
+        if (const int inPipe = unread(); inPipe < leftInPipe) {
+            lastRead = turn;
+        } else if (turn - lastRead > kPatience) {
             [[maybe_unused]] const auto dropped = read(pipe_, unheard.data(), unheard.size());
         }
         [[maybe_unused]] const auto written = write(pipe_, chunk.data(), chunk.size() * 2);
+        leftInPipe = unread();
         frames_ = due;
-        std::this_thread::sleep_until(
-            start + std::chrono::duration_cast<Time::duration>(std::chrono::duration<double>(elapsed)) +
-            kPace);
+        std::this_thread::sleep_until(turn + kPace);
     }
+}
+
+int VirtualMicrophone::unread() const {
+    int bytes = 0;
+    return ioctl(pipe_, FIONREAD, &bytes) == 0 ? bytes : 0;
 }
 
 void VirtualMicrophone::speakNext(std::vector<std::int16_t>& chunk) {

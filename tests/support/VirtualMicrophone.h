@@ -42,6 +42,7 @@ public:
 
 private:
     void run();
+    [[nodiscard]] int unread() const;
     void speakNext(std::vector<std::int16_t>& chunk);
 
     const unsigned sampleRate_;

@@ -72,6 +72,11 @@ bool record(SoundRig& rig, const VirtualMicrophone& microphone, Columns& columns
         }
         tap(buffer);
     });
+    // A server that was listening until just now finds the virtual microphone's past in its pipe.
+    const auto rested = microphone.frames() + microphone.sampleRate() / 5;
+    if (!eventually([&] { return microphone.frames() >= rested; })) {
+        return false;
+    }
     const auto atStart = now(microphone);
     const auto begun = Time::now();
     if (const auto started = rig.engine.start(); !started) {
@@ -89,7 +94,7 @@ bool record(SoundRig& rig, const VirtualMicrophone& microphone, Columns& columns
     rig.engine.stop();
     columns.stopCall.values.push_back(milliseconds(Time::now() - stopping));
     rig.engine.removeTap();
-    const auto heard = listener.samples();
+    const auto heard = listener.withoutSilence();
     columns.firstBuffer.values.push_back(
         milliseconds(Time::duration(first.load()) - begun.time_since_epoch()));
     columns.headCut.values.push_back(framesBetween(atStart, VirtualMicrophone::numberOf(heard.front())) /

@@ -1,0 +1,203 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "support/SoundRig.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+thread_local bool countsAllocations = false;
+std::atomic<int> allocations = 0;
+
+void* allocate(std::size_t size) {
+    if (countsAllocations) {
+        ++allocations;
+    }
+    if (void* memory = std::malloc(size); memory != nullptr) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+} // namespace
+
+// Every allocation of this program comes through here, so that those of the capture thread can be counted.
+void* operator new(std::size_t size) {
+    return allocate(size);
+}
+void* operator new[](std::size_t size) {
+    return allocate(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace {
+
+using namespace tovik;
+using namespace tovik::test;
+
+class PulseAudioEngineOn : public testing::TestWithParam<SoundServer::Kind> {
+protected:
+    PulseAudioEngineOn() : server(GetParam()) { server.start(); }
+
+    VirtualMicrophone& plugIn(unsigned sampleRate = 48000) {
+        auto& microphone = server.plugIn("mike", "Mike", sampleRate);
+        server.setDefaultSource("mike");
+        return microphone;
+    }
+    bool isOpen() { return !server.control({"list", "short", "source-outputs"}).empty(); }
+
+    SoundServer server;
+    Listener listener;
+};
+
+TEST_P(PulseAudioEngineOn, recordsAtTheSourcesOwnRate) {
+    for (const unsigned rate : {16000U, 44100U, 48000U, 96000U}) {
+        auto& microphone = plugIn(rate);
+        SoundRig rig(server);
+        ASSERT_TRUE(rig.waitForDefault("mike"));
+        EXPECT_EQ(rig.engine.inputFormat(), (AudioFormat{static_cast<double>(rate), 1}));
+        rig.engine.installTap(1024, listener.tap());
+        ASSERT_TRUE(rig.engine.start().ok());
+        ASSERT_TRUE(listener.waitFor(rate / 10));
+        const auto before = microphone.frames();
+        ASSERT_TRUE(listener.waitForMore(rate / 2));
+        EXPECT_NEAR(static_cast<double>(microphone.frames() - before), rate / 2.0, rate / 10.0);
+        EXPECT_EQ(listener.rate(), rate);
+        rig.engine.stop();
+        listener.forget();
+        server.unplug("mike");
+    }
+}
+
+TEST_P(PulseAudioEngineOn, aRateThatOnlyStudiosUse_isBroughtDown) {
+    plugIn(192000);
+    SoundRig rig(server);
+    ASSERT_TRUE(rig.waitForDefault("mike"));
+    EXPECT_EQ(rig.engine.inputFormat(), (AudioFormat{48000, 1}));
+    rig.engine.installTap(1024, listener.tap());
+    ASSERT_TRUE(rig.engine.start().ok());
+    ASSERT_TRUE(listener.waitFor(24000));
+    EXPECT_EQ(listener.rate(), 48000);
+}
+
+TEST_P(PulseAudioEngineOn, missesNoFrameOfALongRecording) {
+    auto& microphone = plugIn();
+    SoundRig rig(server);
+    ASSERT_TRUE(rig.waitForDefault("mike"));
+    microphone.count();
+    rig.engine.installTap(1024, listener.tap());
+    ASSERT_TRUE(rig.engine.start().ok());
+    ASSERT_TRUE(listener.waitFor(std::size_t{5} * 48000));
+    rig.engine.stop();
+    const auto sound = listener.withoutSilence();
+    std::size_t jumps = 0;
+    for (std::size_t frame = 0; frame + 1 < sound.size(); ++frame) {
+        const auto step = VirtualMicrophone::numberOf(sound[frame + 1]) + VirtualMicrophone::countedFrames -
+                          VirtualMicrophone::numberOf(sound[frame]);
+        // One number of every turn is written as silence.
+        jumps += step % VirtualMicrophone::countedFrames <= 2 ? 0 : 1;
+    }
+    EXPECT_GT(sound.size(), std::size_t{4} * 48000);
+    EXPECT_EQ(jumps, 0U);
+}
+
+TEST_P(PulseAudioEngineOn, whatIsSpokenAtTheMomentOfOpening_isHeardFromTheFirstHundredths) {
+    auto& microphone = plugIn();
+    SoundRig rig(server);
+    ASSERT_TRUE(rig.waitForDefault("mike"));
+    std::vector<float> word(9600);
+    for (std::size_t frame = 0; frame < word.size(); ++frame) {
+        word[frame] = static_cast<float>(100 + frame * 3) / 32768.0F;
+    }
+    const std::vector<float> afterTwentyMilliseconds(word.begin() + 960, word.end());
+    rig.engine.installTap(1024, listener.tap());
+    for (int round = 0; round < 20; ++round) {
+        microphone.speak(word);
+        rig.engine.openAhead();
+        microphone.waitUntilSilent();
+        ASSERT_TRUE(rig.engine.start().ok());
+        ASSERT_TRUE(eventually([&] { return listener.heard(afterTwentyMilliseconds); })) << "round " << round;
+        rig.engine.stop();
+        listener.forget();
+    }
+}
+
+TEST_P(PulseAudioEngineOn, theMicrophoneIsOpenOnlyFromOpeningToClosing) {
+    plugIn();
+    SoundRig rig(server);
+    ASSERT_TRUE(rig.waitForDefault("mike"));
+    EXPECT_FALSE(isOpen());
+    rig.engine.openAhead();
+    EXPECT_TRUE(eventually([&] { return isOpen(); }));
+    rig.engine.closeAhead();
+    EXPECT_TRUE(eventually([&] { return !isOpen(); }));
+    ASSERT_TRUE(rig.engine.start().ok());
+    EXPECT_TRUE(eventually([&] { return isOpen(); }));
+    rig.engine.stop();
+    EXPECT_TRUE(eventually([&] { return !isOpen(); }));
+}
+
+TEST_P(PulseAudioEngineOn, whenStartedBeforeTheServerHasAnswered_recordsAsSoonAsItHas) {
+    auto& microphone = plugIn();
+    SoundRig rig(server);
+    rig.engine.installTap(1024, listener.tap());
+    ASSERT_TRUE(rig.engine.start().ok());
+    EXPECT_TRUE(rig.engine.isRunning());
+    EXPECT_TRUE(listener.waitFor(4800));
+    EXPECT_EQ(listener.rate(), microphone.sampleRate());
+}
+
+TEST_P(PulseAudioEngineOn, whenDestroyedWhileRecording_closesTheMicrophone) {
+    plugIn();
+    {
+        SoundRig rig(server);
+        ASSERT_TRUE(rig.waitForDefault("mike"));
+        rig.engine.installTap(1024, listener.tap());
+        ASSERT_TRUE(rig.engine.start().ok());
+        ASSERT_TRUE(listener.waitFor(1024));
+    }
+    const auto heard = listener.samples().size();
+    EXPECT_TRUE(eventually([&] { return !isOpen(); }));
+    EXPECT_EQ(listener.samples().size(), heard);
+}
+
+TEST_P(PulseAudioEngineOn, whileRecording_theCaptureThreadAllocatesNothing) {
+    plugIn();
+    SoundRig rig(server);
+    ASSERT_TRUE(rig.waitForDefault("mike"));
+    std::atomic<int> buffers = 0;
+    float sum = 0;
+    rig.engine.installTap(1024, [&](const AudioBuffer& buffer) {
+        // The server tells of the source's waking up while the first buffers come.
+        countsAllocations = ++buffers > 50;
+        for (const float sample : buffer.frames) {
+            sum += sample * sample;
+        }
+    });
+    allocations = 0;
+    ASSERT_TRUE(rig.engine.start().ok());
+    ASSERT_TRUE(eventually([&] { return buffers > 200; }));
+    EXPECT_EQ(allocations, 0);
+    rig.engine.stop();
+}
+
+INSTANTIATE_TEST_SUITE_P(Servers, PulseAudioEngineOn,
+                         testing::Values(SoundServer::Kind::pulseAudio, SoundServer::Kind::pipeWire),
+                         [](const auto& kind) { return nameOf(kind.param); });
+
+} // namespace
