@@ -5,6 +5,8 @@
 #include <unicode/locid.h>
 #include <unicode/unistr.h>
 
+#include <algorithm>
+
 namespace tovik {
 
 namespace {
@@ -16,7 +18,12 @@ icu::Locale localeOf(std::string_view identifier) {
         return icu::Locale::getUS();
     }
     auto locale = icu::Locale::createCanonical(plain.c_str());
-    return locale.isBogus() || locale.getLanguage()[0] == '\0' ? icu::Locale::getUS() : locale;
+    const std::string_view language = locale.getLanguage();
+    const auto isLetter = [](char c) { return c >= 'a' && c <= 'z'; };
+    if (locale.isBogus() || language.empty() || !std::all_of(language.begin(), language.end(), isLetter)) {
+        return icu::Locale::getUS();
+    }
+    return locale;
 }
 
 } // namespace
