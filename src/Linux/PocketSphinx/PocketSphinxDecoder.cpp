@@ -97,6 +97,7 @@ Result<void> PocketSphinxDecoder::call(Callable callable) {
 }
 
 Result<void> PocketSphinxDecoder::begin(const std::vector<std::string>&) {
+    voice_.begin();
     frontEnd_->begin();
     mean_.begin();
     searched_ = 0;
@@ -106,6 +107,7 @@ Result<void> PocketSphinxDecoder::begin(const std::vector<std::string>&) {
 Result<void> PocketSphinxDecoder::accept(std::span<const std::int16_t> samples) {
     heard_.clear();
     ready_.clear();
+    voice_.process(samples);
     frontEnd_->process(samples, heard_);
     mean_.process(heard_, ready_);
     return search(ready_);
@@ -124,6 +126,10 @@ Result<void> PocketSphinxDecoder::search(std::span<const Cepstrum> frames) {
 }
 
 std::string PocketSphinxDecoder::hypothesis() {
+    // Of a noise the library makes words, too.
+    if (!voice_.heardVoice()) {
+        return {};
+    }
     const char* text = nullptr;
     const auto result = call([&] {
         text = ps_get_hyp(decoder_, nullptr);

@@ -7,6 +7,7 @@
 #include "Linux/PocketSphinx/LibraryCall.h"
 #include "Linux/PocketSphinx/ModelFiles.h"
 #include "Linux/PocketSphinx/UtteranceDecoder.h"
+#include "Linux/PocketSphinx/VoiceEvidence.h"
 
 #include <memory>
 
@@ -37,6 +38,7 @@ private:
 
     ps_decoder_s* const decoder_;
     const std::unique_ptr<FrontEnd> frontEnd_;
+    VoiceEvidence voice_;
     CepstralMean mean_;
     std::vector<Cepstrum> heard_;
     std::vector<Cepstrum> ready_;
