@@ -1,0 +1,146 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/PocketSphinx/VoiceEvidence.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace tovik {
+
+namespace {
+
+/// Takes the weight off the low end, where the rumble of a room is.
+constexpr double kPreEmphasis = 0.95;
+/// How alike the sound must be to itself one period later; 1 is the same.
+constexpr double kAlike = 0.5;
+/// How unlike it must be somewhere in between, or else it is not a period but slow.
+constexpr double kUnlike = 0.25;
+/// Mean square of a frame below which there is nothing: the noise of a 16-bit converter.
+constexpr double kNothing = 4.0;
+/// A few pure tones can be predicted from the samples before them this well, and no voice can.
+constexpr double kTonePredictionGain = 1000;
+constexpr std::size_t kToneOrder = 8;
+/// From one frame to the next the pitch of a voice moves by an eighth at most.
+constexpr std::size_t kPeriodsPerChange = 8;
+/// How many decibels make a difference between two moments.
+constexpr double kLiving = 0.5;
+
+} // namespace
+
+void VoiceEvidence::begin() {
+    *this = VoiceEvidence();
+}
+
+void VoiceEvidence::process(std::span<const std::int16_t> samples) {
+    for (const auto sample : samples) {
+        const double emphasised = sample - kPreEmphasis * lastSample_;
+        lastSample_ = sample;
+        if (!hasHalf_) {
+            half_ = emphasised;
+            hasHalf_ = true;
+            continue;
+        }
+        hasHalf_ = false;
+        frame_.push_back(static_cast<float>((half_ + emphasised) / 2));
+        if (frame_.size() == kFrame + kLongestPeriod) {
+            processFrame();
+            frame_.erase(frame_.begin(), frame_.begin() + kHop);
+        }
+    }
+}
+
+void VoiceEvidence::processFrame() {
+    const auto now = present();
+    const auto last = past_[(frames_ + kMoment - 1) % kMoment];
+    const auto before = past_[frames_ % kMoment];
+    past_[frames_ % kMoment] = now;
+    ++frames_;
+
+    const auto distance = now.period > last.period ? now.period - last.period : last.period - now.period;
+    if (now.period == 0) {
+        row_ = 0;
+    } else if (last.period != 0 && distance * kPeriodsPerChange <= now.period) {
+        ++row_;
+    } else {
+        row_ = 1;
+    }
+    if (row_ >= kRow) {
+        ++pitchedFrames_;
+        if (now.period != before.period || std::abs(now.decibels - before.decibels) > kLiving) {
+            ++livingFrames_;
+        }
+    }
+}
+
+VoiceEvidence::Moment VoiceEvidence::present() const {
+    double energy = 1;
+    for (std::size_t i = 0; i < kFrame; ++i) {
+        energy += static_cast<double>(frame_[i]) * static_cast<double>(frame_[i]);
+    }
+    const auto period = pitchPeriod();
+    return {period != 0 && isPureTone() ? 0 : period, 10 * std::log10(energy)};
+}
+
+/// Between -1 and 1.
+double VoiceEvidence::correlation(std::size_t lag) const {
+    double product = 0;
+    double here = 0;
+    double there = 0;
+    for (std::size_t i = 0; i < kFrame; ++i) {
+        const double a = frame_[i];
+        const double b = frame_[i + lag];
+        product += a * b;
+        here += a * a;
+        there += b * b;
+    }
+    if (here < kNothing * kFrame || there < kNothing * kFrame) {
+        return 0;
+    }
+    return product / std::sqrt(here * there);
+}
+
+/// 0 when the sound has no pitch.
+std::size_t VoiceEvidence::pitchPeriod() const {
+    std::array<double, kLongestPeriod + 1> alike{};
+    for (auto lag = kShortestPeriod / 2; lag <= kLongestPeriod; ++lag) {
+        alike[lag] = correlation(lag);
+    }
+    const auto best = std::max_element(alike.begin() + kShortestPeriod, alike.end());
+    const auto lowest = std::min_element(alike.begin() + kShortestPeriod / 2, best + 1);
+    if (*best < kAlike || *lowest > kUnlike) {
+        return 0;
+    }
+    return static_cast<std::size_t>(best - alike.begin());
+}
+
+bool VoiceEvidence::isPureTone() const {
+    std::array<double, kToneOrder + 1> products{};
+    for (std::size_t lag = 0; lag <= kToneOrder; ++lag) {
+        for (std::size_t i = lag; i < kFrame; ++i) {
+            const auto window = [](std::size_t at) {
+                return 0.5 - 0.5 * std::cos(2 * M_PI * static_cast<double>(at) / kFrame);
+            };
+            products[lag] += static_cast<double>(frame_[i]) * window(i) *
+                             static_cast<double>(frame_[i - lag]) * window(i - lag);
+        }
+    }
+    // Levinson's recursion: what is left of the energy after predicting each sample from those before it.
+    std::array<double, kToneOrder + 1> predictor{1};
+    double left = products[0];
+    for (std::size_t order = 1; order <= kToneOrder && left > 0; ++order) {
+        double reflection = 0;
+        for (std::size_t i = 0; i < order; ++i) {
+            reflection -= predictor[i] * products[order - i];
+        }
+        reflection /= left;
+        const auto before = predictor;
+        for (std::size_t i = 1; i <= order; ++i) {
+            predictor[i] = before[i] + reflection * before[order - i];
+        }
+        left *= 1 - reflection * reflection;
+    }
+    return left * kTonePredictionGain < products[0];
+}
+
+} // namespace tovik
