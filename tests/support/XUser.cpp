@@ -2,9 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "support/XUser.h"
 
+#include "support/EventLoop.h"
+
 #include <QProcess>
 
 #include <X11/XKBlib.h>
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/extensions/XInput2.h>
 #include <X11/extensions/XTest.h>
@@ -178,7 +181,27 @@ void XUser::setDesktop(long desktop) {
 }
 
 void XUser::setDesktopCount(long count) {
-    toRoot(DefaultRootWindow(connection_->display), "_NET_NUMBER_OF_DESKTOPS", count, 0);
+    const bool done = runUntil([&] {
+        toRoot(DefaultRootWindow(connection_->display), "_NET_NUMBER_OF_DESKTOPS", count, 0);
+        return rootNumber("_NET_NUMBER_OF_DESKTOPS") == count;
+    });
+    if (!done) {
+        throw std::runtime_error("the window manager does not answer");
+    }
+}
+
+long XUser::rootNumber(const char* property) const {
+    Display* const display = connection_->display;
+    Atom type = None;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long rest = 0;
+    unsigned char* bytes = nullptr;
+    XGetWindowProperty(display, DefaultRootWindow(display), XInternAtom(display, property, False), 0, 1,
+                       False, XA_CARDINAL, &type, &format, &count, &rest, &bytes);
+    const long number = format == 32 && count == 1 ? *reinterpret_cast<long*>(bytes) : -1;
+    XFree(bytes);
+    return number;
 }
 
 void XUser::iconify(unsigned long window) {

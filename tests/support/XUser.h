@@ -43,6 +43,8 @@ public:
     /// Asks for another window to be in front, as a click into it would.
     void clickInto(unsigned long window);
     void setDesktop(long desktop);
+    /// The desktops become that many; returns when they are. By then the window manager is at work: openbox
+    /// announces itself before it listens, and loses what is asked of it, windows included, in between.
     void setDesktopCount(long count);
     void iconify(unsigned long window);
     void moveToDesktop(unsigned long window, long desktop);
@@ -55,6 +57,7 @@ public:
 
 private:
     struct Connection;
+    [[nodiscard]] long rootNumber(const char* property) const;
     void toRoot(unsigned long window, const char* message, long first, long second);
 
     std::unique_ptr<Connection> connection_;

@@ -177,7 +177,7 @@ void X11Workspace::watchFocusOf(unsigned long window) {
 }
 
 unsigned long X11Workspace::windowToActivate(const RunningApplication& application) const {
-    if (!windows_) {
+    if (!windows_ || !isRunning(application)) {
         return None;
     }
     const auto belongs = [&](Window window) {
