@@ -195,6 +195,8 @@ std::optional<std::string> SoundServer::run(const std::vector<std::string>& comm
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
+    const auto log = folder_ + "/pactl.log";
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
     std::vector<std::string> whole{"pactl"};
     whole.insert(whole.end(), command.begin(), command.end());
     const auto process = spawnProcess(whole, environment_, actions);

@@ -36,7 +36,7 @@ PulseAudioDevices::PulseAudioDevices(PulseAudioConnection& connection, MainQueue
 
 // The directory may be busy on the sound thread, so its end is left to that thread.
 PulseAudioDevices::~PulseAudioDevices() {
-    connection_.post([directory = std::move(directory_)] {});
+    connection_.post([directory = std::move(directory_)] { directory->leave(); });
 }
 
 std::vector<SoundSource> PulseAudioDevices::microphones() const {

@@ -73,11 +73,23 @@ void SoundDirectory::serverReady(pa_context& context) {
     operations_.push_back(std::move(subscribing));
 }
 
-void SoundDirectory::serverLost() {
+void SoundDirectory::leave() {
+    if (context_ != nullptr) {
+        pa_context_set_subscribe_callback(context_, nullptr, nullptr);
+    }
+    observers_.clear();
+    forget();
+}
+
+void SoundDirectory::forget() {
     operations_.clear();
     awaited_ = 0;
     outdated_ = false;
     context_ = nullptr;
+}
+
+void SoundDirectory::serverLost() {
+    forget();
     if (listing().known) {
         publish({});
     }

@@ -45,8 +45,8 @@ struct SoundListing {
     [[nodiscard]] std::vector<SoundSource> microphones(bool withMonitors) const;
 };
 
-/// Keeps the listing up to date from the server's own notices. Create it as a shared pointer and add it to
-/// the connection.
+/// Keeps the listing up to date from the server's own notices. Create it as a shared pointer, add it to the
+/// connection, and let it leave at the end.
 class SoundDirectory : public PulseAudioConnection::Client,
                        public std::enable_shared_from_this<SoundDirectory> {
 public:
@@ -56,12 +56,16 @@ public:
     /// Any thread; answers at once.
     [[nodiscard]] SoundListing listing() const;
 
+    /// Sound thread only; before the last reference is dropped. The listing stays as it is.
+    void leave();
+
     void serverReady(pa_context& context) override;
     void serverLost() override;
 
 private:
     void read();
     void answered();
+    void forget();
     void publish(SoundListing listing);
 
     mutable std::mutex mutex_;
