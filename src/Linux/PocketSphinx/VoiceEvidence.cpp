@@ -16,6 +16,8 @@ constexpr double kPreEmphasis = 0.95;
 constexpr double kAlike = 0.5;
 /// How unlike it must be somewhere in between, or else it is not a period but slow.
 constexpr double kUnlike = 0.25;
+/// Which part of the highest peak another one must have to count as high.
+constexpr double kAboutAsHigh = 0.9;
 /// Mean square of a frame below which there is nothing: the noise of a 16-bit converter.
 constexpr double kNothing = 4.0;
 /// A few pure tones can be predicted from the samples before them this well, and no voice can.
@@ -106,12 +108,20 @@ std::size_t VoiceEvidence::pitchPeriod() const {
     for (auto lag = kShortestPeriod / 2; lag <= kLongestPeriod; ++lag) {
         alike[lag] = correlation(lag);
     }
-    const auto best = std::max_element(alike.begin() + kShortestPeriod, alike.end());
-    const auto lowest = std::min_element(alike.begin() + kShortestPeriod / 2, best + 1);
-    if (*best < kAlike || *lowest > kUnlike) {
+    const double best = *std::max_element(alike.begin() + kShortestPeriod, alike.end());
+    if (best < kAlike) {
         return 0;
     }
-    return static_cast<std::size_t>(best - alike.begin());
+    // Two periods are as alike as one: the shortest of the peaks that are about as high is the pitch.
+    auto period = kShortestPeriod;
+    while (alike[period] < best * kAboutAsHigh) {
+        ++period;
+    }
+    while (period < kLongestPeriod && alike[period + 1] > alike[period]) {
+        ++period;
+    }
+    const double lowest = *std::min_element(alike.begin() + kShortestPeriod / 2, alike.begin() + period);
+    return lowest > kUnlike ? 0 : period;
 }
 
 bool VoiceEvidence::isPureTone() const {
