@@ -11,8 +11,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   target_compile_options(tovik_flags INTERFACE -Wno-restrict)
 endif()
 if(TOVIK_WARNINGS_AS_ERRORS)
-  # GCC 12 suspects overlapping copies in plain string concatenation, where there are none.
-  target_compile_options(tovik_flags INTERFACE -Werror $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+  target_compile_options(tovik_flags INTERFACE -Werror)
 endif()
 if(TOVIK_SANITIZE)
   add_compile_options(-fsanitize=${TOVIK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
