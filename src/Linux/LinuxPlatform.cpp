@@ -1,0 +1,145 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/LinuxPlatform.h"
+
+#include "Linux/Authorization/ProgramPaths.h"
+
+#include <QApplication>
+#include <QWidget>
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <memory>
+#include <utility>
+
+namespace tovik {
+
+namespace {
+
+constexpr auto kBundleIdentifier = "tovik-record";
+constexpr auto kInstalledExecutable = "/usr/bin/tovik-record";
+constexpr Seconds kLongestWaitForSound{0.15};
+
+std::string environment(const char* variable) {
+    const char* value = std::getenv(variable);
+    return value == nullptr ? "" : value;
+}
+
+/// Those that the user works in. The pill and the hints take no input and fade on their own.
+void hideOwnWindows() {
+    for (auto* window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && !window->windowFlags().testFlag(Qt::WindowTransparentForInput)) {
+            window->hide();
+        }
+    }
+}
+
+bool isSelf(const std::optional<RunningApplication>& application) {
+    return application && application->processIdentifier == getpid();
+}
+
+} // namespace
+
+LinuxPlatform::LinuxPlatform()
+    : defaults_(folders_.defaultsFile(), log_),
+      workspace_({.queue = queue_,
+                  .ownBundleIdentifier = kBundleIdentifier,
+                  .ownLocalizedName = "Tovik Record",
+                  .hideOwnWindows = hideOwnWindows}),
+      poster_({.queue = queue_, .defaults = defaults_, .log = log_, .posted = postedKeys_}),
+      keyMonitor_({.queue = queue_,
+                   .defaults = defaults_,
+                   .log = log_,
+                   .posted = postedKeys_,
+                   .ownProgramIsFrontmost = [this] { return isSelf(workspace_.frontmostApplication()); }}),
+      soundServer_(log_),
+      devices_(soundServer_, queue_, defaults_),
+      engine_(soundServer_, devices_.directory()),
+      microphoneAccess_(soundServer_, devices_.directory()),
+      speech_(log_),
+      translator_(queue_, log_),
+      session_(X11Session::examine()),
+      authorization_(queue_, alert_, authorizationAnswers()),
+      settingsPanes_(
+          {.queue = queue_,
+           .alert = alert_,
+           .launcher = launcher_,
+           .desktops = desktopNames(environment("XDG_CURRENT_DESKTOP")),
+           .isInstalled =
+               [](const std::string& program) { return isInSearchPath(program, environment("PATH")); },
+           .microphoneExplanation = [this] { return microphoneAccess_.explanation(); }}),
+      settingsWorkspace_(workspace_, settingsPanes_),
+      usedLog_(&log_),
+      usedKeyMonitor_(&keyMonitor_),
+      usedEngine_(&engine_) {
+    if (const auto path = environment("TOVIK_TIMINGS"); !path.empty()) {
+        wrapForTimings(path);
+    }
+}
+
+LinuxAuthorization::Answers LinuxPlatform::authorizationAnswers() {
+    return {.microphoneStatus = [this] { return static_cast<int>(microphoneAccess_.status()); },
+            .microphoneExplanation = [this] { return microphoneAccess_.explanation(); },
+            .speechExplanation = [this] { return speech_.whyUnavailable().value_or(""); },
+            .isKeyboardUsable = [this] { return session_.usable(); },
+            .keyboardExplanation = [this] { return session_.sentence; },
+            .executablePath = runningExecutable(),
+            .homeDirectory = folders_.home()};
+}
+
+void LinuxPlatform::whenSoundIsKnown(std::function<void()> callback) {
+    const auto once = [called = std::make_shared<bool>(false), callback = std::move(callback)] {
+        if (!std::exchange(*called, true)) {
+            callback();
+        }
+    };
+    devices_.directory()->observe(soundServer_, [this, once] { queue_.async(once); });
+    if (devices_.directory()->listing().known) {
+        queue_.async(once);
+    }
+    queue_.asyncAfter(kLongestWaitForSound, once);
+}
+
+LinuxPlatform::~LinuxPlatform() = default;
+
+void LinuxPlatform::wrapForTimings(const std::string& path) {
+    marks_ = std::make_unique<TimingMarks>(path);
+    timedLog_ = std::make_unique<TimedLog>(log_, *marks_);
+    timedKeyMonitor_ = std::make_unique<TimedKeyMonitor>(keyMonitor_, *marks_);
+    timedEngine_ = std::make_unique<TimedAudioEngine>(engine_, *marks_);
+    usedLog_ = timedLog_.get();
+    usedKeyMonitor_ = timedKeyMonitor_.get();
+    usedEngine_ = timedEngine_.get();
+}
+
+Platform LinuxPlatform::describe(UserInterface& userInterface, std::function<void()> terminate) {
+    return {
+        .clock = clock_,
+        .mainQueue = queue_,
+        .log = *usedLog_,
+        .defaults = defaults_,
+        .files = files_,
+        .workspace = settingsWorkspace_,
+        .keyMonitor = *usedKeyMonitor_,
+        .keyEventPoster = poster_,
+        .pasteboard = pasteboard_,
+        .audioEngine = *usedEngine_,
+        .captureDevices = devices_,
+        .audioHardware = devices_,
+        .speechService = speech_,
+        .authorization = authorization_,
+        .translator = translator_,
+        .screens = screens_,
+        .alert = alert_,
+        .processLauncher = launcher_,
+        .userInterface = userInterface,
+        .terminate = std::move(terminate),
+        .dataFolder = folders_.applicationSupport(),
+        .debugLogFile = folders_.debugLogFile(),
+        .processIdentifier = getpid(),
+        .installLocations = linuxInstallLocations(kInstalledExecutable),
+    };
+}
+
+} // namespace tovik

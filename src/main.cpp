@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "AppDelegate.h"
+#include "Linux/LinuxPlatform.h"
+#include "Linux/Qt/SingleInstance.h"
+#include "Linux/Qt/TerminationSignals.h"
+#include "Linux/X11/X11Connection.h"
+#include "QtUserInterface.h"
+
+#include <QApplication>
+#include <QTimer>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+/// Windows that float above all others without taking the keyboard exist under X only; on a Wayland desktop
+/// X programs are shown just as well.
+void chooseWindowSystem() {
+    setenv("QT_QPA_PLATFORM", "xcb", 0);
+}
+
+int refuse(const std::string& sentence) {
+    std::fprintf(stderr, "Tovik Record cannot start: %s\n", sentence.c_str());
+    return EXIT_FAILURE;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    using namespace tovik;
+
+    if (const auto display = X11Connection::open({}); !display) {
+        return refuse(display.error().description);
+    }
+    chooseWindowSystem();
+    StandardLog entryLog;
+    entryLog.logLine("[TovikVoice] Starting application...");
+    QApplication application(argc, argv);
+    QApplication::setApplicationName("tovik-record");
+    QApplication::setApplicationDisplayName("Tovik Record");
+    QApplication::setApplicationVersion(TOVIK_VERSION);
+    QApplication::setDesktopFileName("tovik-record");
+
+    const XdgFolders folders;
+    SingleInstance instance(folders.runtime() + "/tovik-record", SingleInstance::currentDisplay());
+    const auto role = instance.claim();
+    if (!role) {
+        return refuse(role.error().description);
+    }
+    if (role.value() == SingleInstance::Role::second) {
+        std::printf("Tovik Record runs already; its window has come forward.\n");
+        return EXIT_SUCCESS;
+    }
+
+    LinuxPlatform desktop;
+    QtUserInterface windows(desktop.clock(), desktop.mainQueue(), desktop.screens(), desktop.workspace(),
+                            desktop.log());
+    AppDelegate delegate(desktop.describe(windows, [&instance] {
+        instance.release();
+        QApplication::quit();
+    }));
+    desktop.log().logLine("[TovikVoice] Created AppDelegate");
+
+    QApplication::setQuitOnLastWindowClosed(delegate.applicationShouldTerminateAfterLastWindowClosed());
+    QObject::connect(&application, &QApplication::applicationStateChanged,
+                     [&delegate](Qt::ApplicationState state) {
+                         if (state == Qt::ApplicationActive) {
+                             delegate.applicationDidBecomeActive();
+                         }
+                     });
+    const TerminationSignals termination([] { QApplication::quit(); });
+    // The window shows how the permissions stand, and the sound server tells within milliseconds.
+    desktop.whenSoundIsKnown([&] {
+        delegate.applicationDidFinishLaunching();
+        instance.onRequest([&delegate] { delegate.applicationShouldHandleReopen(true); });
+    });
+    desktop.log().logLine("[TovikVoice] Set delegate, calling app.run()");
+    const int exitCode = QApplication::exec();
+    desktop.log().logLine("[TovikVoice] app.run() returned!");
+    return exitCode;
+}
