@@ -2,33 +2,16 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/WaveformView.h"
 
+#include "Audio/WaveformBar.h"
 #include "UserInterface/Theme.h"
 
 #include <QPaintEvent>
 #include <QPainter>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 
 namespace tovik {
-
-namespace {
-
-double barHeight(double v) {
-    const double h = std::min(v < 0.045 ? 3.5 : v * 22 + 4, 26.0);
-    return std::max(h, 3.5);
-}
-
-Rgba barColor(double v) {
-    if (v <= 0.08) {
-        return Rgba::white(0.72, 0.76);
-    }
-    const double t = std::clamp((v - 0.08) / 0.92, 0.0, 1.0);
-    return {0.66 + 0.32 * t, 0.58 - 0.02 * t, 0.5 - 0.25 * t, 0.84 + 0.16 * t};
-}
-
-} // namespace
 
 WaveformView::WaveformView(QWidget* parent) : QWidget(parent), samples_(sampleCount, 0.0) {}
 
@@ -46,11 +29,11 @@ void WaveformView::paintEvent(QPaintEvent* /*event*/) {
     const double left = width() / 2.0 - 128.5;
     const double middle = height() / 2.0;
     for (std::size_t bar = 0; bar < samples_.size(); ++bar) {
-        const double v = std::pow(samples_[bar], 0.62);
-        const double h = barHeight(v);
-        painter.setBrush(theme::color(barColor(v)));
-        painter.drawRoundedRect(QRectF(left + 6.5 * static_cast<double>(bar), middle - h / 2, 3.5, h), 1.75,
-                                1.75);
+        const auto look = WaveformBar::forSample(samples_[bar]);
+        painter.setBrush(theme::color({look.red, look.green, look.blue, look.alpha}));
+        painter.drawRoundedRect(
+            QRectF(left + 6.5 * static_cast<double>(bar), middle - look.height / 2, 3.5, look.height), 1.75,
+            1.75);
     }
 }
 
