@@ -5,6 +5,7 @@
 #include "Linux/Qt/SingleInstance.h"
 #include "Linux/Qt/TerminationSignals.h"
 #include "Linux/X11/X11Connection.h"
+#include "Linux/X11/X11Session.h"
 #include "QtUserInterface.h"
 
 #include <QApplication>
@@ -31,8 +32,8 @@ int refuse(const std::string& sentence) {
 int main(int argc, char** argv) {
     using namespace tovik;
 
-    if (const auto display = X11Connection::open({}); !display) {
-        return refuse(display.error().description);
+    if (!X11Connection::open()) {
+        return refuse(X11Session::noDisplayError().description);
     }
     chooseWindowSystem();
     StandardLog entryLog;
