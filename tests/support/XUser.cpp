@@ -72,12 +72,20 @@ unsigned XUser::keyCode(const std::string& key) const {
 }
 
 void XUser::press(const std::string& key) {
-    XTestFakeKeyEvent(connection_->display, keyCode(key), True, CurrentTime);
-    sync();
+    pressCode(keyCode(key));
 }
 
 void XUser::release(const std::string& key) {
-    XTestFakeKeyEvent(connection_->display, keyCode(key), False, CurrentTime);
+    releaseCode(keyCode(key));
+}
+
+void XUser::pressCode(unsigned code) {
+    XTestFakeKeyEvent(connection_->display, code, True, CurrentTime);
+    sync();
+}
+
+void XUser::releaseCode(unsigned code) {
+    XTestFakeKeyEvent(connection_->display, code, False, CurrentTime);
     sync();
 }
 

@@ -19,6 +19,8 @@ public:
     void press(const std::string& key);
     void release(const std::string& key);
     void tap(const std::string& key);
+    void pressCode(unsigned code);
+    void releaseCode(unsigned code);
     [[nodiscard]] unsigned keyCode(const std::string& key) const;
 
     [[nodiscard]] std::bitset<256> heldKeys() const;

@@ -186,6 +186,10 @@ std::vector<std::string> X11Windows::applicationIds(unsigned long window) const 
     return ids;
 }
 
+std::string X11Windows::title(unsigned long window) const {
+    return text(window, "_NET_WM_NAME");
+}
+
 std::int64_t X11Windows::processIdentifier(unsigned long window) const {
     const auto told = numbers(window, "_NET_WM_PID", XA_CARDINAL);
     if (!told.empty() && isOnThisMachine(window)) {

@@ -34,6 +34,7 @@ public:
     [[nodiscard]] RunningApplication application(unsigned long window) const;
     /// The names that an application goes by: its class, then the name of its instance.
     [[nodiscard]] std::vector<std::string> applicationIds(unsigned long window) const;
+    [[nodiscard]] std::string title(unsigned long window) const;
     /// 0 when the window does not tell, or belongs to a process of another machine.
     [[nodiscard]] std::int64_t processIdentifier(unsigned long window) const;
 
