@@ -107,7 +107,9 @@ void QtStatusItem::createIcon() {
                              showMenu();
                          }
                      });
-    icon_->show();
+    // A panel looks at the menu as soon as the icon is there: by then whoever is just setting up the program
+    // has given it one.
+    QTimer::singleShot(0, icon_.get(), &QSystemTrayIcon::show);
 }
 
 void QtStatusItem::showMenu() {

@@ -84,6 +84,8 @@ private:
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
+    // The menu, too, is easy to find on a picture.
+    application.setStyleSheet("QMenu { background: #0000ff }");
     QApplication::setApplicationName("tray-program");
     QApplication::setApplicationDisplayName("Tray Program");
     const tovik::TerminationSignals termination([] { QApplication::quit(); });
