@@ -188,6 +188,9 @@ void MacAudioManager::endDictation() {
     }
     if (recognitionTask_) {
         recognitionTask_->finish();
+        if (const auto lost = request_->droppedFrames(); lost > 0) {
+            print("The recogniser fell behind: " + std::to_string(lost) + " frames of sound are lost");
+        }
     }
     recognitionTask_.reset();
     request_.reset();

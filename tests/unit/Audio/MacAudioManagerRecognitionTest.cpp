@@ -398,6 +398,24 @@ TEST_F(MacAudioManagerRecognition, whenStopped_theTapIsGone) {
     EXPECT_FALSE(engine.isRunning());
 }
 
+TEST_F(MacAudioManagerRecognition, whenTheRecogniserReadNothingForTooLong_saysHowMuchIsLost) {
+    startRecording();
+    const auto capacity = static_cast<std::size_t>(RecognitionRequest::capacitySeconds * 16000);
+    engine.hearConstant(0.5F, capacity + 10);
+    manager().stop();
+    EXPECT_THAT(newLines(),
+                ElementsAre("[TovikVoice] The recogniser fell behind: 10 frames of sound are lost"));
+}
+
+TEST_F(MacAudioManagerRecognition, withoutARecogniser_nothingCountsAsLost) {
+    speech.setLocale("en-US", Locale::unknown);
+    startRecording();
+    const auto capacity = static_cast<std::size_t>(RecognitionRequest::capacitySeconds * 16000);
+    engine.hearConstant(0.5F, capacity + 10);
+    manager().stop();
+    EXPECT_THAT(newLines(), IsEmpty());
+}
+
 // ---------------------------------------------------------------------------------- results
 
 TEST_F(MacAudioManagerRecognition, whenTheFinalResultComes_deliversItCleanedUp) {
