@@ -96,14 +96,16 @@ QWidget* AccordionCard::makeHeader(const SectionHeader& header) {
     headerView->setFixedHeight(kContentBegin);
     auto* row = new QHBoxLayout(headerView);
     // The header's parts are centred a little above the middle of the space up to the content.
-    row->setContentsMargins(theme::kBadgeLeading, 2 * theme::kCardHeaderCentre - kContentBegin,
-                            theme::kChevronTrailing, 0);
+    row->setContentsMargins(0, 2 * theme::kCardHeaderCentre - kContentBegin, 0, 0);
     row->setSpacing(0);
+    // Spaces are mirrored for languages that run from right to left; margins would not be.
+    row->addSpacing(theme::kBadgeLeading);
     row->addWidget(badge);
     row->addSpacing(theme::kBadgeToText);
     row->addLayout(text, 1);
     row->addSpacing(theme::kTextToChevron);
     row->addWidget(chevron_);
+    row->addSpacing(theme::kChevronTrailing);
     return headerView;
 }
 

@@ -8,7 +8,10 @@
 
 #include <QPaintEvent>
 #include <QPainter>
+#include <QResizeEvent>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace tovik {
 
@@ -20,17 +23,20 @@ constexpr int kFooterSpace = 14;
 
 } // namespace
 
-FlippedDocumentView::FlippedDocumentView(QWidget* parent) : QWidget(parent), stack_(new QVBoxLayout) {
-    auto* column = new QWidget;
-    column->setFixedWidth(kContentWidth);
-    column->setLayout(stack_);
-    stack_->setContentsMargins(0, kTopSpace, 0, 0);
+FlippedDocumentView::FlippedDocumentView(QWidget* parent) : QWidget(parent), stack_(new QVBoxLayout(this)) {
     stack_->setSpacing(theme::kCardSpacing);
+    centreColumn(static_cast<int>(mainWindowWidth));
+}
 
-    auto* centring = new QVBoxLayout(this);
-    centring->setContentsMargins(0, 0, 0, 0);
-    centring->addWidget(column, 0, Qt::AlignHCenter);
-    centring->addStretch();
+void FlippedDocumentView::centreColumn(int width) {
+    const int before = std::max(0, (width - kContentWidth) / 2);
+    const int after = std::max(0, width - kContentWidth - before);
+    stack_->setContentsMargins(before, kTopSpace, after, 0);
+}
+
+void FlippedDocumentView::resizeEvent(QResizeEvent* event) {
+    centreColumn(event->size().width());
+    QWidget::resizeEvent(event);
 }
 
 void FlippedDocumentView::addCard(QWidget* card) {
@@ -41,19 +47,19 @@ void FlippedDocumentView::addCard(QWidget* card) {
 void FlippedDocumentView::addFooter(QWidget* footer) {
     stack_->addSpacing(kFooterSpace - theme::kCardSpacing);
     stack_->addWidget(footer);
+    stack_->addStretch();
 }
 
 int FlippedDocumentView::fittingHeight() const {
     stack_->activate();
-    return stack_->hasHeightForWidth() ? stack_->totalHeightForWidth(kContentWidth)
+    return stack_->hasHeightForWidth() ? stack_->totalHeightForWidth(std::max(width(), kContentWidth))
                                        : stack_->totalSizeHint().height();
 }
 
 void FlippedDocumentView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     for (const QWidget* card : cards_) {
-        const QRect shape(card->mapTo(this, QPoint(0, 0)), card->size());
-        paintShadow(painter, shape, theme::kCardCornerRadius, theme::kCardShadow);
+        paintShadow(painter, card->geometry(), theme::kCardCornerRadius, theme::kCardShadow);
     }
 }
 

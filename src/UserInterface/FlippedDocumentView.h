@@ -25,8 +25,11 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void centreColumn(int width);
+
     QVBoxLayout* stack_;
     QList<QWidget*> cards_;
 };

@@ -52,6 +52,8 @@ MainWindowController::MainWindowController(const Collaborators& collaborators,
     if (contents.permissions.hasPendingPermissions()) {
         accordion_->setAccordion(QString::fromLatin1(kPermissionsSection), true, false);
     }
+    // Otherwise the first button would show a focus ring before anyone has touched the Tab key.
+    view_->setFocus(Qt::OtherFocusReason);
     window_->show();
     window_->raise();
     window_->activateWindow();

@@ -65,12 +65,18 @@ PermissionRowView::PermissionRowView(TovikVoicePermission permission, QWidget* p
     actionButton_->setHasGround(true);
 
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(theme::kRowSide, 0, theme::kRowGap, 0);
-    row->setSpacing(theme::kRowGap);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    // Spaces are mirrored for languages that run from right to left; margins would not be.
+    row->addSpacing(theme::kRowSide);
     row->addWidget(icon);
+    row->addSpacing(theme::kRowGap);
     row->addWidget(makeTextColumn(), 1);
+    row->addSpacing(theme::kRowGap);
     row->addWidget(makeStatusGroup());
+    row->addSpacing(theme::kRowGap);
     row->addWidget(actionButton_);
+    row->addSpacing(theme::kRowGap);
 }
 
 QWidget* PermissionRowView::makeTextColumn() {

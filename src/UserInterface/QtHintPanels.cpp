@@ -5,6 +5,7 @@
 #include "UserInterface/FloatingPanel.h"
 #include "UserInterface/FrameAnimation.h"
 
+#include <QFontMetricsF>
 #include <QLabel>
 
 #include <utility>
@@ -12,6 +13,21 @@
 namespace tovik {
 
 namespace {
+
+constexpr double kFreeSide = 4;
+constexpr double kSmallestFont = 8;
+
+/// The described font, or a smaller one where the desktop's letters are too wide for the panel.
+QFont fontThatFits(const QString& text, const HintDescription& description) {
+    QFont font = theme::font(description.fontSize, description.weight);
+    double size = description.fontSize;
+    while (QFontMetricsF(font).horizontalAdvance(text) > description.frame.width - 2 * kFreeSide &&
+           size > kSmallestFont) {
+        size -= 0.5;
+        font = theme::font(size, description.weight);
+    }
+    return font;
+}
 
 class QtHintPanel : public HintPanel {
 public:
@@ -22,7 +38,7 @@ public:
           fade_(clock, queue) {
         panel_.setObjectName(QStringLiteral("hintPanel"));
         auto* label = new QLabel(QString::fromStdString(description.text), &panel_.content());
-        label->setFont(theme::font(description.fontSize, description.weight));
+        label->setFont(fontThatFits(label->text(), description));
         QPalette palette = label->palette();
         palette.setColor(QPalette::WindowText, theme::color(Rgba::white(description.textWhite)));
         label->setPalette(palette);

@@ -89,6 +89,7 @@ inline constexpr TimingCurve kAccordionCurve{0.2, 0, 0.2, 1};
 // Toasts.
 inline constexpr Rgba kToastBackground = Rgba::white(0.1, 0.94);
 inline constexpr Rgba kToastSymbol{0.45, 0.4, 1.0};
+inline constexpr Rgba kToastEdgeOnDark = Rgba::white(1, 0.18);
 inline constexpr Rgba kToastText = Rgba::white(1);
 inline constexpr Shadow kToastShadow{0.18, 18, 6};
 inline constexpr double kToastCornerRadius = 13;

@@ -9,6 +9,7 @@
 #include <QAccessible>
 #include <QEvent>
 #include <QGraphicsOpacityEffect>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPaintEvent>
@@ -158,6 +159,13 @@ void ToastView::paintEvent(QPaintEvent* /*event*/) {
     painter.setPen(Qt::NoPen);
     painter.setBrush(theme::color(theme::kToastBackground));
     painter.drawRoundedRect(rect(), theme::kToastCornerRadius, theme::kToastCornerRadius);
+    if (theme::isDark(QGuiApplication::palette())) {
+        // Dark on dark: a faint edge shows where the pill ends.
+        painter.setPen(theme::color(theme::kToastEdgeOnDark));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), theme::kToastCornerRadius,
+                                theme::kToastCornerRadius);
+    }
 }
 
 } // namespace tovik

@@ -1,0 +1,203 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "UserInterface/Accordion.h"
+#include "UserInterface/Compositing.h"
+#include "UserInterface/FloatingPanel.h"
+#include "UserInterface/MainWindowController.h"
+#include "UserInterface/MainWindowSections.h"
+#include "UserInterface/MainWindowView.h"
+#include "UserInterface/QtHintPanels.h"
+#include "UserInterface/Theme.h"
+#include "WaveformOverlay.h"
+#include "WindowStage.h"
+#include "support/FakeScreens.h"
+#include "support/FakeWorkspace.h"
+#include "support/ManualTime.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QPainter>
+#include <QScreen>
+
+#include <cmath>
+#include <cstdio>
+
+/// Takes the pictures of docs/screenshots on whatever X server it finds: take-screenshots calls it.
+namespace tovik {
+namespace {
+
+/// Something to lie beneath the pill: a page of text.
+class Page : public QWidget {
+public:
+    Page() : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::X11BypassWindowManagerHint) {
+        setGeometry(QGuiApplication::primaryScreen()->geometry());
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.fillRect(rect(), Qt::white);
+        painter.setPen(QColor(120, 120, 120));
+        painter.setFont(theme::font(14));
+        for (int line = 1; line < height() / 24; ++line) {
+            painter.drawText(24, line * 24,
+                             QStringLiteral("The quick brown fox jumps over the lazy dog, and back again, "
+                                            "before anyone has noticed it at all."));
+        }
+    }
+};
+
+class Photographer {
+public:
+    Photographer(QString folder, QString suffix) : folder_(std::move(folder)), suffix_(std::move(suffix)) {}
+
+    /// Part of the screen, as the user sees it.
+    void takeScreen(const QString& name, const QRect& area) {
+        settle();
+        const QPixmap picture =
+            QGuiApplication::primaryScreen()->grabWindow(0, area.x(), area.y(), area.width(), area.height());
+        save(picture, name);
+    }
+
+    /// Lets the X server and a compositor catch up.
+    static void settle() {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < 250) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        }
+    }
+
+private:
+    void save(const QPixmap& picture, const QString& name) {
+        const QString file = folder_ + QLatin1Char('/') + name + suffix_ + QStringLiteral(".png");
+        std::printf("%s %s\n", picture.save(file) ? "took" : "FAILED", qPrintable(file));
+    }
+
+    QString folder_;
+    QString suffix_;
+};
+
+/// Tells of the screen that is really there.
+void fillScreen(test::FakeScreens& screens) {
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    const Rect frame{0, 0, static_cast<double>(screen.width()), static_cast<double>(screen.height())};
+    screens.setScreens({{frame, frame}});
+    screens.setPointerLocation({10, 10});
+}
+
+struct Stage {
+    test::ManualTime time;
+    test::FakeScreens screens;
+    test::FakeWorkspace workspace;
+    DesktopCompositing compositing;
+
+    Stage() { fillScreen(screens); }
+};
+
+QRect around(const Rect& frame, int margin) {
+    return QRect(static_cast<int>(frame.x), static_cast<int>(frame.y), static_cast<int>(frame.width),
+                 static_cast<int>(frame.height))
+        .adjusted(-margin, -margin, margin, margin);
+}
+
+void takePills(Photographer& photographer) {
+    Stage stage;
+    Page page;
+    page.show();
+    struct Picture {
+        const char* name;
+        Seconds elapsed;
+        bool speaking;
+    };
+    for (const Picture& picture :
+         {Picture{"pill-silent", Seconds{2}, false}, Picture{"pill-speaking", Seconds{12}, true},
+          Picture{"pill-hour", Seconds{3605}, true}}) {
+        WaveformOverlay overlay(stage.time, stage.time, stage.screens, stage.workspace, stage.compositing);
+        overlay.show(stage.time.now() - std::chrono::duration_cast<Date::duration>(picture.elapsed));
+        stage.time.advance(Seconds{0.2});
+        for (int index = 0; picture.speaking && index < 40; ++index) {
+            overlay.setLevel(static_cast<float>(std::abs(std::sin(index * 0.7) * std::sin(index * 0.23))));
+        }
+        photographer.takeScreen(QString::fromLatin1(picture.name),
+                                around(overlay.window()->panelFrame(), 24));
+    }
+    QtHintPanels panels(stage.time, stage.time, stage.compositing);
+    const auto screen = stage.screens.mainScreen()->frame;
+    const HintDescription hints[] = {{"Fn+Shift for hands-free · release Fn to stop",
+                                      {screen.midX() - 142, screen.bottom() - 30 - 60, 284, 28},
+                                      10.5,
+                                      FontWeight::medium,
+                                      0.82},
+                                     {"Hands-free · Fn+Shift to finish",
+                                      {screen.midX() - 108, screen.bottom() - 30 - 60, 216, 28},
+                                      12,
+                                      FontWeight::semibold,
+                                      0.86}};
+    const char* names[] = {"hint-tip", "hint-hands-free"};
+    for (int index = 0; index < 2; ++index) {
+        const auto panel = panels.makePanel(hints[index]);
+        panel->fadeIn(Seconds{0.2});
+        stage.time.advance(Seconds{0.2});
+        photographer.takeScreen(QString::fromLatin1(names[index]), around(hints[index].frame, 24));
+    }
+}
+
+void takeWindow(Photographer& photographer, test::WindowStage& stage, const QString& name) {
+    Photographer::settle();
+    photographer.takeScreen(name, stage.controller->window().frameGeometry());
+}
+
+void takeWindows(Photographer& photographer, const QString& prefix) {
+    test::WindowStage granted;
+    fillScreen(granted.screens);
+    granted.build();
+    takeWindow(photographer, granted, prefix + QStringLiteral("collapsed"));
+    for (const SectionHeader& section : mainWindowSections(false)) {
+        const QString title = QString::fromStdString(section.title);
+        granted.controller->accordion().setAccordion(title, true, false);
+        granted.controller->view().setScrollOffset(section.title == kPermissionsSection ? 1000 : 0);
+        takeWindow(photographer, granted,
+                   prefix + QStringLiteral("open-") +
+                       title.toLower().replace(QLatin1Char(' '), QLatin1Char('-')));
+        granted.controller->accordion().setAccordion(title, false, false);
+    }
+    granted.controller->showSavedToast("Input device saved");
+    granted.time.advance(Seconds{0.2});
+    takeWindow(photographer, granted, prefix + QStringLiteral("toast"));
+    granted.controller.reset();
+
+    test::WindowStage pending;
+    fillScreen(pending.screens);
+    pending.leavePermissionsPending();
+    pending.build();
+    takeWindow(photographer, pending, prefix + QStringLiteral("permissions-pending"));
+}
+
+QPalette darkPalette() {
+    QPalette palette(QColor(60, 60, 64), QColor(32, 32, 35));
+    palette.setColor(QPalette::WindowText, QColor(235, 235, 238));
+    palette.setColor(QPalette::Text, QColor(235, 235, 238));
+    palette.setColor(QPalette::ButtonText, QColor(235, 235, 238));
+    palette.setColor(QPalette::Base, QColor(24, 24, 27));
+    return palette;
+}
+
+} // namespace
+} // namespace tovik
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() != 3) {
+        std::fprintf(stderr, "usage: %s FOLDER SUFFIX\n", argv[0]);
+        return 2;
+    }
+    tovik::Photographer photographer(arguments[1], arguments[2]);
+    tovik::takePills(photographer);
+    tovik::takeWindows(photographer, QStringLiteral("window-"));
+    QApplication::setPalette(tovik::darkPalette());
+    tovik::takeWindows(photographer, QStringLiteral("window-dark-"));
+    return 0;
+}

@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "UserInterface/TovikTinyWaveformView.h"
+
+#include "support/ManualTime.h"
+
+#include <QCoreApplication>
+#include <QHideEvent>
+
+#include <gtest/gtest.h>
+
+namespace tovik {
+namespace {
+
+struct TovikTinyWaveformViewTest : testing::Test {
+    test::ManualTime time;
+    QWidget window;
+    TovikTinyWaveformView* view = new TovikTinyWaveformView(time, &window);
+};
+
+TEST_F(TovikTinyWaveformViewTest, outOfSight_nothingRuns) {
+    EXPECT_FALSE(view->isAnimating());
+    EXPECT_EQ(time.pendingCount(), 0U);
+}
+
+TEST_F(TovikTinyWaveformViewTest, inSight_swaysTwentyFourTimesASecond) {
+    window.show();
+    EXPECT_TRUE(view->isAnimating());
+    EXPECT_EQ(view->phase(), 0);
+    time.advance(Seconds{1.001});
+    EXPECT_NEAR(view->phase(), 24 * 0.16, 1e-9);
+}
+
+TEST_F(TovikTinyWaveformViewTest, whenShownTwice_hasOneTimer) {
+    window.show();
+    QShowEvent again;
+    QCoreApplication::sendEvent(view, &again);
+    EXPECT_EQ(time.pendingCount(), 1U);
+}
+
+TEST_F(TovikTinyWaveformViewTest, whenTheWindowIsHidden_stops) {
+    window.show();
+    window.hide();
+    EXPECT_FALSE(view->isAnimating());
+    EXPECT_EQ(time.pendingCount(), 0U);
+}
+
+TEST_F(TovikTinyWaveformViewTest, whenItLeavesTheWindow_stops) {
+    window.show();
+    view->setParent(nullptr);
+    EXPECT_FALSE(view->isAnimating());
+    EXPECT_EQ(time.pendingCount(), 0U);
+    delete view;
+}
+
+TEST_F(TovikTinyWaveformViewTest, whenShownAgain_goesOnFromItsPhase) {
+    window.show();
+    time.advance(Seconds{0.5});
+    const double reached = view->phase();
+    window.hide();
+    time.advance(Seconds{1});
+    EXPECT_EQ(view->phase(), reached);
+    window.show();
+    time.advance(Seconds{0.1});
+    EXPECT_GT(view->phase(), reached);
+}
+
+} // namespace
+} // namespace tovik

@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Permissions/Installation.h"
+#include "Permissions/PermissionChecklist.h"
+#include "Permissions/PermissionRequests.h"
+#include "UserInterface/MainWindowController.h"
+#include "support/FakeAlert.h"
+#include "support/FakeAuthorization.h"
+#include "support/FakeFiles.h"
+#include "support/FakeProcessLauncher.h"
+#include "support/FakeScreens.h"
+#include "support/FakeWorkspace.h"
+#include "support/ManualTime.h"
+#include "support/RecordingLog.h"
+
+#include <QPoint>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tovik::test {
+
+/// A main window with the real permission logic on a desktop of fakes.
+struct WindowStage {
+    /// Lets the permission logic speak to a window that is made after it.
+    struct Forward : MainWindow {
+        void present() override { target->present(); }
+        void showSavedToast(const std::string& text) override { target->showSavedToast(text); }
+        void reloadHistoryTable() override { target->reloadHistoryTable(); }
+        void refreshPermissions() override { target->refreshPermissions(); }
+        MainWindow* target = nullptr;
+    };
+
+    ManualTime time;
+    FakeScreens screens;
+    FakeWorkspace workspace;
+    FakeAuthorization authorization;
+    FakeFiles files;
+    FakeProcessLauncher launcher;
+    FakeAlert alert;
+    RecordingLog log;
+    Forward forward;
+    std::vector<QPoint> menuPopUps;
+    std::vector<std::string> openedLinks;
+
+    PermissionChecklist checklist{authorization, macInstallLocations()};
+    Installation installation{{authorization, files, workspace, launcher, alert, time, forward, [] {}},
+                              macInstallLocations()};
+    PermissionRequests requests{{authorization, time, log, workspace, forward, checklist, installation}};
+    std::unique_ptr<MainWindowController> controller;
+
+    /// Once the fakes stand as the test wants them.
+    void build() {
+        controller = std::make_unique<MainWindowController>(
+            MainWindowController::Collaborators{time, time, screens,
+                                                [this](const QPoint& at) { menuPopUps.push_back(at); }},
+            MainWindowContents{checklist, requests, nullptr, [this] { openedLinks.emplace_back("updates"); },
+                               [this] { openedLinks.emplace_back("website"); }});
+        forward.target = controller.get();
+    }
+
+    void leavePermissionsPending() {
+        authorization.setMicrophoneStatus(2);
+        authorization.setSpeechStatus(0);
+        authorization.setTrusted(false);
+    }
+};
+
+} // namespace tovik::test
