@@ -22,6 +22,12 @@ void chooseWindowSystem() {
     setenv("QT_QPA_PLATFORM", "xcb", 0);
 }
 
+/// Not quit(), which asks every window first: ours answers a request to close by hiding, and that counts as a
+/// refusal.
+void endEventLoop() {
+    QApplication::exit(EXIT_SUCCESS);
+}
+
 int refuse(const std::string& sentence) {
     std::fprintf(stderr, "Tovik Record cannot start: %s\n", sentence.c_str());
     return EXIT_FAILURE;
@@ -60,7 +66,7 @@ int main(int argc, char** argv) {
                             desktop.log());
     AppDelegate delegate(desktop.describe(windows, [&instance] {
         instance.release();
-        QApplication::quit();
+        endEventLoop();
     }));
     desktop.log().logLine("[TovikVoice] Created AppDelegate");
 
@@ -71,7 +77,7 @@ int main(int argc, char** argv) {
                              delegate.applicationDidBecomeActive();
                          }
                      });
-    const TerminationSignals termination([] { QApplication::quit(); });
+    const TerminationSignals termination(endEventLoop);
     // The window shows how the permissions stand, and the sound server tells within milliseconds.
     desktop.whenSoundIsKnown([&] {
         delegate.applicationDidFinishLaunching();
