@@ -35,7 +35,10 @@ class Desktop:
         return self
 
     def __exit__(self, *_) -> None:
-        self._display.close()
+        try:
+            self._display.close()
+        except error.ConnectionClosedError:
+            pass  # The server was quicker.
 
     def paint_background(self, red: int, green: int, blue: int) -> None:
         self._root.change_attributes(background_pixel=red << 16 | green << 8 | blue)
