@@ -39,6 +39,12 @@ bool isSelf(const std::optional<RunningApplication>& application) {
     return application && application->processIdentifier == getpid();
 }
 
+/// The model of the Debian package, unless the user has another one.
+ModelFiles speechModel(const UserDefaults& defaults) {
+    const auto folder = defaults.string("platform.speechModel");
+    return folder ? ModelFiles::in(*folder) : ModelFiles::unitedStatesEnglish();
+}
+
 } // namespace
 
 LinuxPlatform::LinuxPlatform()
@@ -57,7 +63,7 @@ LinuxPlatform::LinuxPlatform()
       devices_(soundServer_, queue_, defaults_),
       engine_(soundServer_, devices_.directory()),
       microphoneAccess_(soundServer_, devices_.directory()),
-      speech_(log_),
+      speech_(log_, speechModel(defaults_)),
       translator_(queue_, log_),
       session_(X11Session::examine()),
       authorization_(queue_, alert_, authorizationAnswers()),
@@ -73,6 +79,9 @@ LinuxPlatform::LinuxPlatform()
       usedLog_(&log_),
       usedKeyMonitor_(&keyMonitor_),
       usedEngine_(&engine_) {
+    if (!session_.sentence.empty()) {
+        log_.printLine("[TovikVoice] " + session_.sentence);
+    }
     if (const auto path = environment("TOVIK_TIMINGS"); !path.empty()) {
         wrapForTimings(path);
     }

@@ -47,8 +47,11 @@ Result<void> checkFile(const fs::path& file, std::string_view beginning) {
 } // namespace
 
 ModelFiles ModelFiles::unitedStatesEnglish() {
-    const fs::path root = "/usr/share/pocketsphinx/model/en-us";
-    return {root / "en-us", root / "en-us.lm.bin", root / "cmudict-en-us.dict"};
+    return in("/usr/share/pocketsphinx/model/en-us");
+}
+
+ModelFiles ModelFiles::in(const fs::path& folder) {
+    return {folder / "en-us", folder / "en-us.lm.bin", folder / "cmudict-en-us.dict"};
 }
 
 Result<void> ModelFiles::check() const {

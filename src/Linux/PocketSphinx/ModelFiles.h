@@ -16,6 +16,8 @@ struct ModelFiles {
 
     /// The United States English model of Debian's package pocketsphinx-en-us.
     [[nodiscard]] static ModelFiles unitedStatesEnglish();
+    /// A model in a folder laid out as that of the package: en-us/, en-us.lm.bin, cmudict-en-us.dict.
+    [[nodiscard]] static ModelFiles in(const std::filesystem::path& folder);
 
     /// Whether the files are there and whole enough to be loaded. The error says which one is not, and what
     /// to install. Reads a few bytes of each file.
