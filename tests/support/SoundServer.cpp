@@ -152,15 +152,16 @@ void SoundServer::thaw() {
 }
 
 VirtualMicrophone& SoundServer::plugIn(const std::string& name, const std::string& description,
-                                       unsigned sampleRate) {
+                                       unsigned sampleRate, unsigned channelCount) {
     const auto pipe = folder_ + "/" + name + ".pipe";
-    auto module = control({"load-module", "module-pipe-source", "source_name=" + name, "file=" + pipe,
-                           "format=s16le", "channels=1", "rate=" + std::to_string(sampleRate),
-                           "source_properties=\"device.description='" + description + "'\""});
+    auto module =
+        control({"load-module", "module-pipe-source", "source_name=" + name, "file=" + pipe, "format=s16le",
+                 "channels=" + std::to_string(channelCount), "rate=" + std::to_string(sampleRate),
+                 "source_properties=\"device.description='" + description + "'\""});
     modules_[name] = module.substr(0, module.find('\n'));
     waitUntil("microphone " + name, [&] { return lists(name); });
     auto& place = microphones_[name];
-    place = std::make_unique<VirtualMicrophone>(pipe, sampleRate);
+    place = std::make_unique<VirtualMicrophone>(pipe, sampleRate, channelCount);
     return *place;
 }
 
@@ -196,7 +197,8 @@ std::optional<std::string> SoundServer::run(const std::vector<std::string>& comm
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
     const auto log = folder_ + "/pactl.log";
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, log.c_str(), O_WRONLY | O_CREAT | O_APPEND,
+                                     0600);
     std::vector<std::string> whole{"pactl"};
     whole.insert(whole.end(), command.begin(), command.end());
     const auto process = spawnProcess(whole, environment_, actions);

@@ -43,7 +43,7 @@ public:
 
     /// Adds a microphone in which nobody speaks yet; returns when the server lists it.
     VirtualMicrophone& plugIn(const std::string& name, const std::string& description,
-                              unsigned sampleRate = 48000);
+                              unsigned sampleRate = 48000, unsigned channelCount = 1);
     /// Returns when the server no longer lists it.
     void unplug(const std::string& name);
     void setDefaultSource(const std::string& name);

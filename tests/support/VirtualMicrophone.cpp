@@ -24,11 +24,13 @@ constexpr std::chrono::milliseconds kPace{2};
 // A server that listens reads more often than this.
 constexpr std::chrono::milliseconds kPatience{100};
 constexpr int kFirstNumber = -30000;
+constexpr std::int16_t kHum = 16000;
 
 } // namespace
 
-VirtualMicrophone::VirtualMicrophone(const std::string& pipe, unsigned sampleRate)
+VirtualMicrophone::VirtualMicrophone(const std::string& pipe, unsigned sampleRate, unsigned channelCount)
     : sampleRate_(sampleRate),
+      channelCount_(channelCount),
       pipe_(open(pipe.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC)) {
     if (pipe_ < 0) {
         throw std::runtime_error("cannot open " + pipe);
@@ -67,6 +69,7 @@ void VirtualMicrophone::run() {
     auto lastRead = start - kPatience;
     int leftInPipe = 0;
     std::vector<std::int16_t> chunk;
+    std::vector<std::int16_t> interleaved;
     std::vector<char> unheard(65536);
     while (!ending_) {
         const auto turn = Time::now();
@@ -79,7 +82,11 @@ void VirtualMicrophone::run() {
         } else if (turn - lastRead > kPatience) {
             [[maybe_unused]] const auto dropped = read(pipe_, unheard.data(), unheard.size());
         }
-        [[maybe_unused]] const auto written = write(pipe_, chunk.data(), chunk.size() * 2);
+        interleaved.assign(chunk.size() * channelCount_, kHum);
+        for (std::size_t frame = 0; frame < chunk.size(); ++frame) {
+            interleaved[frame * channelCount_] = chunk[frame];
+        }
+        [[maybe_unused]] const auto written = write(pipe_, interleaved.data(), interleaved.size() * 2);
         leftInPipe = unread();
         frames_ = due;
         std::this_thread::sleep_until(turn + kPace);

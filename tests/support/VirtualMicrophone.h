@@ -14,12 +14,13 @@
 
 namespace tovik::test {
 
-/// Sound in real time for a sound server that reads samples (signed 16 bit, one channel) from a named pipe.
-/// Hears silence until it is told something. As with a real microphone, what is not listened to is gone.
+/// Sound in real time for a sound server that reads samples (signed 16 bit) from a named pipe. Hears silence
+/// until it is told something; a second channel always hears a loud hum. As with a real microphone, what is
+/// not listened to is gone.
 class VirtualMicrophone {
 public:
     /// The pipe must exist.
-    VirtualMicrophone(const std::string& pipe, unsigned sampleRate);
+    VirtualMicrophone(const std::string& pipe, unsigned sampleRate, unsigned channelCount = 1);
     ~VirtualMicrophone();
     VirtualMicrophone(const VirtualMicrophone&) = delete;
     VirtualMicrophone& operator=(const VirtualMicrophone&) = delete;
@@ -46,6 +47,7 @@ private:
     void speakNext(std::vector<std::int16_t>& chunk);
 
     const unsigned sampleRate_;
+    const unsigned channelCount_;
     int pipe_;
     std::atomic<std::uint64_t> frames_ = 0;
     std::atomic<std::size_t> toSpeak_ = 0;
