@@ -14,7 +14,7 @@ namespace tovik {
 
 namespace {
 
-constexpr UChar32 kAsciiEnd = 0x80;
+constexpr char16_t kAsciiEnd = 0x80;
 
 char16_t asciiLower(char16_t unit) {
     return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
@@ -42,8 +42,12 @@ void appendFolded(std::u16string& folded, std::int32_t character) {
 }
 
 FoldedText::FoldedText(std::u16string_view text) {
-    folded_.reserve(text.size());
+    folded_.resize(text.size());
     std::size_t position = 0;
+    for (; position < text.size() && text[position] < kAsciiEnd; ++position) {
+        folded_[position] = asciiLower(text[position]);
+    }
+    folded_.resize(position);
     while (position < text.size()) {
         const auto begin = folded_.size();
         const auto [character, length] = characterAt(text, position);

@@ -4,62 +4,31 @@
 
 #include "Speech/CharacterClasses.h"
 #include "Speech/FoldedText.h"
-#include "Speech/NumberWords.h"
-
-#include <unordered_set>
+#include "Speech/KnownWords.h"
 
 namespace tovik {
 
 namespace {
 
-/// The longest number words are "seventeen" and "thousand".
-constexpr std::size_t kLongestWord = 9;
+const std::u16string kOneToNineteenWords = u"one|two|three|four|five|six|seven|eight|nine|ten|eleven|twelve|"
+                                           u"thirteen|fourteen|fifteen|sixteen|seventeen|"
+                                           u"eighteen|nineteen";
+const std::u16string kTensWords = u"twenty|thirty|forty|fifty|sixty|seventy|eighty|ninety";
+const std::u16string kScaleWords = u"hundred|thousand|million|billion";
 
-/// Which words may stand in a run.
-struct WordSet {
-    bool zero;
-    bool scales;
-
-    [[nodiscard]] bool contains(std::u16string_view word) const {
-        static const std::unordered_set<std::u16string_view> kScales{u"hundred", u"thousand", u"million",
-                                                                     u"billion"};
-        if (const auto ones = onesValue(word)) {
-            return zero || *ones > 0;
-        }
-        return tensValue(word).has_value() || (scales && kScales.contains(word));
-    }
-};
-
-constexpr WordSet kNumberWords{true, true};
-constexpr WordSet kDollarWords{false, true};
-constexpr WordSet kCentWords{false, false};
-
-bool isLetter(char16_t unit) {
-    return unit >= u'a' && unit <= u'z';
+const KnownWords& centWords() {
+    static const KnownWords words(kOneToNineteenWords + u"|" + kTensWords);
+    return words;
 }
 
-/// Where the number word at a position ends; nothing when none is there. Letters may be of either case or
-/// any form that folds to them.
-std::optional<std::size_t> wordEnd(std::u16string_view text, std::size_t position, WordSet words) {
-    std::u16string folded;
-    while (position < text.size()) {
-        const auto [character, length] = characterAt(text, position);
-        const auto before = folded.size();
-        appendFolded(folded, character);
-        bool isWordPart = folded.size() <= kLongestWord;
-        for (auto i = before; i < folded.size(); ++i) {
-            isWordPart = isWordPart && isLetter(folded[i]);
-        }
-        if (!isWordPart) {
-            folded.resize(before);
-            break;
-        }
-        position += length;
-    }
-    if (folded.empty() || !words.contains(folded)) {
-        return std::nullopt;
-    }
-    return position;
+const KnownWords& dollarWords() {
+    static const KnownWords words(kOneToNineteenWords + u"|" + kTensWords + u"|" + kScaleWords);
+    return words;
+}
+
+const KnownWords& numberWords() {
+    static const KnownWords words(u"zero|" + kOneToNineteenWords + u"|" + kTensWords + u"|" + kScaleWords);
+    return words;
 }
 
 std::size_t skipWhiteSpace(std::u16string_view text, std::size_t position) {
@@ -94,13 +63,13 @@ struct Run {
 };
 
 template <typename Separator>
-Run runAt(std::u16string_view text, std::size_t position, WordSet words, Separator skipSeparator) {
+Run runAt(std::u16string_view text, std::size_t position, const KnownWords& words, Separator skipSeparator) {
     Run run{0, position, position};
     auto next = position;
-    while (const auto end = wordEnd(text, next, words)) {
-        run = {run.words + 1, *end, run.end};
-        next = skipSeparator(text, *end);
-        if (next == *end) {
+    for (auto end = words.endAt(text, next); end != KnownWords::npos; end = words.endAt(text, next)) {
+        run = {run.words + 1, end, run.end};
+        next = skipSeparator(text, end);
+        if (next == end) {
             break;
         }
     }
@@ -135,7 +104,7 @@ std::optional<Cents> centsAt(std::u16string_view text, std::size_t position) {
     }
     const auto words = skipWhiteSpace(text, andEnd);
     const auto run =
-        words == andEnd ? Run{0, words, words} : runAt(text, words, kCentWords, skipCurrencySeparator);
+        words == andEnd ? Run{0, words, words} : runAt(text, words, centWords(), skipCurrencySeparator);
     const auto end = run.words == 0 ? std::nullopt : unitEnd(text, run.end, u"cent");
     if (!end || !isWordBoundary(text, *end)) {
         return std::nullopt;
@@ -164,66 +133,46 @@ private:
     std::size_t copied_ = 0;
 };
 
-std::size_t afterCharacterAt(std::u16string_view text, std::size_t position) {
-    return position + characterAt(text, position).length;
-}
-
 } // namespace
 
 std::u16string replaceCurrencyRuns(std::u16string_view text, const CurrencyFormat& format) {
     Rewriter rewriter(text);
-    for (std::size_t position = 0; position < text.size();) {
-        const auto firstEnd = wordEnd(text, position, kDollarWords);
-        if (!firstEnd || !isWordBoundary(text, position)) {
-            position = afterCharacterAt(text, position);
-            continue;
-        }
+    auto start = dollarWords().nextStart(text, 0);
+    while (start != KnownWords::npos) {
         // The unit can only follow the last word of the whole run, so a run without one is done with.
-        const auto run = runAt(text, position, kDollarWords, skipCurrencySeparator);
+        const auto run = runAt(text, start, dollarWords(), skipCurrencySeparator);
+        TextRange match{start, run.end};
         const auto unit = run.words < 2 ? std::nullopt : unitEnd(text, run.end, u"dollar");
-        if (!unit) {
-            position = run.end;
-            continue;
+        const auto cents = unit ? centsAt(text, *unit) : std::nullopt;
+        if (cents || (unit && isWordBoundary(text, *unit))) {
+            match.end = cents ? cents->end : *unit;
+            const auto centsPart = cents ? std::optional(rangeOf(text, cents->words)) : std::nullopt;
+            if (const auto written = format(rangeOf(text, {start, run.end}), centsPart)) {
+                rewriter.replace(match, *written);
+            }
         }
-        const auto cents = centsAt(text, *unit);
-        if (!cents && !isWordBoundary(text, *unit)) {
-            position = run.end;
-            continue;
-        }
-        const TextRange match{position, cents ? cents->end : *unit};
-        const auto centWords = cents ? std::optional(rangeOf(text, cents->words)) : std::nullopt;
-        if (const auto written = format(rangeOf(text, {position, run.end}), centWords)) {
-            rewriter.replace(match, *written);
-        }
-        position = match.end;
+        start = dollarWords().nextStart(text, match.end);
     }
     return rewriter.finished();
 }
 
 std::u16string replaceNumberRuns(std::u16string_view text, const NumberFormat& format) {
     Rewriter rewriter(text);
-    for (std::size_t position = 0; position < text.size();) {
-        const auto firstEnd = wordEnd(text, position, kNumberWords);
-        if (!firstEnd || !isWordBoundary(text, position)) {
-            position = afterCharacterAt(text, position);
-            continue;
-        }
-        auto run = runAt(text, position, kNumberWords, skipNumberSeparator);
-        if (!isWordBoundary(text, run.end)) {
+    auto start = numberWords().nextStart(text, 0);
+    while (start != KnownWords::npos) {
+        auto run = runAt(text, start, numberWords(), skipNumberSeparator);
+        if (run.words > 1 && !isWordBoundary(text, run.end)) {
             // The last word goes on as something else; the words before it still stand for themselves.
             run = {run.words - 1, run.previousEnd, run.previousEnd};
         }
-        if (run.words < 2) {
-            position = *firstEnd;
-            continue;
+        const TextRange match{start, run.end};
+        const bool followsDollarSign = start > 0 && text[start - 1] == u'$';
+        if (run.words > 1 && !followsDollarSign) {
+            if (const auto written = format(rangeOf(text, match))) {
+                rewriter.replace(match, *written);
+            }
         }
-        const TextRange match{position, run.end};
-        const bool followsDollarSign = position > 0 && text[position - 1] == u'$';
-        const auto written = followsDollarSign ? std::nullopt : format(rangeOf(text, match));
-        if (written) {
-            rewriter.replace(match, *written);
-        }
-        position = match.end;
+        start = numberWords().nextStart(text, match.end);
     }
     return rewriter.finished();
 }

@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <unordered_map>
+#include <vector>
 
 namespace tovik {
 
@@ -134,12 +136,14 @@ std::u16string writtenOrdinal(int value) {
 }
 
 std::optional<int> monthNumber(std::u16string_view word) {
-    for (std::size_t i = 0; i < kMonths.size(); ++i) {
-        if (lowerCased(kMonths[i]) == word) {
-            return static_cast<int>(i) + 1;
-        }
-    }
-    return std::nullopt;
+    static const auto lowerNames = [] {
+        std::vector<std::u16string> names;
+        std::transform(kMonths.begin(), kMonths.end(), std::back_inserter(names), lowerCased);
+        return names;
+    }();
+    const auto found = std::find(lowerNames.begin(), lowerNames.end(), word);
+    return found == lowerNames.end() ? std::nullopt
+                                     : std::optional(static_cast<int>(found - lowerNames.begin()) + 1);
 }
 
 std::u16string_view monthName(int number) {

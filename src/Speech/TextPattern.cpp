@@ -69,6 +69,30 @@ std::u16string TextPattern::escaped(std::u16string_view literal) {
 }
 
 Result<bool> TextPattern::replaceAll(std::u16string& text, const Replacement& replacement) const {
+    return replaceFound(
+        text,
+        [](icu::RegexMatcher& matcher, std::size_t, UErrorCode& status) { return matcher.find(status) != 0; },
+        replacement);
+}
+
+Result<bool> TextPattern::replaceAll(std::u16string& text, const KnownWords& firstWords,
+                                     const Replacement& replacement) const {
+    const auto search = [&](icu::RegexMatcher& matcher, std::size_t from, UErrorCode& status) {
+        for (auto start = firstWords.nextStart(text, from); start != KnownWords::npos;
+             start = firstWords.nextStart(text, start + 1)) {
+            if (matcher.lookingAt(static_cast<std::int64_t>(start), status)) {
+                return true;
+            }
+        }
+        return false;
+    };
+    // Most texts have no such word.
+    const auto first = firstWords.nextStart(text, 0);
+    return first == KnownWords::npos ? Result<bool>(false) : replaceFound(text, search, replacement);
+}
+
+Result<bool> TextPattern::replaceFound(std::u16string& text, const Search& search,
+                                       const Replacement& replacement) const {
     if (text.size() > kLongestText) {
         return faultOf("the text is too long");
     }
@@ -84,16 +108,16 @@ Result<bool> TextPattern::replaceAll(std::u16string& text, const Replacement& re
 
     std::u16string result;
     std::size_t copied = 0;
+    std::size_t searched = 0;
     bool replaced = false;
-    while (matcher->find(status) && U_SUCCESS(status)) {
-        const auto inserted = replacement(TextMatch(*matcher, text));
-        if (!inserted) {
-            continue;
-        }
+    while (search(*matcher, searched, status) && U_SUCCESS(status)) {
         const auto start = static_cast<std::size_t>(matcher->start(status));
-        result.append(text, copied, start - copied).append(*inserted);
-        copied = static_cast<std::size_t>(matcher->end(status));
-        replaced = true;
+        searched = static_cast<std::size_t>(matcher->end(status));
+        if (const auto inserted = replacement(TextMatch(*matcher, text))) {
+            result.append(text, copied, start - copied).append(*inserted);
+            copied = searched;
+            replaced = true;
+        }
         if (result.size() > kLongestText) {
             return faultOf("the result is too long");
         }

@@ -136,12 +136,13 @@ std::u16string wordsFrom(const std::vector<std::u16string_view>& words, std::siz
 } // namespace
 
 TranscriptionFormatter::Step TranscriptionFormatter::makeStep(const char* name,
+                                                              std::u16string_view firstWords,
                                                               std::u16string_view expression) {
     auto pattern = TextPattern::compile(expression);
     if (!pattern) {
         throw std::logic_error(std::string("invalid pattern: ") + name);
     }
-    return {name, std::move(*pattern)};
+    return {name, KnownWords(firstWords), std::move(*pattern)};
 }
 
 TranscriptionFormatter::TranscriptionFormatter(const UserDefaults& defaults, SystemLog& log,
@@ -149,12 +150,13 @@ TranscriptionFormatter::TranscriptionFormatter(const UserDefaults& defaults, Sys
     : defaults_(defaults),
       log_(log),
       decimal_(locale),
-      singleWordCurrency_(makeStep("formatCurrency", singleWordCurrencyExpression())),
-      datesWithThe_(makeStep("formatDates", dateExpression(joined({kSpaces, u"the", kSpaces})))),
-      dates_(makeStep("formatDates", dateExpression(kSpaces))),
-      times_(makeStep("formatTimes", timeExpression())),
-      wholeHours_(makeStep("formatTimes", wholeHourExpression())),
-      ordinals_(makeStep("formatOrdinals", ordinalExpression())) {}
+      singleWordCurrency_(makeStep("formatCurrency", joined({kDigitWords, u"|", kTeenWords, u"|", kTenWords}),
+                                   singleWordCurrencyExpression())),
+      datesWithThe_(makeStep("formatDates", kMonthWords, dateExpression(joined({kSpaces, u"the", kSpaces})))),
+      dates_(makeStep("formatDates", kMonthWords, dateExpression(kSpaces))),
+      times_(makeStep("formatTimes", kHourWords, timeExpression())),
+      wholeHours_(makeStep("formatTimes", kHourWords, wholeHourExpression())),
+      ordinals_(makeStep("formatOrdinals", u"the", ordinalExpression())) {}
 
 bool TranscriptionFormatter::isEnabled() const {
     return defaults_.boolean(enabledKey).value_or(true);
@@ -290,7 +292,7 @@ void TranscriptionFormatter::formatSpokenNumbers(std::u16string& text) const {
 
 void TranscriptionFormatter::replaceAll(std::u16string& text, const Step& step,
                                         const TextPattern::Replacement& replacement) const {
-    if (const auto replaced = step.pattern.replaceAll(text, replacement); !replaced) {
+    if (const auto replaced = step.pattern.replaceAll(text, step.firstWords, replacement); !replaced) {
         reportTextFault(log_, step.name, replaced.error().description);
     }
 }

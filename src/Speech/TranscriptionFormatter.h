@@ -5,6 +5,7 @@
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
 #include "Speech/DecimalFormat.h"
+#include "Speech/KnownWords.h"
 #include "Speech/TextPattern.h"
 
 #include <cstdint>
@@ -37,9 +38,11 @@ public:
     [[nodiscard]] static std::int64_t parseSpokenYear(std::u16string_view words);
 
 private:
-    /// A pattern and the name of its step, for the log.
     struct Step {
+        /// For the log.
         const char* name;
+        /// What every match of the pattern begins with.
+        KnownWords firstWords;
         TextPattern pattern;
     };
     struct DateGroups {
@@ -48,7 +51,7 @@ private:
         int year;
     };
 
-    static Step makeStep(const char* name, std::u16string_view expression);
+    static Step makeStep(const char* name, std::u16string_view firstWords, std::u16string_view expression);
 
     void formatCurrency(std::u16string& text) const;
     void formatDates(std::u16string& text) const;
