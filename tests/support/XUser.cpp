@@ -53,9 +53,20 @@ XUser::XUser(const std::string& display) : connection_(std::make_unique<Connecti
 XUser::~XUser() = default;
 
 unsigned XUser::keyCode(const std::string& key) const {
-    Display* const display = connection_->display;
+    const auto found = findKey(key);
+    if (found == 0) {
+        throw std::runtime_error("no key " + key);
+    }
+    return found;
+}
+
+bool XUser::hasKey(const std::string& key) const {
+    return findKey(key) != 0;
+}
+
+unsigned XUser::findKey(const std::string& key) const {
     const KeySym keysym = XStringToKeysym(key.c_str());
-    XkbDescPtr keyboard = XkbGetMap(display, XkbKeySymsMask, XkbUseCoreKbd);
+    XkbDescPtr keyboard = XkbGetMap(connection_->display, XkbKeySymsMask, XkbUseCoreKbd);
     unsigned found = 0;
     for (unsigned code = keyboard->min_key_code; found == 0 && code <= keyboard->max_key_code; ++code) {
         for (int index = 0; index < XkbKeyNumSyms(keyboard, code); ++index) {
@@ -65,10 +76,25 @@ unsigned XUser::keyCode(const std::string& key) const {
         }
     }
     XkbFreeKeyboard(keyboard, XkbAllComponentsMask, True);
-    if (found == 0) {
-        throw std::runtime_error("no key " + key);
-    }
     return found;
+}
+
+std::vector<unsigned> XUser::unusedKeyCodes() const {
+    XkbDescPtr keyboard = XkbGetMap(connection_->display, XkbKeySymsMask, XkbUseCoreKbd);
+    std::vector<unsigned> unused;
+    for (unsigned code = keyboard->min_key_code; code <= keyboard->max_key_code; ++code) {
+        if (XkbKeyNumSyms(keyboard, code) == 0) {
+            unused.push_back(code);
+        }
+    }
+    XkbFreeKeyboard(keyboard, XkbAllComponentsMask, True);
+    return unused;
+}
+
+void XUser::remap(unsigned code, const std::string& key) {
+    KeySym meanings[] = {XStringToKeysym(key.c_str()), XStringToKeysym(key.c_str())};
+    XChangeKeyboardMapping(connection_->display, static_cast<int>(code), 2, meanings, 1);
+    sync();
 }
 
 void XUser::press(const std::string& key) {

@@ -5,6 +5,7 @@
 #include <bitset>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tovik::test {
 
@@ -23,12 +24,18 @@ public:
     void releaseCode(unsigned code);
     [[nodiscard]] unsigned keyCode(const std::string& key) const;
 
+    [[nodiscard]] bool hasKey(const std::string& key) const;
+    /// Key codes that the layout gives no meaning.
+    [[nodiscard]] std::vector<unsigned> unusedKeyCodes() const;
+
     [[nodiscard]] std::bitset<256> heldKeys() const;
     /// Lets go of everything, and undoes locks and groups.
     void letGo();
 
     /// Replaces the keyboard layout, by setxkbmap's arguments.
     void setLayout(const std::string& arguments);
+    /// Gives one key another meaning, until the layout is set again.
+    void remap(unsigned code, const std::string& key);
     /// Makes a group of the layout the active one.
     void switchToGroup(unsigned group);
     void lockModifiers(unsigned modifiers);
@@ -60,6 +67,7 @@ public:
 private:
     struct Connection;
     [[nodiscard]] long rootNumber(const char* property) const;
+    [[nodiscard]] unsigned findKey(const std::string& key) const;
     void toRoot(unsigned long window, const char* message, long first, long second);
 
     std::unique_ptr<Connection> connection_;

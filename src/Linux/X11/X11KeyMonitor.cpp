@@ -12,6 +12,7 @@
 
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 #include <X11/extensions/XInput2.h>
 #include <X11/keysym.h>
 
@@ -24,6 +25,10 @@ namespace {
 /// While the talk key is held, the server is asked now and then whether it still is: a release can be lost
 /// with the keyboard that was to send it, or to a nested server that lost the focus.
 constexpr Seconds kReleaseCheckInterval{0.25};
+
+/// Nested and remote servers repeat a held key as a release and a press, between which their key map may show
+/// it up. No finger is as quick as that.
+constexpr Seconds kRepetition{0.025};
 
 bool isShift(const std::vector<unsigned long>& keysyms) {
     return std::any_of(keysyms.begin(), keysyms.end(),
@@ -91,6 +96,8 @@ Result<void> X11KeyMonitor::start(Handlers handlers) {
     queries_ = std::move(queries.value());
     events_ = std::move(events.value());
     keyboard_ = std::make_unique<X11Keyboard>(*queries_);
+    // Before anybody listens: what was held before is no news.
+    findHeldShiftKeys();
     guard_->setHandlers(std::move(handlers));
 
     // The version that is asked for decides what comes: since 2.1 also what is typed during a grab.
@@ -113,7 +120,6 @@ Result<void> X11KeyMonitor::start(Handlers handlers) {
             services_.posted.forget(announced);
         }));
     });
-    findHeldShiftKeys();
     warnOfMissingTalkKey();
     return {};
 }
@@ -145,8 +151,10 @@ void X11KeyMonitor::handle(XEvent& event) {
 
 void X11KeyMonitor::keyPressed(const PhysicalKey& key, int device) {
     if (key == talkKey_) {
-        return; // repeats itself
+        doubtfulRelease_.end(); // repeats itself
+        return;
     }
+    settleRelease();
     // Each keyboard may have a layout of its own, and any layout may have changed since the last key.
     const auto keysyms = keyboard_->keysyms(device, key.second);
     if (const auto talkKeysym = setting_->match(keysyms)) {
@@ -160,10 +168,15 @@ void X11KeyMonitor::keyPressed(const PhysicalKey& key, int device) {
 }
 
 void X11KeyMonitor::keyReleased(const PhysicalKey& key) {
-    // Nested and remote servers repeat a held key as releases and presses; the key map tells the truth.
     if (key == talkKey_ && !isHeld(key)) {
-        talkKeyReleased();
+        // The server repeats no modifiers, so a release of one is told without delay.
+        if (talkKeyRepeats_) {
+            doubtfulRelease_ = services_.queue.after(kRepetition, [this] { talkKeyReleased(); });
+        } else {
+            talkKeyReleased();
+        }
     } else if (shiftKeys_.contains(key) && !isHeld(key)) {
+        settleRelease();
         shiftKeys_.erase(key);
         guard_->setShiftHeld(!shiftKeys_.empty());
     }
@@ -176,6 +189,7 @@ void X11KeyMonitor::talkKeyPressed(const PhysicalKey& key, unsigned long keysym)
     std::erase_if(shiftKeys_, [this](const auto& shift) { return !isHeld(shift); });
     guard_->setShiftHeld(!shiftKeys_.empty());
     talkKey_ = key;
+    talkKeyRepeats_ = !IsModifierKey(keysym);
     releaseCheck_ = services_.queue.every(kReleaseCheckInterval, [this] { forgetMissedReleases(); });
     guard_->talkKeyPressed(setting_->guardTime(keysym));
 }
@@ -183,7 +197,14 @@ void X11KeyMonitor::talkKeyPressed(const PhysicalKey& key, unsigned long keysym)
 void X11KeyMonitor::talkKeyReleased() {
     talkKey_.reset();
     releaseCheck_.end();
+    doubtfulRelease_.end();
     guard_->talkKeyReleased();
+}
+
+void X11KeyMonitor::settleRelease() {
+    if (doubtfulRelease_) {
+        talkKeyReleased();
+    }
 }
 
 void X11KeyMonitor::devicesChanged() {
@@ -192,13 +213,13 @@ void X11KeyMonitor::devicesChanged() {
 }
 
 void X11KeyMonitor::forgetMissedReleases() {
-    if (!talkKey_ || isHeld(*talkKey_)) {
+    if (!talkKey_ || doubtfulRelease_ || isHeld(*talkKey_)) {
         return;
     }
     // The release may be on its way; only one that never comes is made up for.
     const auto key = talkKey_;
     watch_->catchUp();
-    if (talkKey_ == key && !isHeld(*key)) {
+    if (talkKey_ == key && !doubtfulRelease_ && !isHeld(*key)) {
         talkKeyReleased();
     }
 }

@@ -55,6 +55,7 @@ private:
     void keyReleased(const PhysicalKey& key);
     void talkKeyPressed(const PhysicalKey& key, unsigned long keysym);
     void talkKeyReleased();
+    void settleRelease();
     void devicesChanged();
     void forgetMissedReleases();
     void findHeldShiftKeys();
@@ -71,6 +72,9 @@ private:
     std::unique_ptr<X11EventWatch> watch_;
     int inputOpcode_ = 0;
     std::optional<PhysicalKey> talkKey_;
+    bool talkKeyRepeats_ = false;
+    /// Runs while a release may turn out to be part of a repetition.
+    Subscription doubtfulRelease_;
     std::set<PhysicalKey> shiftKeys_;
     Subscription releaseCheck_;
     Lifetime lifetime_;
