@@ -39,8 +39,8 @@ set-default-source tovik_microphone
 load-module module-native-protocol-unix socket={socket} auth-anonymous=1
 """
 
+# Not even a loudspeaker, since what it plays can be recorded too.
 SOUND_SERVER_WITHOUT_MICROPHONE_SCRIPT = """\
-load-module module-null-sink sink_name=tovik_speaker rate=48000 channels=2
 load-module module-native-protocol-unix socket={socket} auth-anonymous=1
 """
 

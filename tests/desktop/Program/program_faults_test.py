@@ -46,7 +46,8 @@ class MissingService(ProgramTest):
         program = self.start()
         editor = self.open_editor()
         self.desktop.press(TALK_KEY)
-        program.wait_for_line(RECORDING_STARTED, 5)
+        # Written when the recording runs; its line comes just before.
+        wait_until(lambda: os.path.exists(program.capture_state), "the recording to run")
         stage.end("sound")
         program.lines.wait_for(lambda line: "sound server" in line.lower(), "a line about the sound server", 10)
         self.desktop.release(TALK_KEY)
@@ -62,6 +63,20 @@ class MissingService(ProgramTest):
         self.desktop.tap(TALK_KEY)
         self._assert_main_window_comes_forward(program)
         self.assertNotIn(RECORDING_STARTED, program.output())
+        self.assertEqual(editor.text(), "")
+
+    def test_model_isToldWhenTheKeyIsPressed(self) -> None:
+        self.set_stage()
+        file = os.path.join(self.stage.environment["XDG_CONFIG_HOME"], "tovik-record", "defaults.json")
+        os.makedirs(os.path.dirname(file), mode=0o700)
+        with open(file, "w") as stream:
+            json.dump({"platform.speechModel": self.stage.path("no-model-here")}, stream)
+        program = self.start()
+        editor = self.open_editor()
+        self.desktop.tap(TALK_KEY)
+        self._assert_main_window_comes_forward(program)
+        self.assertNotIn(RECORDING_STARTED, program.output())
+        self.assertIn("The English speech model is not usable", program.errors())
         self.assertEqual(editor.text(), "")
 
     def test_windowManager_keepsItFromNothing(self) -> None:

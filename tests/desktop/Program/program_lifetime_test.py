@@ -3,13 +3,14 @@
 """The program's beginning and end: launch, a second copy, orderly and sudden ends, and what it costs meanwhile."""
 
 import json
+import os
 import random
 import signal
 import statistics
 import time
 
 from harness import RECORDING_STARTED, SPEECH, ProgramTest, main
-from staging.cost import processor_seconds, wait_until_calm
+from staging.cost import processor_seconds, resident_bytes, wait_until_calm
 from staging.rehearsal import TALK_KEY
 from staging.waiting import wait_until
 
@@ -106,6 +107,16 @@ class Cost(ProgramTest):
         before, seconds = processor_seconds(program.process.pid), 10
         time.sleep(seconds)
         self.assertLess((processor_seconds(program.process.pid) - before) / seconds, 0.005)
+
+    def test_ofMemoryWithoutAModel_isBelowEightyMegabytes(self) -> None:
+        self.set_stage()
+        file = os.path.join(self.stage.environment["XDG_CONFIG_HOME"], "tovik-record", "defaults.json")
+        os.makedirs(os.path.dirname(file), mode=0o700)
+        with open(file, "w") as stream:
+            json.dump({"platform.speechModel": self.stage.path("no-model-here")}, stream)
+        program = self.start()
+        wait_until_calm(program.process.pid)
+        self.assertLess(resident_bytes(program.process.pid), 80e6)
 
 
 if __name__ == "__main__":
