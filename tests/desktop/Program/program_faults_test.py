@@ -8,7 +8,7 @@ import os
 import resource
 import signal
 
-from harness import RECORDING_STARTED, ProgramTest, main
+from harness import NO_SPEECH, RECORDING_STARTED, ProgramTest, main
 from staging.program import Program
 from staging.rehearsal import TALK_KEY
 from staging.waiting import wait_until
@@ -51,7 +51,7 @@ class MissingService(ProgramTest):
         stage.end("sound")
         program.lines.wait_for(lambda line: "sound server" in line.lower(), "a line about the sound server", 10)
         self.desktop.release(TALK_KEY)
-        program.wait_for_line("[TovikVoice] Recording stopped!", 5)
+        program.wait_for_line(NO_SPEECH, 10)
         stage.start_sound()
         program.wait_for_line("Sound server is back", 15)
         self.assert_still_dictates(program, editor)
