@@ -73,6 +73,7 @@ void TranscriptHistoryStore::load() {
     const auto stored = defaults_.value(storageKey);
     const auto isMap = [](const PropertyValue& element) { return element.is_object(); };
     if (!stored || !stored->is_array() || !std::all_of(stored->begin(), stored->end(), isMap)) {
+        storedHoldsMore_ = stored.has_value();
         return;
     }
     for (const auto& element : *stored) {
@@ -80,9 +81,13 @@ void TranscriptHistoryStore::load() {
             entries_.push_back(std::move(*entry));
         }
     }
+    storedHoldsMore_ = entries_.size() < stored->size();
 }
 
 void TranscriptHistoryStore::save() {
+    if (std::exchange(storedHoldsMore_, false)) {
+        defaults_.keepAside(storageKey);
+    }
     auto list = PropertyValue::array();
     for (const auto& entry : entries_) {
         list.push_back({{kTextKey, entry.text}, {kCreatedAtKey, secondsSince1970(entry.createdAt)}});

@@ -30,16 +30,19 @@ public:
     /// Takes an entry out of the list without saving; false, and no change, when there is none at the index.
     bool remove(std::size_t index);
 
-    /// Replaces the entries by what is stored. Stored elements that are no entries are skipped.
+    /// Replaces the entries by what is stored. Stored elements that are no entries are skipped, and nothing
+    /// is written.
     void load();
 
-    /// Writes all entries.
+    /// Writes all entries. Before it overwrites stored elements that could not be loaded, they are kept aside
+    /// (UserDefaults::keepAside).
     void save();
 
 private:
     UserDefaults& defaults_;
     const Clock& clock_;
     std::vector<TranscriptHistoryEntry> entries_;
+    bool storedHoldsMore_ = false;
 };
 
 } // namespace tovik

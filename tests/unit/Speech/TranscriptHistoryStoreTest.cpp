@@ -175,6 +175,24 @@ INSTANTIATE_TEST_SUITE_P(
                 {"a", "b"}}),
     rowName<testing::TestParamInfo<LoadRow>>);
 
+TEST(TranscriptHistoryStore, whenUnusableElementsAreOverwritten_keepsThemAsideOnce) {
+    History history;
+    const auto unusable = PropertyValue::array({element("a", 1), {{"text", 5}}});
+    auto store = history.loaded(unusable);
+    store.add("b");
+    store.add("c");
+    EXPECT_THAT(textsOf(store), ElementsAre("c", "b", "a"));
+    EXPECT_EQ(history.defaults.value("platform.keptAside.transcription.history"),
+              PropertyValue::array({unusable}));
+}
+
+TEST(TranscriptHistoryStore, whenEverythingCouldBeLoaded_keepsNothingAside) {
+    History history;
+    auto store = history.loaded(PropertyValue::array({element("a", 1)}));
+    store.add("b");
+    EXPECT_THAT(history.defaults.writes(), ElementsAre(kKey, kKey));
+}
+
 TEST(TranscriptHistoryStore, whenAnEntryIsRemoved_savesOnlyWhenTold) {
     History history;
     auto store = history.loaded(PropertyValue::array({element("a", 1), element("b", 2), element("c", 3)}));
