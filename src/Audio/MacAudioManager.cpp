@@ -4,6 +4,7 @@
 
 #include "Audio/DictationLocales.h"
 #include "Audio/LevelMeter.h"
+#include "Audio/RequestFeed.h"
 #include "Audio/Vocabulary.h"
 #include "Speech/CustomVocabulary.h"
 #include "Speech/RecognitionRequest.h"
@@ -159,13 +160,14 @@ void MacAudioManager::installTap() {
     }
     tappedRequest_ = request_;
     // The manager takes its tap away before it goes, and the engine calls no tap that was taken away.
-    ports_.engine.installTap(kTapFrames, [this, request = request_](const AudioBuffer& buffer) {
-        const auto level = LevelMeter::level(buffer.frames);
-        if (onLevel) {
-            onLevel(level);
-        }
-        request->append(buffer);
-    });
+    ports_.engine.installTap(kTapFrames,
+                             [this, feed = RequestFeed(request_)](const AudioBuffer& buffer) mutable {
+                                 const auto level = LevelMeter::level(buffer.frames);
+                                 if (onLevel) {
+                                     onLevel(level);
+                                 }
+                                 feed.append(buffer);
+                             });
 }
 
 void MacAudioManager::stop() {

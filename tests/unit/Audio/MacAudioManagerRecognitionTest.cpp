@@ -292,6 +292,17 @@ TEST_F(MacAudioManagerRecognition, whileRecording_everySampleReachesTheRequestIn
     EXPECT_EQ(speech.lastUtterance()->readSound(), samples);
 }
 
+TEST_F(MacAudioManagerRecognition, whenTheMicrophoneComesWithAnotherRate_theRequestGetsItsOwn) {
+    engine.setInputFormat({48000, 1});
+    EXPECT_TRUE(manager().start().ok());
+    engine.setInputFormat({16000, 1});
+    engine.hearConstant(0.5F, 16384);
+    manager().stop();
+    const auto sound = speech.lastUtterance()->readSound();
+    EXPECT_NEAR(static_cast<double>(sound.size()), 3 * 16384, 3);
+    EXPECT_THAT(sound, Each(FloatNear(0.5F, 1e-6F)));
+}
+
 TEST_F(MacAudioManagerRecognition, withoutALevelCallback_stillRecords) {
     manager().onLevel = nullptr;
     startRecording();

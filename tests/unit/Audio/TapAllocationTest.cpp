@@ -94,7 +94,8 @@ TEST(Tap, whileABufferIsHandled_allocatesNothing) {
     // Long enough for the request to wrap around and to overflow: 64 s, of which it keeps 40.
     const auto before = allocations.load();
     for (int buffer = 0; buffer < 1000; ++buffer) {
-        engine.tap()({frames, 16000});
+        // Also what must be converted.
+        engine.tap()({frames, buffer % 10 == 0 ? 48000.0 : 16000.0});
     }
     EXPECT_EQ(allocations.load() - before, 0);
     EXPECT_GT(lastLevel, 0.9F);
