@@ -8,10 +8,14 @@
 
 namespace tovik::test {
 
-WindowProgram::WindowProgram(const std::string& className, const std::string& instance) {
+WindowProgram::WindowProgram(const std::string& className, const std::string& instance,
+                             const std::string& kind) {
     QStringList arguments{QString::fromStdString(className)};
     if (!instance.empty()) {
         arguments << QString::fromStdString(instance);
+    }
+    if (!kind.empty()) {
+        arguments << QString::fromStdString(kind);
     }
     process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process_.start(TOVIK_TEST_WINDOW, arguments);
@@ -48,6 +52,8 @@ void WindowProgram::read() {
         const std::string line = process_.readLine().trimmed().toStdString();
         if (line.starts_with("window ")) {
             window_ = std::stoul(line.substr(7));
+        } else if (line.starts_with("inner ")) {
+            innerWindow_ = std::stoul(line.substr(6));
         } else if (line.starts_with("press ") || line.starts_with("release ")) {
             keys_.push_back(line);
         }

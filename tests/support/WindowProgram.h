@@ -14,12 +14,15 @@ namespace tovik::test {
 class WindowProgram {
 public:
     /// Returns when the window is shown.
-    explicit WindowProgram(const std::string& className, const std::string& instance = {});
+    explicit WindowProgram(const std::string& className, const std::string& instance = {},
+                           const std::string& kind = {});
     WindowProgram(const WindowProgram&) = delete;
     WindowProgram& operator=(const WindowProgram&) = delete;
     ~WindowProgram();
 
     [[nodiscard]] unsigned long window() const { return window_; }
+    /// The window inside, where the program has one.
+    [[nodiscard]] unsigned long innerWindow() const { return innerWindow_; }
     [[nodiscard]] std::int64_t process() const { return process_.processId(); }
 
     /// Ends the program; its window goes with it.
@@ -34,6 +37,7 @@ private:
 
     QProcess process_;
     unsigned long window_ = 0;
+    unsigned long innerWindow_ = 0;
     std::vector<std::string> keys_;
 };
 

@@ -3,8 +3,10 @@
 //
 // A program with one window, for tests that need other programs on the desktop.
 //
-//     tovik_test_window CLASS [INSTANCE]
+//     tovik_test_window CLASS [INSTANCE [no-process|other-machine|inner-focus]]
 //
+// The third word makes its window tell no process, or one of another machine, or give the keyboard to a
+// window inside.
 // Writes "window NUMBER" when the window is shown, then a line for each key that goes down or up in it
 // ("press Insert 0x1": the keysym and the modifiers held before) and for focus it gains. Ends with its
 // standard input.
@@ -17,6 +19,8 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <string_view>
 
 namespace {
 
@@ -28,7 +32,7 @@ void passOverUsedNumbers(Display* display) {
     }
 }
 
-Window makeWindow(Display* display, char* className, char* instance) {
+Window makeWindow(Display* display, char* className, char* instance, std::string_view kind) {
     passOverUsedNumbers(display);
     const Window window = XCreateSimpleWindow(display, DefaultRootWindow(display), 40, 40, 300, 200, 0, 0,
                                               WhitePixel(display, DefaultScreen(display)));
@@ -39,9 +43,25 @@ Window makeWindow(Display* display, char* className, char* instance) {
     manager.input = True;
     manager.initial_state = NormalState;
     Xutf8SetWMProperties(display, window, className, className, nullptr, 0, &size, &manager, &hint);
-    const long process = getpid();
-    XChangeProperty(display, window, XInternAtom(display, "_NET_WM_PID", False), XA_CARDINAL, 32,
-                    PropModeReplace, reinterpret_cast<const unsigned char*>(&process), 1);
+    const long process = kind == "other-machine" ? 1 : getpid();
+    if (kind == "other-machine") {
+        std::string name = "another-machine";
+        char* names = name.data();
+        XTextProperty machine{};
+        XStringListToTextProperty(&names, 1, &machine);
+        XSetWMClientMachine(display, window, &machine);
+        XFree(machine.value);
+    }
+    if (kind != "no-process") {
+        XChangeProperty(display, window, XInternAtom(display, "_NET_WM_PID", False), XA_CARDINAL, 32,
+                        PropModeReplace, reinterpret_cast<const unsigned char*>(&process), 1);
+    }
+    if (kind == "inner-focus") {
+        const Window inner = XCreateSimpleWindow(display, window, 0, 0, 50, 50, 0, 0, 0);
+        XSelectInput(display, inner, KeyPressMask | KeyReleaseMask);
+        XMapWindow(display, inner);
+        std::printf("inner %lu\n", inner);
+    }
     XSelectInput(display, window, KeyPressMask | KeyReleaseMask | FocusChangeMask | StructureNotifyMask);
     XMapWindow(display, window);
     return window;
@@ -73,7 +93,7 @@ int main(int argc, char** argv) {
     if (display == nullptr || argc < 2) {
         return 1;
     }
-    makeWindow(display, argv[1], argv[argc > 2 ? 2 : 1]);
+    makeWindow(display, argv[1], argv[argc > 2 ? 2 : 1], argc > 3 ? argv[3] : "");
     while (true) {
         while (XPending(display) > 0) {
             XEvent event;

@@ -238,6 +238,17 @@ long XUser::rootNumber(const char* property) const {
     return number;
 }
 
+void XUser::unmap(unsigned long window) {
+    XUnmapWindow(connection_->display, window);
+    sync();
+}
+
+bool XUser::isViewable(unsigned long window) const {
+    XWindowAttributes attributes;
+    return XGetWindowAttributes(connection_->display, window, &attributes) != 0 &&
+           attributes.map_state == IsViewable;
+}
+
 void XUser::iconify(unsigned long window) {
     Display* const display = connection_->display;
     XIconifyWindow(display, window, DefaultScreen(display));

@@ -55,6 +55,8 @@ public:
     /// The desktops become that many; returns when they are. By then the window manager is at work: openbox
     /// announces itself before it listens, and loses what is asked of it, windows included, in between.
     void setDesktopCount(long count);
+    void unmap(unsigned long window);
+    [[nodiscard]] bool isViewable(unsigned long window) const;
     void iconify(unsigned long window);
     void moveToDesktop(unsigned long window, long desktop);
     /// Takes the keyboard focus, without a window manager.

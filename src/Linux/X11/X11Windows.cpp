@@ -239,6 +239,16 @@ std::vector<unsigned long> X11Windows::stackedWindows() const {
     return windows;
 }
 
+std::optional<unsigned long> X11Windows::otherDesktop(unsigned long window) const {
+    constexpr unsigned long kAllDesktops = 0xffffffff;
+    const auto shown = numbers(connection_.root(), "_NET_CURRENT_DESKTOP", XA_CARDINAL);
+    const auto own = numbers(window, "_NET_WM_DESKTOP", XA_CARDINAL);
+    if (shown.empty() || own.empty() || own == shown || (own.front() & kAllDesktops) == kAllDesktops) {
+        return std::nullopt;
+    }
+    return own.front();
+}
+
 bool X11Windows::hasProtocol(unsigned long window, const std::string& name) const {
     const auto protocols = numbers(window, "WM_PROTOCOLS", XA_ATOM);
     return std::find(protocols.begin(), protocols.end(), connection_.atom(name)) != protocols.end();

@@ -41,6 +41,10 @@ public:
     /// The windows of applications, topmost first.
     [[nodiscard]] std::vector<unsigned long> stackedWindows() const;
 
+    /// The desktop that has to be shown for the window to be seen; nothing when the window is on the one that
+    /// is shown, or on all.
+    [[nodiscard]] std::optional<unsigned long> otherDesktop(unsigned long window) const;
+
     /// Whether the window wants to be told of focus by a message (WM_TAKE_FOCUS).
     [[nodiscard]] bool hasProtocol(unsigned long window, const std::string& name) const;
 

@@ -199,14 +199,24 @@ unsigned long X11Workspace::windowToActivate(const RunningApplication& applicati
 void X11Workspace::askWindowManager(unsigned long window) {
     // As a pager asks, for the user, with the time of now: window managers refuse programs that push
     // themselves to the front, and requests from the past.
-    constexpr long kSourcePager = 2;
+    constexpr unsigned long kSourcePager = 2;
+    const auto now = serverTime();
+    // Some activate no window of another desktop (openbox).
+    if (const auto desktop = windows_->otherDesktop(window)) {
+        tellWindowManager(queries_->root(), "_NET_CURRENT_DESKTOP", *desktop, now);
+    }
+    tellWindowManager(window, "_NET_ACTIVE_WINDOW", kSourcePager, now);
+}
+
+void X11Workspace::tellWindowManager(unsigned long window, const char* message, unsigned long first,
+                                     unsigned long second) {
     XEvent event{};
     event.xclient.type = ClientMessage;
     event.xclient.window = window;
-    event.xclient.message_type = queries_->atom("_NET_ACTIVE_WINDOW");
+    event.xclient.message_type = queries_->atom(message);
     event.xclient.format = 32;
-    event.xclient.data.l[0] = kSourcePager;
-    event.xclient.data.l[1] = static_cast<long>(serverTime());
+    event.xclient.data.l[0] = static_cast<long>(first);
+    event.xclient.data.l[1] = static_cast<long>(second);
     XSendEvent(queries_->display(), queries_->root(), False,
                SubstructureRedirectMask | SubstructureNotifyMask, &event);
 }

@@ -59,6 +59,8 @@ private:
     void watchFocusOf(unsigned long window);
     [[nodiscard]] unsigned long windowToActivate(const RunningApplication& application) const;
     void askWindowManager(unsigned long window);
+    void tellWindowManager(unsigned long window, const char* message, unsigned long first,
+                           unsigned long second);
     void takeFocus(unsigned long window);
     [[nodiscard]] unsigned long serverTime();
 
