@@ -120,8 +120,18 @@ unsigned long X11Windows::activeWindow() const {
         return focusedWindow();
     }
     const auto active = numbers(connection_.root(), "_NET_ACTIVE_WINDOW", XA_WINDOW);
-    // A window manager may go on naming the last window after it is gone (openbox does).
-    return active.empty() || !exists(active.front()) ? None : active.front();
+    // openbox goes on naming the last window when it is hidden, iconified or gone.
+    return active.empty() || !isShown(active.front()) ? None : active.front();
+}
+
+bool X11Windows::isShown(unsigned long window) const {
+    const auto attributes = attributesOf(connection_.display(), window);
+    if (!attributes || attributes->map_state == IsViewable) {
+        return attributes.has_value();
+    }
+    // What is rolled up to its title is not viewable, but neither iconified nor hidden.
+    const auto state = numbers(window, "WM_STATE", connection_.atom("WM_STATE"));
+    return !state.empty() && state.front() == NormalState;
 }
 
 unsigned long X11Windows::focusedWindow() const {

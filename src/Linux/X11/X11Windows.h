@@ -53,6 +53,7 @@ private:
                                                      unsigned long type) const;
     [[nodiscard]] std::string text(unsigned long window, const std::string& property) const;
     [[nodiscard]] unsigned long focusedWindow() const;
+    [[nodiscard]] bool isShown(unsigned long window) const;
     [[nodiscard]] unsigned long applicationWindowAround(unsigned long window) const;
     [[nodiscard]] bool isOnThisMachine(unsigned long window) const;
     [[nodiscard]] std::int64_t processByConnection(unsigned long window) const;

@@ -74,6 +74,20 @@ TEST_F(X11WorkspaceTest, whenTheWindowIsOnAnotherDesktop_activationGoesThere) {
     EXPECT_TRUE(runUntil([&] { return user_.isViewable(editor.window()); }));
 }
 
+TEST_F(X11WorkspaceTest, whenTheOnlyWindowIsHidden_nothingIsInFront) {
+    WindowProgram editor("Editor");
+    ASSERT_TRUE(comesToFront(editor));
+    user_.unmap(editor.window());
+    EXPECT_TRUE(runUntil([&] { return !workspace_.frontmostApplication(); }));
+}
+
+TEST_F(X11WorkspaceTest, whenTheOnlyWindowIsIconified_nothingIsInFront) {
+    WindowProgram editor("Editor");
+    ASSERT_TRUE(comesToFront(editor));
+    user_.iconify(editor.window());
+    EXPECT_TRUE(runUntil([&] { return !workspace_.frontmostApplication(); }));
+}
+
 TEST_F(X11WorkspaceTest, whenTwoWindowsHaveTheSameName_theRememberedOneComesBack) {
     WindowProgram first("Editor");
     ASSERT_TRUE(comesToFront(first));
