@@ -42,22 +42,23 @@ std::string dump(const Json& value) {
     return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-bool isValidUtf8(const Json& value) {
-    try {
-        (void)value.dump(-1, ' ', false, Json::error_handler_t::strict);
-        return true;
-    } catch (const Json::type_error&) {
-        return false;
-    }
-}
-
 } // namespace
 
+JsonValue::JsonValue(PropertyValue value, std::string text)
+    : value_(std::move(value)),
+      text_(std::move(text)) {
+    std::call_once(isTextMade_, [] {});
+}
+
 std::shared_ptr<const JsonValue> JsonValue::checked(PropertyValue value) {
-    if (!isValidUtf8(value)) {
-        value = Json::parse(dump(value));
+    std::string text;
+    try {
+        text = value.dump(-1, ' ', false, Json::error_handler_t::strict);
+    } catch (const Json::type_error&) {
+        text = dump(value);
+        value = Json::parse(text);
     }
-    return std::make_shared<const JsonValue>(std::move(value));
+    return std::make_shared<const JsonValue>(std::move(value), std::move(text));
 }
 
 const std::string& JsonValue::text() const {

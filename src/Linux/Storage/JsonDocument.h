@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace tovik {
 
@@ -17,6 +18,8 @@ namespace tovik {
 class JsonValue {
 public:
     explicit JsonValue(PropertyValue value) : value_(std::move(value)) {}
+    /// The text must be the value's.
+    JsonValue(PropertyValue value, std::string text);
 
     /// For values that were not read from JSON: bytes that are no UTF-8 become replacement characters.
     [[nodiscard]] static std::shared_ptr<const JsonValue> checked(PropertyValue value);
