@@ -57,7 +57,7 @@ std::unique_ptr<MainWindow> QtUserInterface::makeMainWindow(const MainWindowCont
         }
     };
     return std::make_unique<MainWindowController>(
-        MainWindowController::Collaborators{clock_, queue_, screens_, popUpStatusMenu}, contents);
+        MainWindowController::Collaborators{clock_, queue_, screens_, workspace_, popUpStatusMenu}, contents);
 }
 
 } // namespace tovik

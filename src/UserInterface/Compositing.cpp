@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Compositing.h"
 
-#include <QGuiApplication>
+#include "UserInterface/WindowSystem.h"
 
 #include <xcb/xcb.h>
 
@@ -21,11 +21,10 @@ struct Free {
 } // namespace
 
 bool DesktopCompositing::isActive() const {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11 || !x11->connection()) {
+    xcb_connection_t* const connection = windowsystem::x11Connection();
+    if (!connection) {
         return true;
     }
-    xcb_connection_t* const connection = x11->connection();
     // The owner of this selection is the compositing manager of the first screen; Qt uses no other.
     constexpr char name[] = "_NET_WM_CM_S0";
     const std::unique_ptr<xcb_intern_atom_reply_t, Free> atom(

@@ -16,6 +16,7 @@
 #include "UserInterface/SymbolImage.h"
 #include "UserInterface/Theme.h"
 #include "UserInterface/ToastView.h"
+#include "UserInterface/WindowSystem.h"
 
 #include <QVBoxLayout>
 
@@ -54,9 +55,7 @@ MainWindowController::MainWindowController(const Collaborators& collaborators,
     }
     // Otherwise the first button would show a focus ring before anyone has touched the Tab key.
     view_->setFocus(Qt::OtherFocusReason);
-    window_->show();
-    window_->raise();
-    window_->activateWindow();
+    makeKeyAndOrderFront();
     view_->scrollToTop();
     forceMainWindowFrame();
     updateMainWindowHeight(false);
@@ -111,9 +110,19 @@ void MainWindowController::presentMainWindow() {
         window_->setWindowState(window_->windowState() & ~Qt::WindowMinimized);
     }
     forceMainWindowFrame();
+    makeKeyAndOrderFront();
+}
+
+void MainWindowController::makeKeyAndOrderFront() {
     window_->show();
     window_->raise();
     window_->activateWindow();
+    // The talk key or another copy of the program may have led here, of which Qt has no event and no time;
+    // window managers refuse requests that seem to be of the past. The window has to be theirs by then.
+    windowsystem::waitForRequests();
+    RunningApplication self = with_.workspace.currentApplication();
+    self.window = window_->winId();
+    with_.workspace.activate(self, kActivateAllWindows | kActivateIgnoringOtherApps);
 }
 
 void MainWindowController::showSavedToast(const std::string& text) {

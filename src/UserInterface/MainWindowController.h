@@ -8,6 +8,7 @@
 #include "Platform/MainWindow.h"
 #include "Platform/Screens.h"
 #include "Platform/UserInterface.h"
+#include "Platform/Workspace.h"
 #include "UserInterface/Accordion.h"
 #include "UserInterface/FixedWidthWindow.h"
 
@@ -29,6 +30,7 @@ public:
         const Clock& clock;
         MainQueue& queue;
         const Screens& screens;
+        Workspace& workspace;
         /// Pops up the status menu with its upper left corner here, in the coordinates of the desktop. Empty
         /// where there is no status menu.
         std::function<void(const QPoint&)> popUpStatusMenu;
@@ -53,6 +55,7 @@ private:
     void connectHeaderAndFooter(const MainWindowContents& contents);
     void showStatusMenuFromWindow();
     void presentMainWindow();
+    void makeKeyAndOrderFront();
     void forceMainWindowFrame();
     void updateMainWindowHeight(bool animated);
 

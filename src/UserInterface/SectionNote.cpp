@@ -28,8 +28,8 @@ QString noteFor(const std::string& title) {
          "~/.config/tovik-record/defaults.json. \"TovikVoiceFillerWords\" holds the words, separated by "
          "commas."},
         {kTranslationSection,
-         "Transcripts are translated while \"TranslationEnabled\" is true in the settings file "
-         "~/.config/tovik-record/defaults.json and a translator for the two languages is installed."},
+         "This version has no translator yet: transcripts are pasted as they were spoken, also while "
+         "\"TranslationEnabled\" is true in the settings file ~/.config/tovik-record/defaults.json."},
         {kHistorySection,
          "The latest transcripts are in the status menu under \"Transcript History\"; choosing one pastes it "
          "again."},

@@ -42,6 +42,9 @@ QString applicationIconPath() {
 QImage drawn(const QString& path, const QSize& pixels) {
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
+    if (!QFile::exists(path)) {
+        return image;
+    }
     QSvgRenderer renderer(path);
     if (!renderer.isValid() || pixels.isEmpty()) {
         return image;

@@ -105,6 +105,17 @@ TEST_F(MainWindowControllerTest, whenPresented_isSetBackToItsDefaultFrameOnceThe
     EXPECT_EQ(window().frame(), (Rect{710, 215, 500, 680}));
 }
 
+TEST_F(MainWindowControllerTest, whenPresented_asksTheDesktopForTheFront) {
+    build();
+    stage.workspace.activated.clear();
+    controller().present();
+    stage.time.runPending();
+    ASSERT_EQ(stage.workspace.activated.size(), 1U);
+    EXPECT_EQ(stage.workspace.activated.front().application.processIdentifier, 4242);
+    EXPECT_EQ(stage.workspace.activated.front().application.window, window().winId());
+    EXPECT_NE(stage.workspace.activated.front().options & kActivateIgnoringOtherApps, 0U);
+}
+
 TEST_F(MainWindowControllerTest, whenMinimised_presentBringsItBack) {
     build();
     window().setWindowState(Qt::WindowMinimized);

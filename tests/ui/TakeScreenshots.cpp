@@ -148,13 +148,16 @@ void takeWindow(Photographer& photographer, test::WindowStage& stage, const QStr
     photographer.takeScreen(name, stage.controller->window().frameGeometry());
 }
 
-void takeWindows(Photographer& photographer, const QString& prefix) {
+void takeWindows(Photographer& photographer, const QString& prefix, const QStringList& sectionsToOpen) {
     test::WindowStage granted;
     fillScreen(granted.screens);
     granted.build();
     takeWindow(photographer, granted, prefix + QStringLiteral("collapsed"));
     for (const SectionHeader& section : mainWindowSections(false)) {
         const QString title = QString::fromStdString(section.title);
+        if (!sectionsToOpen.contains(title)) {
+            continue;
+        }
         granted.controller->accordion().setAccordion(title, true, false);
         granted.controller->view().setScrollOffset(section.title == kPermissionsSection ? 1000 : 0);
         takeWindow(photographer, granted,
@@ -172,6 +175,14 @@ void takeWindows(Photographer& photographer, const QString& prefix) {
     pending.leavePermissionsPending();
     pending.build();
     takeWindow(photographer, pending, prefix + QStringLiteral("permissions-pending"));
+}
+
+QStringList allSections() {
+    QStringList titles;
+    for (const SectionHeader& section : mainWindowSections(false)) {
+        titles.append(QString::fromStdString(section.title));
+    }
+    return titles;
 }
 
 QPalette darkPalette() {
@@ -196,8 +207,9 @@ int main(int argc, char** argv) {
     }
     tovik::Photographer photographer(arguments[1], arguments[2]);
     tovik::takePills(photographer);
-    tovik::takeWindows(photographer, QStringLiteral("window-"));
+    tovik::takeWindows(photographer, QStringLiteral("window-"), tovik::allSections());
     QApplication::setPalette(tovik::darkPalette());
-    tovik::takeWindows(photographer, QStringLiteral("window-dark-"));
+    tovik::takeWindows(photographer, QStringLiteral("window-dark-"),
+                       {QString::fromLatin1(tovik::kPermissionsSection)});
     return 0;
 }

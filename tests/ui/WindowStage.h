@@ -52,10 +52,16 @@ struct WindowStage {
     PermissionRequests requests{{authorization, time, log, workspace, forward, checklist, installation}};
     std::unique_ptr<MainWindowController> controller;
 
+    /// The desktop that the window asks for the front: the fake one, unless a test brings another.
+    Workspace& desktop;
+
+    explicit WindowStage(Workspace* realDesktop = nullptr)
+        : desktop(realDesktop ? *realDesktop : workspace) {}
+
     /// Once the fakes stand as the test wants them.
     void build() {
         controller = std::make_unique<MainWindowController>(
-            MainWindowController::Collaborators{time, time, screens,
+            MainWindowController::Collaborators{time, time, screens, desktop,
                                                 [this](const QPoint& at) { menuPopUps.push_back(at); }},
             MainWindowContents{checklist, requests, nullptr, [this] { openedLinks.emplace_back("updates"); },
                                [this] { openedLinks.emplace_back("website"); }});
