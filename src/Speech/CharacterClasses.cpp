@@ -16,10 +16,6 @@ constexpr UChar32 kAsciiEnd = 0x80;
 constexpr UChar32 kZeroWidthNonJoiner = 0x200C;
 constexpr UChar32 kZeroWidthJoiner = 0x200D;
 
-bool isAsciiWordCharacter(UChar32 c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-}
-
 } // namespace
 
 bool isWhiteSpace(UChar32 character) {
@@ -74,46 +70,38 @@ std::vector<std::u16string_view> pieces(std::u16string_view text, char16_t separ
     return found;
 }
 
-bool isWordCharacter(UChar32 character) {
-    if (character < kAsciiEnd) {
-        return isAsciiWordCharacter(character);
-    }
+bool isWordCharacterBeyondAscii(UChar32 character) {
     constexpr auto kCategories = U_GC_M_MASK | U_GC_ND_MASK | U_GC_PC_MASK;
     return u_hasBinaryProperty(character, UCHAR_ALPHABETIC) ||
            (U_GET_GC_MASK(character) & kCategories) != 0 || character == kZeroWidthNonJoiner ||
            character == kZeroWidthJoiner;
 }
 
-bool isIgnoredAtBoundaries(UChar32 character) {
-    return character >= kAsciiEnd &&
-           (u_hasBinaryProperty(character, UCHAR_GRAPHEME_EXTEND) || u_charType(character) == U_FORMAT_CHAR);
+bool isIgnoredBeyondAscii(UChar32 character) {
+    return u_hasBinaryProperty(character, UCHAR_GRAPHEME_EXTEND) || u_charType(character) == U_FORMAT_CHAR;
 }
 
 bool isWordBoundary(std::u16string_view text, std::size_t position) {
-    bool nextIsWord = false;
+    bool beforeWord = false;
     if (position < text.size()) {
         const auto next = characterAt(text, position).value;
         if (isIgnoredAtBoundaries(next)) {
             return false;
         }
-        nextIsWord = isWordCharacter(next);
+        beforeWord = isWordCharacter(next);
     }
-    auto before = position;
-    while (before > 0) {
-        UChar32 previous = 0;
-        U16_PREV(text.data(), 0, before, previous);
-        if (!isIgnoredAtBoundaries(previous)) {
-            return nextIsWord != isWordCharacter(previous);
-        }
-    }
-    return nextIsWord;
+    return beforeWord != isWordBefore(text, position);
 }
 
-DecodedCharacter characterAt(std::u16string_view text, std::size_t position) {
-    auto next = position;
-    UChar32 value = 0;
-    U16_NEXT(text.data(), next, text.size(), value);
-    return {value, next - position};
+bool isWordBefore(std::u16string_view text, std::size_t position) {
+    while (position > 0) {
+        UChar32 previous = 0;
+        U16_PREV(text.data(), 0, position, previous);
+        if (!isIgnoredAtBoundaries(previous)) {
+            return isWordCharacter(previous);
+        }
+    }
+    return false;
 }
 
 } // namespace tovik

@@ -60,11 +60,17 @@ std::size_t KnownWords::endAt(std::u16string_view text, std::size_t position) co
 }
 
 std::size_t KnownWords::nextStart(std::u16string_view text, std::size_t from) const {
+    bool afterWord = isWordBefore(text, from);
     for (auto position = from; position < text.size();) {
-        if (mayBegin(text, position) && endAt(text, position) != npos && isWordBoundary(text, position)) {
-            return position;
+        const auto [character, length] = characterAt(text, position);
+        if (!isIgnoredAtBoundaries(character)) {
+            const bool isWord = isWordCharacter(character);
+            if (isWord && !afterWord && mayBegin(character) && endAt(text, position) != npos) {
+                return position;
+            }
+            afterWord = isWord;
         }
-        position += text[position] < kAsciiEnd ? 1 : characterAt(text, position).length;
+        position += length;
     }
     return npos;
 }
@@ -73,13 +79,13 @@ bool KnownWords::contains(std::u16string_view word) const {
     return std::find(words_.begin(), words_.end(), word) != words_.end();
 }
 
-/// Tells the many positions that are out of the question from the few others, at little cost.
-bool KnownWords::mayBegin(std::u16string_view text, std::size_t position) const {
-    if (position > 0 && text[position - 1] < kAsciiEnd && isWordCharacter(text[position - 1])) {
-        return false;
+bool KnownWords::mayBegin(std::int32_t character) const {
+    // Others may still fold to one of the letters.
+    if (character >= kAsciiEnd) {
+        return true;
     }
-    const auto first = lowerAscii(text[position]);
-    return first >= kAsciiEnd || (isLetter(first) && (initials_ & bitOf(first)) != 0);
+    const auto letter = lowerAscii(static_cast<char16_t>(character));
+    return isLetter(letter) && (initials_ & bitOf(letter)) != 0;
 }
 
 } // namespace tovik

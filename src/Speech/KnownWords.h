@@ -28,7 +28,7 @@ public:
 
 private:
     [[nodiscard]] bool contains(std::u16string_view word) const;
-    [[nodiscard]] bool mayBegin(std::u16string_view text, std::size_t position) const;
+    [[nodiscard]] bool mayBegin(std::int32_t character) const;
 
     std::vector<std::u16string> words_;
     std::size_t longest_ = 0;

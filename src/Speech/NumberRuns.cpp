@@ -125,7 +125,10 @@ public:
         result_.append(text_, copied_, range.begin - copied_).append(with);
         copied_ = range.end;
     }
-    [[nodiscard]] std::u16string finished() { return result_.append(text_, copied_); }
+    [[nodiscard]] std::u16string finished() {
+        result_.reserve(result_.size() + text_.size() - copied_);
+        return result_.append(text_, copied_);
+    }
 
 private:
     std::u16string_view text_;

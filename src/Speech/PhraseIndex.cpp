@@ -13,23 +13,6 @@ namespace {
 
 constexpr char16_t kAsciiEnd = 0x80;
 
-/// Calls the visitor with every position at which "\b" matches before a character.
-template <typename Visitor>
-void forEachWordBoundary(std::u16string_view text, Visitor visit) {
-    bool previousIsWord = false;
-    for (std::size_t position = 0; position < text.size();) {
-        const auto [character, length] = characterAt(text, position);
-        if (!isIgnoredAtBoundaries(character)) {
-            const bool isWord = isWordCharacter(character);
-            if (isWord != previousIsWord) {
-                visit(position);
-            }
-            previousIsWord = isWord;
-        }
-        position += length;
-    }
-}
-
 } // namespace
 
 PhraseIndex::PhraseIndex(const std::vector<std::u16string_view>& phrases) {

@@ -114,6 +114,9 @@ Result<bool> TextPattern::replaceFound(std::u16string& text, const Search& searc
         const auto start = static_cast<std::size_t>(matcher->start(status));
         searched = static_cast<std::size_t>(matcher->end(status));
         if (const auto inserted = replacement(TextMatch(*matcher, text))) {
+            if (!replaced) {
+                result.reserve(text.size() + inserted->size());
+            }
             result.append(text, copied, start - copied).append(*inserted);
             copied = searched;
             replaced = true;

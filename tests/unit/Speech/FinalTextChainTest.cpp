@@ -92,6 +92,23 @@ TEST(FinalTextChain, onAMegabyteOfAnything_doesNotGiveUp) {
     }
 }
 
+TEST(FinalTextChain, onAMegabyteOfWhiteSpaceInsideAForm_doesNotGiveUp) {
+    Chain with;
+    const std::string gap(1'000'000, '\n');
+    EXPECT_EQ(with.chain.processTranscription("one" + gap + "am"), "1:00 AM");
+    EXPECT_EQ(with.chain.processTranscription("one" + gap + "twenty" + gap + "pm"), "1:20 PM");
+    EXPECT_EQ(with.chain.processTranscription("march" + gap + "the" + gap + "first" + gap + "of" + gap),
+              "March 1" + gap + "of");
+    EXPECT_EQ(with.chain.processTranscription("the" + gap + "first" + gap + "place"),
+              "the 1st" + gap + "place");
+    EXPECT_EQ(with.chain.processTranscription("five" + gap + "dollars"), "$5");
+    EXPECT_EQ(with.chain.processTranscription("two five" + gap + "dollars" + gap + "and" + gap + "one" + gap +
+                                              "cent"),
+              "$7.01");
+    EXPECT_EQ(with.chain.processTranscription("one" + gap + "x"), "one" + gap + "x");
+    EXPECT_THAT(with.log.printed(), testing::IsEmpty());
+}
+
 } // namespace
 
 } // namespace tovik::test
