@@ -85,16 +85,6 @@ private:
     VirtualMicrophone* microphone_ = nullptr;
 };
 
-/// Distinct samples, none of them silence.
-std::vector<float> words(std::size_t frames, int dialect = 0) {
-    std::vector<float> samples(frames);
-    for (std::size_t frame = 0; frame < frames; ++frame) {
-        const auto level = 100 + (frame * 37 + static_cast<std::size_t>(dialect) * 4001) % 20000;
-        samples[frame] = static_cast<float>(level) / 32768.0F;
-    }
-    return samples;
-}
-
 bool isSilent(const std::vector<float>& samples) {
     return std::all_of(samples.begin(), samples.end(), [](float sample) { return std::abs(sample) < 1e-4F; });
 }
@@ -257,27 +247,27 @@ TEST_P(AudioEngineContract, flush_handsOverThePartOfABufferOnTheCallingThread) {
         tap(buffer);
     });
     start();
-    world->hear(words(700));
+    world->hear(words(4800));
     EXPECT_TRUE(listener.samples().empty());
     flushing = true;
     engine->flush();
     flushing = false;
-    EXPECT_TRUE(listener.heard(words(700)));
+    EXPECT_TRUE(listener.heard(words(4800)));
     EXPECT_FALSE(elsewhere);
 }
 
 TEST_P(AudioEngineContract, whenFlushed_theRecordingGoesOnWithoutRepeatingOrLosing) {
     listen();
     start();
-    world->hear(words(700));
+    world->hear(words(4800));
     engine->flush();
     const auto before = listener.samples().size();
-    world->hear(words(700, 1));
+    world->hear(words(4800, 1));
     engine->flush();
-    EXPECT_TRUE(listener.heard(words(700)));
-    EXPECT_TRUE(listener.heard(words(700, 1)));
+    EXPECT_TRUE(listener.heard(words(4800)));
+    EXPECT_TRUE(listener.heard(words(4800, 1)));
     const auto all = listener.samples();
-    const auto first = words(700).front();
+    const auto first = words(4800).front();
     EXPECT_EQ(std::count_if(all.begin() + static_cast<std::ptrdiff_t>(before), all.end(),
                             [&](float sample) { return std::abs(sample - first) < 1e-5F; }),
               0);
@@ -309,14 +299,14 @@ TEST_P(AudioEngineContract, whenTheTapIsRemoved_itIsNotCalledAgain) {
 TEST_P(AudioEngineContract, whenStoppedWithoutAFlush_theNextRecordingDoesNotBeginWithTheRest) {
     engine->installTap(100000, listener.tap());
     start();
-    world->hear(words(700));
+    world->hear(words(4800));
     engine->stop();
     listener.forget();
     start();
-    world->hear(words(700, 1));
+    world->hear(words(4800, 1));
     engine->flush();
-    EXPECT_FALSE(listener.heard(words(700)));
-    EXPECT_TRUE(listener.heard(words(700, 1)));
+    EXPECT_FALSE(listener.heard(words(4800)));
+    EXPECT_TRUE(listener.heard(words(4800, 1)));
 }
 
 TEST_P(AudioEngineContract, whenTheMicrophoneGoesAway_isNotRunning_andCanBeStartedWhenItIsBack) {

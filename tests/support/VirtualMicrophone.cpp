@@ -21,8 +21,8 @@ namespace {
 using Time = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kPace{2};
-// A server that listens reads more often than this.
-constexpr std::chrono::milliseconds kPatience{100};
+// Turns; a server that listens reads more often than this.
+constexpr int kPatience = 75;
 constexpr int kFirstNumber = -30000;
 constexpr std::int16_t kHum = 16000;
 
@@ -66,7 +66,7 @@ std::uint64_t VirtualMicrophone::numberOf(float sample) {
 
 void VirtualMicrophone::run() {
     const auto start = Time::now();
-    auto lastRead = start - kPatience;
+    int turnsUnread = kPatience;
     int leftInPipe = 0;
     std::vector<std::int16_t> chunk;
     std::vector<std::int16_t> interleaved;
@@ -77,10 +77,13 @@ void VirtualMicrophone::run() {
             static_cast<std::uint64_t>(std::chrono::duration<double>(turn - start).count() * sampleRate_);
         chunk.resize(due - frames_);
         speakNext(chunk);
-        if (const int inPipe = unread(); inPipe < leftInPipe) {
-            lastRead = turn;
-        } else if (turn - lastRead > kPatience) {
-            [[maybe_unused]] const auto dropped = read(pipe_, unheard.data(), unheard.size());
+        const int inPipe = unread();
+        ++turnsUnread;
+        if (inPipe < leftInPipe) {
+            turnsUnread = 0;
+        } else if (turnsUnread > kPatience && read(pipe_, unheard.data(), unheard.size()) < inPipe) {
+            // Somebody was quicker.
+            turnsUnread = 0;
         }
         interleaved.assign(chunk.size() * channelCount_, kHum);
         for (std::size_t frame = 0; frame < chunk.size(); ++frame) {

@@ -73,7 +73,7 @@ bool record(SoundRig& rig, const VirtualMicrophone& microphone, Columns& columns
         tap(buffer);
     });
     // A server that was listening until just now finds the virtual microphone's past in its pipe.
-    const auto rested = microphone.frames() + microphone.sampleRate() / 5;
+    const auto rested = microphone.frames() + microphone.sampleRate() * 3 / 10;
     if (!eventually([&] { return microphone.frames() >= rested; })) {
         return false;
     }
