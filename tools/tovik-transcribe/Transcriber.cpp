@@ -21,7 +21,7 @@ Seconds processorTime() {
 
 } // namespace
 
-Transcriber::Transcriber(FileAudioEngine::Pace pace, SystemLog& log)
+Transcriber::Transcriber(FileAudioEngine::Pace pace, const std::string& vocabulary, SystemLog& log)
     : chain_(settings_, log),
       dictionary_(settings_, log),
       recognition_(log),
@@ -29,6 +29,9 @@ Transcriber::Transcriber(FileAudioEngine::Pace pace, SystemLog& log)
       engine_(pace, [this](const std::stop_token& stopped) { return watched_.waitUntilKeptUp(stopped); }),
       manager_({clock_, queue_, log, settings_, engine_, devices_, hardware_, watched_},
                [this](const std::string& recognised) { return chain_.processTranscription(recognised); }) {
+    if (!vocabulary.empty()) {
+        settings_.set("CustomVocabulary", vocabulary);
+    }
     manager_.onTranscription = [this](const std::string& cleaned) { cleaned_ = cleaned; };
 }
 

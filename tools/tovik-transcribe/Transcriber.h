@@ -35,7 +35,8 @@ struct Transcript {
 /// with the settings as they are on the first day.
 class Transcriber {
 public:
-    Transcriber(FileAudioEngine::Pace pace, SystemLog& log);
+    /// The vocabulary has commas between its terms, as the user's own has.
+    Transcriber(FileAudioEngine::Pace pace, const std::string& vocabulary, SystemLog& log);
 
     /// Loads the recogniser's model; why it cannot be used when that fails.
     [[nodiscard]] std::optional<std::string> prepare();

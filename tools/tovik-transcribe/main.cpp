@@ -20,7 +20,7 @@ constexpr int kFailed = 1;
 constexpr int kWrongUse = 2;
 
 constexpr std::string_view kHelp =
-    R"(usage: tovik-transcribe [--json] [--realtime] [--verbose] FILE.wav...
+    R"(usage: tovik-transcribe [--json] [--realtime] [--vocabulary TERMS] [--verbose] FILE.wav...
 
 Dictates recordings without a desktop: the program's recogniser and text rules, with the
 settings of the first day. Touches no settings and writes no files.
@@ -29,6 +29,8 @@ settings of the first day. Touches no settings and writes no files.
               (the recogniser's own words), audio_seconds, final_ms (end of sound to final
               text), rtf (processor time for a second of sound); error when there is no text
   --realtime  play at the speed at which a person speaks
+  --vocabulary TERMS
+              words and phrases to favour, beside the built-in ones; commas between them
   --verbose   the program's log lines on standard error
 
 Exit status: 0 when every recording was heard, also one without speech; 1 when a file cannot
@@ -40,6 +42,7 @@ struct Options {
     bool realTime = false;
     bool verbose = false;
     bool help = false;
+    std::string vocabulary;
     std::vector<std::string> files;
     std::string wrong;
 };
@@ -57,6 +60,8 @@ Options parse(int count, char** arguments) {
             options.json = true;
         } else if (argument == "--realtime") {
             options.realTime = true;
+        } else if (argument == "--vocabulary" && i + 1 < count) {
+            options.vocabulary = arguments[++i];
         } else if (argument == "--verbose") {
             options.verbose = true;
         } else if (argument == "--help") {
@@ -104,8 +109,9 @@ int complain(const std::string& what) {
 
 int transcribeAll(const Options& options) {
     tovik::ErrorStreamLog log(options.verbose);
-    Transcriber transcriber(
-        options.realTime ? FileAudioEngine::Pace::realTime : FileAudioEngine::Pace::asFastAsAllowed, log);
+    Transcriber transcriber(options.realTime ? FileAudioEngine::Pace::realTime
+                                             : FileAudioEngine::Pace::asFastAsAllowed,
+                            options.vocabulary, log);
     int status = 0;
     bool prepared = false;
     for (const auto& file : options.files) {

@@ -2,35 +2,31 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/PocketSphinx/CepstralMean.h"
 
+#include <algorithm>
+
 namespace tovik {
 
 void CepstralMean::begin() {
-    held_.clear();
-    settled_ = false;
+    kept_.clear();
+    given_ = false;
     sum_ = {};
     count_ = 0;
 }
 
-void CepstralMean::process(std::span<const Cepstrum> frames, std::vector<Cepstrum>& normalised) {
+void CepstralMean::process(std::span<const Cepstrum> frames, Output& output) {
+    output.startsOver = false;
+    output.frames.clear();
     for (const auto& frame : frames) {
-        for (std::size_t i = 0; i < frame.size(); ++i) {
-            sum_[i] += static_cast<double>(frame[i]);
-        }
-        ++count_;
-        if (settled_) {
-            subtract(frame, normalised);
-            continue;
-        }
-        held_.push_back(frame);
-        if (held_.size() == framesHeldBack) {
-            release(normalised);
-        }
+        take(frame, output);
     }
 }
 
-void CepstralMean::finish(std::vector<Cepstrum>& normalised) {
-    if (!settled_) {
-        release(normalised);
+void CepstralMean::finish(Output& output) {
+    output.startsOver = false;
+    output.frames.clear();
+    if (!given_) {
+        estimate();
+        giveAll(output);
     }
     if (count_ >= framesToRemember) {
         for (std::size_t i = 0; i < sum_.size(); ++i) {
@@ -40,28 +36,49 @@ void CepstralMean::finish(std::vector<Cepstrum>& normalised) {
     }
 }
 
-void CepstralMean::release(std::vector<Cepstrum>& normalised) {
-    settled_ = true;
-    const auto weight = hasPast_ ? weightOfPast : 0;
-    const auto total = static_cast<double>(count_) + weight;
-    if (total <= 0) {
+void CepstralMean::take(const Cepstrum& frame, Output& output) {
+    for (std::size_t i = 0; i < frame.size(); ++i) {
+        sum_[i] += static_cast<double>(frame[i]);
+    }
+    ++count_;
+    if (count_ <= framesForMean) {
+        kept_.push_back(frame);
+    }
+    if (count_ == framesForEstimate || count_ == framesForMean) {
+        estimate();
+        giveAll(output);
+    } else if (given_) {
+        give(frame, output);
+    }
+}
+
+void CepstralMean::estimate() {
+    const auto heard = static_cast<double>(count_);
+    const auto weight =
+        hasPast_ ? weightOfPast * std::max(0.0, 1 - heard / static_cast<double>(framesForMean)) : 0;
+    if (heard + weight <= 0) {
         return;
     }
     for (std::size_t i = 0; i < sum_.size(); ++i) {
-        mean_[i] = (sum_[i] + weight * past_[i]) / total;
+        mean_[i] = (sum_[i] + weight * past_[i]) / (heard + weight);
     }
-    for (const auto& frame : held_) {
-        subtract(frame, normalised);
-    }
-    held_.clear();
 }
 
-void CepstralMean::subtract(const Cepstrum& frame, std::vector<Cepstrum>& normalised) const {
-    Cepstrum result{};
-    for (std::size_t i = 0; i < frame.size(); ++i) {
-        result[i] = frame[i] - static_cast<float>(mean_[i]);
+void CepstralMean::giveAll(Output& output) {
+    output.startsOver = output.startsOver || given_;
+    output.frames.clear();
+    for (const auto& frame : kept_) {
+        give(frame, output);
     }
-    normalised.push_back(result);
+    given_ = true;
+}
+
+void CepstralMean::give(const Cepstrum& frame, Output& output) const {
+    Cepstrum normalised{};
+    for (std::size_t i = 0; i < frame.size(); ++i) {
+        normalised[i] = frame[i] - static_cast<float>(mean_[i]);
+    }
+    output.frames.push_back(normalised);
 }
 
 } // namespace tovik

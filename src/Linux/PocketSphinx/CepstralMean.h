@@ -13,31 +13,44 @@ namespace tovik {
 /// Takes the mark of the microphone, the room and the speaker off an utterance: subtracts the mean cepstrum.
 ///
 /// The mean of an utterance is only known at its end, but its text is wanted right then. So the first frames
-/// are held back until there are enough of them for an estimate; it is blended with that of the utterances
-/// before, and then stays, because a mean that moves within an utterance costs more than one slightly off.
+/// are held back until there are enough of them for an estimate, blended with that of the utterance before.
+/// Once there are enough for a good one, all frames are given out a second time, and the mean stays: one that
+/// moves within an utterance costs more words than one that is slightly off.
 class CepstralMean {
 public:
     /// Frames of speech that are held back.
-    static constexpr std::size_t framesHeldBack = 150;
-    /// How many frames the mean of the utterances before counts for.
+    static constexpr std::size_t framesForEstimate = 150;
+    /// Frames of speech after which the mean stays.
+    static constexpr std::size_t framesForMean = 300;
+    /// How many frames the mean of the utterance before counts for at most; it counts the less the more was
+    /// heard of this one.
     static constexpr double weightOfPast = 50;
     /// Utterances with fewer frames say too little to be remembered.
     static constexpr std::size_t framesToRemember = 100;
 
+    struct Output {
+        /// Whether the frames are those of the utterance from its first one on, again.
+        bool startsOver = false;
+        std::vector<Cepstrum> frames;
+    };
+
     void begin();
-    /// Appends to `normalised` what is ready.
-    void process(std::span<const Cepstrum> frames, std::vector<Cepstrum>& normalised);
-    /// Appends the rest.
-    void finish(std::vector<Cepstrum>& normalised);
+    /// Replaces the output by what is ready.
+    void process(std::span<const Cepstrum> frames, Output& output);
+    /// Replaces the output by the rest.
+    void finish(Output& output);
 
 private:
     using Sum = std::array<double, Cepstrum{}.size()>;
 
-    void release(std::vector<Cepstrum>& normalised);
-    void subtract(const Cepstrum& frame, std::vector<Cepstrum>& normalised) const;
+    void take(const Cepstrum& frame, Output& output);
+    void estimate();
+    void giveAll(Output& output);
+    void give(const Cepstrum& frame, Output& output) const;
 
-    std::vector<Cepstrum> held_;
-    bool settled_ = false;
+    /// The frames so far, as long as they may be given out again.
+    std::vector<Cepstrum> kept_;
+    bool given_ = false;
     Sum sum_{};
     std::size_t count_ = 0;
     Sum mean_{};

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/PocketSphinx/ModelFiles.h"
 
+#include "Linux/PocketSphinx/ModelDefinition.h"
 #include "Linux/PocketSphinx/PocketSphinxError.h"
 
 #include <array>
@@ -73,6 +74,14 @@ Result<void> ModelFiles::check() const {
         }
     }
     return {};
+}
+
+Result<void> ModelFiles::checkContent() const {
+    if (auto result = check(); !result) {
+        return result;
+    }
+    const auto definition = acousticModel / "mdef";
+    return isWholeModelDefinition(definition) ? Result<void>() : broken(definition, "is damaged");
 }
 
 } // namespace tovik

@@ -19,9 +19,12 @@ struct ModelFiles {
     /// A model in a folder laid out as that of the package: en-us/, en-us.lm.bin, cmudict-en-us.dict.
     [[nodiscard]] static ModelFiles in(const std::filesystem::path& folder);
 
-    /// Whether the files are there and whole enough to be loaded. The error says which one is not, and what
-    /// to install. Reads a few bytes of each file.
+    /// Whether the files are there and begin as they should. The error says which one does not, and what to
+    /// install. Reads a few bytes of each file.
     [[nodiscard]] Result<void> check() const;
+
+    /// As check(), and looks into what the library would believe unseen. Takes some milliseconds.
+    [[nodiscard]] Result<void> checkContent() const;
 };
 
 } // namespace tovik

@@ -5,6 +5,8 @@
 #include "Linux/PocketSphinx/PocketSphinxError.h"
 
 #include <pocketsphinx.h>
+#include <sphinxbase/ckd_alloc.h>
+#include <sphinxbase/err.h>
 #include <sphinxbase/feat.h>
 
 #include <array>
@@ -34,10 +36,7 @@ cmd_ln_t* makeConfiguration(const ModelPaths& paths) {
 
 } // namespace
 
-Result<std::unique_ptr<UtteranceDecoder>> PocketSphinxDecoder::load(const ModelFiles& files) {
-    if (auto usable = files.check(); !usable) {
-        return usable.error();
-    }
+Result<ps_decoder_s*> PocketSphinxDecoder::loadLibrary(const ModelFiles& files) {
     LibraryCall library;
     const ModelPaths paths{files.acousticModel.string(), files.languageModel.string(),
                            files.dictionary.string()};
@@ -47,31 +46,52 @@ Result<std::unique_ptr<UtteranceDecoder>> PocketSphinxDecoder::load(const ModelF
         configuration = makeConfiguration(paths);
         if (configuration != nullptr) {
             decoder = ps_init(configuration);
+            cmd_ln_free_r(configuration);
+        }
+        // Of a file that is none the library makes a dictionary without words.
+        if (decoder != nullptr) {
+            char* const phones = ps_lookup_word(decoder, "the");
+            if (phones == nullptr) {
+                E_ERROR("The dictionary holds no English words\n");
+                ps_free(decoder);
+                decoder = nullptr;
+            }
+            ckd_free(phones);
         }
     });
     if (!returned || decoder == nullptr) {
-        if (returned) {
-            cmd_ln_free_r(configuration);
-        }
         return pocketSphinxError(PocketSphinxCode::noModel,
                                  "The English speech model is not usable: " + library.complaintsLine() +
                                      ". Install the Debian package pocketsphinx-en-us anew.");
     }
     // The library normalises from what it heard last; here the frames come normalised.
     ps_get_feat(decoder)->cmn = CMN_NONE;
-    auto frontEnd = FrontEnd::make(configuration);
-    cmd_ln_free_r(configuration);
+    return decoder;
+}
+
+Result<std::unique_ptr<UtteranceDecoder>> PocketSphinxDecoder::load(const ModelFiles& files) {
+    if (auto usable = files.checkContent(); !usable) {
+        return usable.error();
+    }
+    const auto loaded = loadLibrary(files);
+    if (!loaded) {
+        return loaded.error();
+    }
+    auto* const decoder = loaded.value();
+    auto frontEnd = FrontEnd::make(ps_get_config(decoder));
     if (frontEnd == nullptr) {
         ps_free(decoder);
         return pocketSphinxError(PocketSphinxCode::noModel,
                                  "The English speech model is not usable: it has other features. "
                                  "Install the Debian package pocketsphinx-en-us anew.");
     }
-    return std::unique_ptr<UtteranceDecoder>(new PocketSphinxDecoder(decoder, std::move(frontEnd)));
+    return std::unique_ptr<UtteranceDecoder>(new PocketSphinxDecoder(files, decoder, std::move(frontEnd)));
 }
 
-PocketSphinxDecoder::PocketSphinxDecoder(ps_decoder_s* decoder, std::unique_ptr<FrontEnd> frontEnd)
-    : decoder_(decoder),
+PocketSphinxDecoder::PocketSphinxDecoder(ModelFiles files, ps_decoder_s* decoder,
+                                         std::unique_ptr<FrontEnd> frontEnd)
+    : files_(std::move(files)),
+      decoder_(decoder),
       frontEnd_(std::move(frontEnd)) {}
 
 PocketSphinxDecoder::~PocketSphinxDecoder() {
@@ -96,7 +116,30 @@ Result<void> PocketSphinxDecoder::call(Callable callable) {
     return {};
 }
 
-Result<void> PocketSphinxDecoder::begin(const std::vector<std::string>&) {
+Result<void> PocketSphinxDecoder::forgetTerms() {
+    const auto loaded = loadLibrary(files_);
+    if (!loaded) {
+        return loaded.error();
+    }
+    if (!unusable_) {
+        ps_free(decoder_);
+    }
+    unusable_ = false;
+    decoder_ = loaded.value();
+    vocabulary_ = {};
+    return {};
+}
+
+Result<void> PocketSphinxDecoder::begin(const std::vector<std::string>& contextualStrings) {
+    if (unusable_ || vocabulary_.hasOthersThan(contextualStrings)) {
+        if (auto forgotten = forgetTerms(); !forgotten) {
+            return forgotten;
+        }
+    }
+    if (auto taught = vocabulary_.teach(decoder_, contextualStrings); !taught) {
+        unusable_ = true;
+        return taught;
+    }
     voice_.begin();
     frontEnd_->begin();
     mean_.begin();
@@ -106,11 +149,24 @@ Result<void> PocketSphinxDecoder::begin(const std::vector<std::string>&) {
 
 Result<void> PocketSphinxDecoder::accept(std::span<const std::int16_t> samples) {
     heard_.clear();
-    ready_.clear();
     voice_.process(samples);
     frontEnd_->process(samples, heard_);
     mean_.process(heard_, ready_);
-    return search(ready_);
+    return searchReady();
+}
+
+Result<void> PocketSphinxDecoder::searchReady() {
+    if (ready_.startsOver && searched_ > 0) {
+        searched_ = 0;
+        auto startedOver = call([this] {
+            ps_end_utt(decoder_);
+            return ps_start_utt(decoder_);
+        });
+        if (!startedOver) {
+            return startedOver;
+        }
+    }
+    return search(ready_.frames);
 }
 
 Result<void> PocketSphinxDecoder::search(std::span<const Cepstrum> frames) {
@@ -135,16 +191,18 @@ std::string PocketSphinxDecoder::hypothesis() {
         text = ps_get_hyp(decoder_, nullptr);
         return 0;
     });
-    return result && text != nullptr ? text : "";
+    return result && text != nullptr ? vocabulary_.spelled(text) : "";
 }
 
 Result<std::string> PocketSphinxDecoder::finish() {
     heard_.clear();
-    ready_.clear();
     frontEnd_->finish(heard_);
     mean_.process(heard_, ready_);
-    mean_.finish(ready_);
-    auto searched = search(ready_);
+    auto searched = searchReady();
+    if (searched) {
+        mean_.finish(ready_);
+        searched = searchReady();
+    }
     if (searched && searched_ > 0) {
         // The last frames wait for three more, which give their features the right-hand side.
         const std::array<Cepstrum, 3> padding{last_, last_, last_};

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Linux/PocketSphinx/CepstralMean.h"
+#include "Linux/PocketSphinx/ContextualVocabulary.h"
 #include "Linux/PocketSphinx/FrontEnd.h"
 #include "Linux/PocketSphinx/LibraryCall.h"
 #include "Linux/PocketSphinx/ModelFiles.h"
@@ -29,19 +30,28 @@ public:
     [[nodiscard]] Result<std::string> finish() override;
 
 private:
-    PocketSphinxDecoder(ps_decoder_s* decoder, std::unique_ptr<FrontEnd> frontEnd);
+    PocketSphinxDecoder(ModelFiles files, ps_decoder_s* decoder, std::unique_ptr<FrontEnd> frontEnd);
+
+    /// The library's decoder on the model; an error for every model that is unusable.
+    [[nodiscard]] static Result<ps_decoder_s*> loadLibrary(const ModelFiles& files);
+    /// Starts over with a decoder that was taught no terms.
+    Result<void> forgetTerms();
 
     /// Runs a call of the library; after one that failed, none any more.
     template <typename Callable>
     [[nodiscard]] Result<void> call(Callable callable);
+    /// Searches what is ready, from the start of the utterance if need be.
+    Result<void> searchReady();
     Result<void> search(std::span<const Cepstrum> frames);
 
-    ps_decoder_s* const decoder_;
+    const ModelFiles files_;
+    ps_decoder_s* decoder_;
     const std::unique_ptr<FrontEnd> frontEnd_;
+    ContextualVocabulary vocabulary_;
     VoiceEvidence voice_;
     CepstralMean mean_;
     std::vector<Cepstrum> heard_;
-    std::vector<Cepstrum> ready_;
+    CepstralMean::Output ready_;
     std::size_t searched_ = 0;
     Cepstrum last_{};
     bool unusable_ = false;

@@ -59,7 +59,7 @@ PocketSphinxService::PocketSphinxService(SystemLog& log, std::function<Result<vo
       loader_(std::move(loader)),
       limits_(limits) {
     if (auto usable = check_(); usable) {
-        recognition_ = std::make_shared<RecognitionThread>(loader_, log_);
+        recognition_ = std::make_shared<RecognitionThread>(loader_, limits_.clock, log_);
     } else {
         missing_ = usable.error();
         log_->logLine("[TovikVoice] Speech recognition is not available: " + missing_->description);
@@ -97,7 +97,7 @@ std::optional<std::string> PocketSphinxService::whyUnavailable() {
     const std::lock_guard lock(mutex_);
     if (!recognition_ && check_()) {
         missing_.reset();
-        recognition_ = std::make_shared<RecognitionThread>(loader_, log_);
+        recognition_ = std::make_shared<RecognitionThread>(loader_, limits_.clock, log_);
     }
     if (!recognition_) {
         return missing_->description;
@@ -131,9 +131,8 @@ void PocketSphinxService::start(std::shared_ptr<Utterance> utterance) {
 }
 
 void PocketSphinxService::watch() {
-    const auto interval = limits_.silence / 4;
     std::unique_lock lock(mutex_);
-    while (!ending_.wait_for(lock, interval, [this] { return ends_; })) {
+    while (!ending_.wait_for(lock, limits_.look, [this] { return ends_; })) {
         if (recognition_ && recognition_->silentFor() > limits_.silence) {
             replaceSilentThread();
         }
@@ -143,7 +142,7 @@ void PocketSphinxService::watch() {
 void PocketSphinxService::replaceSilentThread() {
     log_->logLine("[TovikVoice] Speech recognition does not answer: it is started anew");
     auto unanswered = recognition_->leave(Seconds(0));
-    recognition_ = std::make_shared<RecognitionThread>(loader_, log_);
+    recognition_ = std::make_shared<RecognitionThread>(loader_, limits_.clock, log_);
     if (unanswered.empty()) {
         return;
     }

@@ -26,8 +26,11 @@ public:
     struct Limits {
         /// How long the decoder may work without a sign of life.
         Seconds silence{15};
+        /// How often that is looked at.
+        Seconds look{2};
         /// How long the destruction waits for the decoder.
         Seconds goodbye{2};
+        RecognitionThread::SteadyClock clock = [] { return std::chrono::steady_clock::now(); };
     };
 
     explicit PocketSphinxService(SystemLog& log, ModelFiles files = ModelFiles::unitedStatesEnglish());

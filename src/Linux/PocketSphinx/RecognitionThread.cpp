@@ -16,8 +16,6 @@ namespace tovik {
 
 namespace {
 
-using SteadyTime = std::chrono::steady_clock::time_point;
-
 /// How often a thread that waits for sound looks whether it is still wanted.
 constexpr std::chrono::milliseconds kLookUp{100};
 /// Sound between two looks at the hypothesis.
@@ -28,11 +26,13 @@ constexpr std::size_t kFramesAtOnce = 2048;
 } // namespace
 
 struct RecognitionThread::State {
-    explicit State(DecoderLoader loader, std::shared_ptr<SharedLog> systemLog)
+    State(DecoderLoader loader, SteadyClock steadyClock, std::shared_ptr<SharedLog> systemLog)
         : load(std::move(loader)),
+          clock(std::move(steadyClock)),
           log(std::move(systemLog)) {}
 
-    DecoderLoader load;
+    const DecoderLoader load;
+    const SteadyClock clock;
     const std::shared_ptr<SharedLog> log;
 
     std::mutex mutex;
@@ -42,7 +42,7 @@ struct RecognitionThread::State {
     std::deque<std::shared_ptr<Utterance>> waiting;
     std::shared_ptr<Utterance> current;
     std::optional<Error> failure;
-    std::optional<SteadyTime> busySince;
+    std::optional<std::chrono::steady_clock::time_point> busySince;
     bool loaded = false;
     bool leaving = false;
     bool hasEnded = false;
@@ -57,7 +57,7 @@ struct RecognitionThread::State {
     auto busy(Task task) {
         {
             const std::lock_guard lock(mutex);
-            busySince = std::chrono::steady_clock::now();
+            busySince = clock();
         }
         auto outcome = task();
         const std::lock_guard lock(mutex);
@@ -208,8 +208,8 @@ Result<std::string> RecognitionThread::State::listen(UtteranceDecoder& decoder, 
     return trouble ? Result<std::string>(*trouble) : text;
 }
 
-RecognitionThread::RecognitionThread(DecoderLoader loader, std::shared_ptr<SharedLog> log)
-    : state_(std::make_shared<State>(std::move(loader), std::move(log))),
+RecognitionThread::RecognitionThread(DecoderLoader loader, SteadyClock clock, std::shared_ptr<SharedLog> log)
+    : state_(std::make_shared<State>(std::move(loader), std::move(clock), std::move(log))),
       thread_([state = state_] { state->run(); }) {}
 
 RecognitionThread::~RecognitionThread() {
@@ -249,7 +249,7 @@ bool RecognitionThread::waitUntilLoaded(Seconds atMost) const {
 
 Seconds RecognitionThread::silentFor() const {
     const std::lock_guard lock(state_->mutex);
-    return state_->busySince ? Seconds(std::chrono::steady_clock::now() - *state_->busySince) : Seconds(0);
+    return state_->busySince ? Seconds(state_->clock() - *state_->busySince) : Seconds(0);
 }
 
 std::deque<std::shared_ptr<Utterance>> RecognitionThread::leave(Seconds atMost) {

@@ -7,6 +7,7 @@
 #include "Linux/PocketSphinx/UtteranceDecoder.h"
 #include "Platform/Clock.h"
 
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -22,7 +23,10 @@ using DecoderLoader = std::function<Result<std::unique_ptr<UtteranceDecoder>>()>
 /// utterance that comes while the decoder loads or decodes waits; its sound waits in its request.
 class RecognitionThread {
 public:
-    RecognitionThread(DecoderLoader loader, std::shared_ptr<SharedLog> log);
+    /// Tells the time that silentFor() goes by. Any thread.
+    using SteadyClock = std::function<std::chrono::steady_clock::time_point()>;
+
+    RecognitionThread(DecoderLoader loader, SteadyClock clock, std::shared_ptr<SharedLog> log);
     /// As leave() with no time.
     ~RecognitionThread();
     RecognitionThread(const RecognitionThread&) = delete;

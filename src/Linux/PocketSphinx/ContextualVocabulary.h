@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Result.h"
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+struct ps_decoder_s;
+
+namespace tovik {
+
+/// The words and phrases that a decoder was taught for the user. Each is one word to the decoder, also a
+/// phrase and also a word that the decoder knew already: so it gets a weight of its own, and comes out in the
+/// user's spelling.
+class ContextualVocabulary {
+public:
+    /// Further terms are left out: each one costs time in every frame.
+    static constexpr std::size_t mostTerms = 500;
+
+    /// Teaches the decoder, between utterances, those of the terms that it was not taught yet. Terms that
+    /// cannot be said, such as those in other scripts, are passed over.
+    Result<void> teach(ps_decoder_s* decoder, const std::vector<std::string>& terms);
+
+    /// Whether the decoder was taught anything that is not among these: nothing can be untaught.
+    [[nodiscard]] bool hasOthersThan(const std::vector<std::string>& terms) const;
+
+    /// The words of a decoder, with the terms in the user's spelling.
+    [[nodiscard]] std::string spelled(const std::string& words) const;
+
+private:
+    struct NewWord {
+        std::string word;
+        std::string phones;
+        bool isVariant = false;
+    };
+
+    [[nodiscard]] std::vector<NewWord> newWords(ps_decoder_s* decoder, const std::vector<std::string>& terms);
+    Result<void> add(ps_decoder_s* decoder, const std::vector<NewWord>& words);
+
+    /// The terms met so far, with the decoder's word for each; without one when it cannot be said.
+    std::map<std::string, std::string> wordOfTerm_;
+    std::map<std::string, std::string> termOfWord_;
+};
+
+} // namespace tovik

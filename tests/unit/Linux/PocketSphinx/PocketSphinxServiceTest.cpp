@@ -1,0 +1,268 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/PocketSphinx/PocketSphinxService.h"
+
+#include "ScriptedDecoder.h"
+#include "Speech/RecognitionRequest.h"
+#include "support/RecognitionAnswers.h"
+#include "support/RecordingLog.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+namespace tovik::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class PocketSphinxServiceTest : public testing::Test {
+protected:
+    PocketSphinxServiceTest() {
+        limits_.silence = Seconds(60);
+        limits_.look = Seconds(0.01);
+        limits_.clock = [time = time_] { return std::chrono::steady_clock::time_point(time->load()); };
+        limits_.goodbye = Seconds(60);
+    }
+    ~PocketSphinxServiceTest() override {
+        // Decoders that a test left hanging may go.
+        script_->loading.open();
+        script_->finishing.open();
+    }
+
+    void makeService() {
+        service_ = std::make_unique<PocketSphinxService>(
+            log_, [this] { return filesThere_ ? Result<void>() : Result<void>(kMissing); },
+            [script = script_, failure = loadFailure_]() -> Result<std::unique_ptr<UtteranceDecoder>> {
+                script->decoderMade();
+                script->loading.pass();
+                if (failure) {
+                    return *failure;
+                }
+                return std::unique_ptr<UtteranceDecoder>(std::make_unique<ScriptedDecoder>(script));
+            },
+            limits_);
+    }
+
+    std::shared_ptr<RecognitionRequest> makeRequest(bool partial = false,
+                                                    std::vector<std::string> contextualStrings = {}) {
+        RecognitionSettings settings;
+        settings.reportPartialResults = partial;
+        settings.contextualStrings = std::move(contextualStrings);
+        return std::make_shared<RecognitionRequest>(std::move(settings), UtteranceDecoder::sampleRate);
+    }
+
+    /// Starts a task on the request; the answers tell what becomes of it.
+    RecognitionAnswers start(const std::shared_ptr<RecognitionRequest>& request) {
+        const RecognitionAnswers answers;
+        tasks_.push_back(service_->makeRecognizer("en-US")->startTask(request, answers.handler()));
+        return answers;
+    }
+
+    static void append(RecognitionRequest& request, std::size_t frames) {
+        const std::vector<float> sound(frames, 0.1F);
+        request.append({sound, UtteranceDecoder::sampleRate});
+    }
+
+    /// A whole utterance of that many frames.
+    RecognitionAnswers say(std::size_t frames) {
+        const auto request = makeRequest();
+        append(*request, frames);
+        request->endAudio();
+        return start(request);
+    }
+
+    inline static const Error kMissing{"PocketSphinx", 2, "The model is missing. Install it."};
+
+    /// The time as the service knows it; stands still.
+    const std::shared_ptr<std::atomic<std::chrono::steady_clock::duration>> time_ =
+        std::make_shared<std::atomic<std::chrono::steady_clock::duration>>();
+    RecordingLog log_;
+    const std::shared_ptr<DecoderScript> script_ = std::make_shared<DecoderScript>();
+    std::atomic<bool> filesThere_{true};
+    std::optional<Error> loadFailure_;
+    PocketSphinxService::Limits limits_;
+    std::unique_ptr<PocketSphinxService> service_;
+    std::vector<std::unique_ptr<RecognitionTask>> tasks_;
+};
+
+TEST_F(PocketSphinxServiceTest, whileTheModelLoads_isAvailableAndLosesNoSound) {
+    script_->loading.close();
+    makeService();
+    script_->loading.waitForSomebody();
+    EXPECT_EQ(service_->whyUnavailable(), std::nullopt);
+    const auto answers = say(5000);
+    script_->loading.open();
+    EXPECT_EQ(answers.waitForText(), "5000 samples");
+}
+
+TEST_F(PocketSphinxServiceTest, whenTheFilesAreMissing_saysWhyAndLogsIt) {
+    filesThere_ = false;
+    makeService();
+    EXPECT_EQ(service_->whyUnavailable(), kMissing.description);
+    EXPECT_FALSE(service_->makeRecognizer("en-US")->isAvailable());
+    EXPECT_THAT(
+        log_.logged(),
+        ElementsAre("[TovikVoice] Speech recognition is not available: The model is missing. Install it."));
+    EXPECT_THAT(log_.printed(), IsEmpty());
+}
+
+TEST_F(PocketSphinxServiceTest, whenTheFilesAreMissing_answersWithTheReason) {
+    filesThere_ = false;
+    makeService();
+    EXPECT_EQ(say(100).waitForText(), "<The model is missing. Install it.>");
+    EXPECT_FALSE(service_->waitUntilLoaded(Seconds(0)));
+}
+
+TEST_F(PocketSphinxServiceTest, whenTheFilesTurnUpLater_recognises) {
+    filesThere_ = false;
+    makeService();
+    ASSERT_TRUE(service_->whyUnavailable());
+    filesThere_ = true;
+    EXPECT_EQ(service_->whyUnavailable(), std::nullopt);
+    EXPECT_EQ(say(100).waitForText(), "100 samples");
+}
+
+TEST_F(PocketSphinxServiceTest, whenLoadingFails_saysWhyAndAnswersWithTheReason) {
+    loadFailure_ = Error{"PocketSphinx", 2, "The model is broken."};
+    script_->loading.close();
+    makeService();
+    const auto before = say(100);
+    script_->loading.open();
+    EXPECT_EQ(before.waitForText(), "<The model is broken.>");
+    EXPECT_EQ(say(100).waitForText(), "<The model is broken.>");
+    EXPECT_EQ(service_->whyUnavailable(), "The model is broken.");
+    EXPECT_FALSE(service_->waitUntilLoaded(Seconds(60)));
+    EXPECT_THAT(log_.logged(), Contains(HasSubstr("The model is broken.")));
+}
+
+TEST_F(PocketSphinxServiceTest, onlyServesItsLanguage) {
+    makeService();
+    EXPECT_NE(service_->makeRecognizer("en_US.UTF-8"), nullptr);
+    EXPECT_NE(service_->makeRecognizer("en"), nullptr);
+    EXPECT_EQ(service_->makeRecognizer("en-GB"), nullptr);
+    EXPECT_EQ(service_->makeRecognizer("de-DE"), nullptr);
+}
+
+TEST_F(PocketSphinxServiceTest, handsTheContextualStringsToTheDecoder) {
+    makeService();
+    const auto request = makeRequest(false, {"Tovik", "Zoom"});
+    request->endAudio();
+    ASSERT_TRUE(start(request).waitForEnd());
+    EXPECT_THAT(script_->contextualStrings(), ElementsAre(ElementsAre("Tovik", "Zoom")));
+}
+
+TEST_F(PocketSphinxServiceTest, whenASecondUtteranceBeginsBeforeTheFirstEnds_answersBoth) {
+    script_->finishing.close();
+    makeService();
+    const auto first = say(1000);
+    script_->finishing.waitForSomebody();
+    const auto second = say(2000);
+    script_->finishing.open();
+    EXPECT_EQ(first.waitForText(), "1000 samples");
+    EXPECT_EQ(second.waitForText(), "2000 samples");
+}
+
+TEST_F(PocketSphinxServiceTest, whenTheDecoderFails_answersOnceAndGoesOn) {
+    script_->failFrom(1);
+    makeService();
+    const auto first = say(100);
+    EXPECT_EQ(first.waitForText(), "<The recogniser failed: script>");
+    script_->failFrom(1000);
+    EXPECT_EQ(say(100).waitForText(), "100 samples");
+    EXPECT_EQ(first.all().size(), 1U);
+}
+
+TEST_F(PocketSphinxServiceTest, whenTheDecoderHangs_givesItUpAndTheNextUtteranceIsRecognised) {
+    script_->finishing.close();
+    makeService();
+    const auto hanging = say(100);
+    const auto waiting = say(200);
+    script_->finishing.waitForSomebody();
+    *time_ = std::chrono::minutes(2);
+    EXPECT_EQ(hanging.waitForText(), "<The recogniser does not answer>");
+    script_->finishing.open();
+    EXPECT_EQ(waiting.waitForText(), "200 samples");
+    EXPECT_EQ(hanging.all().size(), 1U);
+    EXPECT_EQ(script_->decoders(), 2);
+    EXPECT_THAT(log_.logged(),
+                Contains("[TovikVoice] Speech recognition does not answer: it is started anew"));
+}
+
+TEST_F(PocketSphinxServiceTest, whenEndedWhileSomebodySpeaks_answersWithAnErrorOnce) {
+    makeService();
+    const auto request = makeRequest();
+    const auto answers = start(request);
+    append(*request, 100);
+    service_.reset();
+    EXPECT_EQ(answers.waitForText(), "<Recognition was ended>");
+    EXPECT_EQ(answers.all().size(), 1U);
+}
+
+TEST_F(PocketSphinxServiceTest, whenEndedWhileTheDecoderHangs_doesNotWaitForIt) {
+    limits_.goodbye = Seconds(0.01);
+    script_->finishing.close();
+    makeService();
+    const auto hanging = say(100);
+    const auto waiting = say(100);
+    script_->finishing.waitForSomebody();
+    service_.reset();
+    EXPECT_EQ(hanging.waitForText(), "<Recognition was ended>");
+    EXPECT_EQ(waiting.waitForText(), "<Recognition was ended>");
+}
+
+TEST_F(PocketSphinxServiceTest, whenEndedWhileTheModelLoads_answersEverybody) {
+    limits_.goodbye = Seconds(0.01);
+    script_->loading.close();
+    makeService();
+    const auto answers = say(100);
+    service_.reset();
+    EXPECT_EQ(answers.waitForText(), "<Recognition was ended>");
+}
+
+TEST_F(PocketSphinxServiceTest, whenTheRequestIsLetGoOfWithoutAnEnd_answersWithWhatWasHeard) {
+    makeService();
+    auto request = makeRequest();
+    const auto answers = start(request);
+    append(*request, 3000);
+    request.reset();
+    EXPECT_EQ(answers.waitForText(), "3000 samples");
+    EXPECT_EQ(say(10).waitForText(), "10 samples");
+}
+
+TEST_F(PocketSphinxServiceTest, whenSoundWasDropped_saysSoOnce) {
+    script_->loading.close();
+    makeService();
+    const auto request = makeRequest();
+    append(*request, 41 * 16000);
+    request->endAudio();
+    const auto answers = start(request);
+    script_->loading.open();
+    EXPECT_EQ(answers.waitForText(), "640000 samples");
+    EXPECT_THAT(log_.logged(), ElementsAre("[TovikVoice] Speech recognition could not keep up: 16000 frames "
+                                           "of sound were dropped"));
+}
+
+TEST_F(PocketSphinxServiceTest, whenTheMicrophoneHasNoRate_answersWithAnError) {
+    makeService();
+    const auto request = std::make_shared<RecognitionRequest>(RecognitionSettings{}, 0);
+    request->endAudio();
+    EXPECT_EQ(start(request).waitForText(), "<The microphone has no sample rate>");
+}
+
+TEST_F(PocketSphinxServiceTest, afterTheEnd_tasksMayStillBeFinished) {
+    makeService();
+    const auto answers = say(10);
+    ASSERT_TRUE(answers.waitForEnd());
+    service_.reset();
+    tasks_.front()->finish();
+    tasks_.clear();
+}
+
+} // namespace
+} // namespace tovik::test

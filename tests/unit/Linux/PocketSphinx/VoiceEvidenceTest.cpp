@@ -1,0 +1,146 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/PocketSphinx/VoiceEvidence.h"
+
+#include "support/Recordings.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <ostream>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace tovik {
+namespace {
+
+using test::kRecordings;
+
+constexpr int kRate = 16000;
+
+bool hasVoice(const std::vector<float>& sound) {
+    std::vector<std::int16_t> samples;
+    for (const auto value : sound) {
+        samples.push_back(
+            static_cast<std::int16_t>(std::lround(std::clamp(value, -1.0F, 0.9999F) * 32768.0F)));
+    }
+    VoiceEvidence evidence;
+    evidence.begin();
+    evidence.process(samples);
+    return evidence.heardVoice();
+}
+
+/// Four seconds of what the function gives for each moment, in seconds.
+std::vector<float> sound(const std::function<double(double)>& at) {
+    std::vector<float> samples(static_cast<std::size_t>(4 * kRate));
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        samples[i] = static_cast<float>(at(static_cast<double>(i) / kRate));
+    }
+    return samples;
+}
+
+std::vector<float> whiteNoise(double loudness) {
+    std::mt19937 random(7);
+    std::normal_distribution<double> noise(0, loudness);
+    return sound([&](double) { return noise(random); });
+}
+
+std::vector<float> rumble(double loudness) {
+    std::mt19937 random(7);
+    std::normal_distribution<double> noise(0, loudness);
+    double slow = 0;
+    return sound([&](double) { return slow = 0.98 * slow + 0.2 * noise(random); });
+}
+
+std::vector<float> hum(double frequency, double loudness) {
+    return sound([=](double time) {
+        return loudness * (std::sin(2 * M_PI * frequency * time) + std::sin(4 * M_PI * frequency * time) / 2);
+    });
+}
+
+std::vector<float> clicks(int perSecond) {
+    std::mt19937 random(7);
+    std::normal_distribution<double> noise(0, 1);
+    return sound([&](double time) {
+        const double since = std::fmod(time * perSecond, 1.0) / perSecond;
+        return (0.5 * std::exp(-since * 400) + 0.0005) * noise(random);
+    });
+}
+
+std::vector<float> beeps() {
+    return sound(
+        [](double time) { return std::fmod(time, 1.0) < 0.25 ? 0.2 * std::sin(2 * M_PI * 880 * time) : 0; });
+}
+
+std::vector<float> breath() {
+    std::mt19937 random(7);
+    std::normal_distribution<double> noise(0, 0.05);
+    return sound([&](double time) { return std::max(0.0, std::sin(2 * M_PI * time)) * noise(random); });
+}
+
+struct Noise {
+    std::string name;
+    std::function<std::vector<float>()> make;
+
+    friend void PrintTo(const Noise& noise, std::ostream* out) { *out << noise.name; }
+};
+
+class NoVoice : public testing::TestWithParam<Noise> {};
+
+TEST_P(NoVoice, isHeardInIt) {
+    EXPECT_FALSE(hasVoice(GetParam().make()));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Noises, NoVoice,
+    testing::Values(
+        Noise{"DigitalSilence", [] { return sound([](double) { return 0.0; }); }},
+        Noise{"SteadyOffset", [] { return sound([](double) { return 0.1; }); }},
+        Noise{"ConverterNoise", [] { return whiteNoise(0.00005); }},
+        Noise{"FaintNoise", [] { return whiteNoise(0.001); }},
+        Noise{"Noise", [] { return whiteNoise(0.01); }}, Noise{"LoudNoise", [] { return whiteNoise(0.1); }},
+        Noise{"DeafeningNoise", [] { return whiteNoise(0.5); }}, Noise{"Rumble", [] { return rumble(0.3); }},
+        Noise{"MainsHum50", [] { return hum(50, 0.1); }}, Noise{"MainsHum60", [] { return hum(60, 0.1); }},
+        Noise{"FanHum120", [] { return hum(120, 0.1); }}, Noise{"FaintHum120", [] { return hum(120, 0.01); }},
+        Noise{"Whistle440", [] { return hum(440, 0.05); }},
+        Noise{"Whistle1000", [] { return hum(1000, 0.05); }}, Noise{"OneKeyStroke", [] { return clicks(1); }},
+        Noise{"Typing", [] { return clicks(8); }}, Noise{"Beeps", beeps}, Noise{"Breath", breath}),
+    [](const auto& noise) { return noise.param.name; });
+
+class Voice : public testing::TestWithParam<const char*> {};
+
+TEST_P(Voice, isHeardInIt) {
+    EXPECT_TRUE(hasVoice(test::readRecording(kRecordings + GetParam())));
+}
+
+TEST_P(Voice, isHeardInItWhenItIsFaint) {
+    auto recording = test::readRecording(kRecordings + GetParam());
+    for (auto& sample : recording) {
+        sample /= 10;
+    }
+    EXPECT_TRUE(hasVoice(recording));
+}
+
+INSTANTIATE_TEST_SUITE_P(Recordings, Voice,
+                         testing::Values("goforward.raw", "something.raw", "numbers.raw", "cards/001.wav",
+                                         "cards/002.wav", "cards/003.wav", "cards/004.wav", "cards/005.wav",
+                                         "librivox/sense_and_sensibility_01_austen_64kb-0870.wav",
+                                         "librivox/sense_and_sensibility_01_austen_64kb-0880.wav",
+                                         "librivox/sense_and_sensibility_01_austen_64kb-0930.wav"));
+
+TEST(VoiceEvidence, whenANewUtteranceBegins_forgetsTheLastOne) {
+    std::vector<std::int16_t> samples;
+    for (const auto value : test::readRecording(test::kGoForward)) {
+        samples.push_back(static_cast<std::int16_t>(value * 32768.0F));
+    }
+    VoiceEvidence evidence;
+    evidence.process(samples);
+    ASSERT_TRUE(evidence.heardVoice());
+    evidence.begin();
+    EXPECT_FALSE(evidence.heardVoice());
+}
+
+} // namespace
+} // namespace tovik
