@@ -2,13 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Linux/X11/XlibTypes.h"
 #include "Platform/Result.h"
 
 #include <map>
 #include <memory>
 #include <string>
-
-struct _XDisplay;
 
 namespace tovik {
 

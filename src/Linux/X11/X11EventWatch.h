@@ -2,10 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Linux/X11/XlibTypes.h"
+
 #include <functional>
 #include <memory>
 
-union _XEvent;
 class QSocketNotifier;
 
 namespace tovik {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Linux/X11/X11Keyboard.h"
+#include "Linux/X11/XlibTypes.h"
 #include "Platform/KeyMonitor.h"
 #include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
@@ -13,8 +14,6 @@
 #include <set>
 #include <string>
 #include <utility>
-
-union _XEvent;
 
 namespace tovik {
 

@@ -45,7 +45,7 @@ public:
     /// is shown, or on all.
     [[nodiscard]] std::optional<unsigned long> otherDesktop(unsigned long window) const;
 
-    /// Whether the window wants to be told of focus by a message (WM_TAKE_FOCUS).
+    /// Whether the window takes part in a protocol of ICCCM, such as "WM_TAKE_FOCUS".
     [[nodiscard]] bool hasProtocol(unsigned long window, const std::string& name) const;
 
 private:

@@ -140,12 +140,10 @@ bool X11Workspace::openFile(const std::string& path) {
 }
 
 void X11Workspace::handle(XEvent& event) {
-    if (event.type == FocusIn || event.type == FocusOut) {
+    const auto changed = event.type == PropertyNotify ? event.xproperty.atom : None;
+    if (event.type == FocusIn || event.type == FocusOut || changed == queries_->atom("_NET_ACTIVE_WINDOW")) {
         frontMayHaveChanged();
-    } else if (event.type == PropertyNotify && event.xproperty.atom == queries_->atom("_NET_ACTIVE_WINDOW")) {
-        frontMayHaveChanged();
-    } else if (event.type == PropertyNotify &&
-               event.xproperty.atom == queries_->atom("_NET_CURRENT_DESKTOP")) {
+    } else if (changed == queries_->atom("_NET_CURRENT_DESKTOP")) {
         Observers::tell(observers_->activeSpace);
     }
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Linux/X11/XlibTypes.h"
 #include "Platform/Lifetime.h"
 #include "Platform/Workspace.h"
 
@@ -9,8 +10,6 @@
 #include <map>
 #include <memory>
 #include <string>
-
-union _XEvent;
 
 namespace tovik {
 
