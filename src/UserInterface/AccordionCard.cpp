@@ -142,6 +142,8 @@ bool AccordionCard::isCollapsedHeightActive() const {
 }
 
 void AccordionCard::setChevronExpanded(bool expanded) {
+    titleButton_->setExpanded(expanded);
+    chevron_->setExpanded(expanded);
     chevron_->setSymbol(expanded ? QStringLiteral("chevron.down") : QStringLiteral("chevron.right"),
                         theme::kChevronSymbolSize);
 }

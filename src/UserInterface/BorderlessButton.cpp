@@ -5,6 +5,7 @@
 #include "UserInterface/SymbolImage.h"
 #include "UserInterface/Theme.h"
 
+#include <QAccessible>
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QStyle>
@@ -56,6 +57,17 @@ void BorderlessButton::describe(const QString& name, const QString& help) {
     setAccessibleName(name);
     setAccessibleDescription(help);
     setToolTip(help);
+}
+
+void BorderlessButton::setExpanded(bool expanded) {
+    if (expanded_ == expanded) {
+        return;
+    }
+    expanded_ = expanded;
+    QAccessible::State changed;
+    changed.expanded = true;
+    QAccessibleStateChangeEvent event(this, changed);
+    QAccessible::updateAccessibility(&event);
 }
 
 QSize BorderlessButton::sizeHint() const {

@@ -5,6 +5,8 @@
 #include <QColor>
 #include <QPushButton>
 
+#include <optional>
+
 namespace tovik {
 
 /// A button that is only its text, its symbol, or both side by side. Reached with the Tab key, where it shows
@@ -31,6 +33,10 @@ public:
     /// What assistive programs call the button, and what it does.
     void describe(const QString& name, const QString& help);
 
+    /// For a button that opens and closes something: whether that is open now. Nothing for all others.
+    void setExpanded(bool expanded);
+    [[nodiscard]] std::optional<bool> isExpanded() const { return expanded_; }
+
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -54,6 +60,7 @@ private:
     double symbolEdge_ = 0;
     QColor contentTint_ = Qt::black;
     Qt::Alignment alignment_ = Qt::AlignCenter;
+    std::optional<bool> expanded_;
     int horizontalPadding_ = 0;
     int verticalPadding_ = 0;
 };

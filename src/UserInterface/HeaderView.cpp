@@ -35,21 +35,6 @@ constexpr int kShortcutSpacing = 2;
 constexpr int kMoreOptionsSize = 28;
 constexpr double kMoreOptionsSymbol = 18;
 
-/// The program's icon, sharp on every screen.
-class ApplicationIconView : public QWidget {
-public:
-    ApplicationIconView() {
-        setFixedSize(kIconSize, kIconSize);
-        setAccessibleName(QStringLiteral("Tovik Record app icon"));
-    }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        QPainter painter(this);
-        painter.drawPixmap(0, 0, symbols::applicationIconPixmap(kIconSize, devicePixelRatioF()));
-    }
-};
-
 QLabel* makeLabel(const QString& text, double size, FontWeight weight) {
     auto* label = new QLabel(text);
     label->setFont(theme::font(size, weight));
@@ -64,6 +49,16 @@ void setTextColor(QWidget& view, const Rgba& color) {
 }
 
 } // namespace
+
+ApplicationIconView::ApplicationIconView(QWidget* parent) : QWidget(parent) {
+    setFixedSize(kIconSize, kIconSize);
+    setAccessibleName(QStringLiteral("Tovik Record app icon"));
+}
+
+void ApplicationIconView::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.drawPixmap(0, 0, symbols::applicationIconPixmap(kIconSize, devicePixelRatioF()));
+}
 
 HeaderView::HeaderView(MainQueue& queue, QWidget* parent)
     : QWidget(parent),

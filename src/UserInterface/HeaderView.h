@@ -14,6 +14,17 @@ namespace tovik {
 class BorderlessButton;
 class TovikTinyWaveformView;
 
+/// The program's icon, sharp on every screen.
+class ApplicationIconView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ApplicationIconView(QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
 /// What stays at the top of the main window while the cards scroll beneath it: what the program is, that it
 /// is ready, and the keys to hold.
 class HeaderView : public QWidget {

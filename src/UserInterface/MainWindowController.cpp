@@ -4,6 +4,7 @@
 
 #include "Permissions/PermissionChecklist.h"
 #include "Permissions/PermissionRequests.h"
+#include "UserInterface/AccessibleViews.h"
 #include "UserInterface/AccordionCard.h"
 #include "UserInterface/FlippedDocumentView.h"
 #include "UserInterface/FooterView.h"
@@ -34,6 +35,7 @@ MainWindowController::MainWindowController(const Collaborators& collaborators,
       window_(std::make_unique<FixedWidthWindow>(with_.clock, with_.queue)),
       accordion_(std::make_unique<Accordion>(with_.clock, with_.queue,
                                              [this](bool animated) { updateMainWindowHeight(animated); })) {
+    installAccessibleViews();
     window_->setWindowTitle(QStringLiteral("Tovik Record"));
     window_->setWindowIcon(symbols::applicationIcon());
     window_->setLockedFrameWidth(mainWindowWidth);
