@@ -154,10 +154,10 @@ void SoundServer::thaw() {
 VirtualMicrophone& SoundServer::plugIn(const std::string& name, const std::string& description,
                                        unsigned sampleRate, unsigned channelCount) {
     const auto pipe = folder_ + "/" + name + ".pipe";
-    auto module =
-        control({"load-module", "module-pipe-source", "source_name=" + name, "file=" + pipe, "format=s16le",
-                 "channels=" + std::to_string(channelCount), "rate=" + std::to_string(sampleRate),
-                 "source_properties=\"device.description='" + description + "'\""});
+    auto module = control(
+        {"load-module", "module-pipe-source", "source_name=" + name, "file=" + pipe, "format=s16le",
+         "channels=" + std::to_string(channelCount), "rate=" + std::to_string(sampleRate),
+         "source_properties=\"device.description='" + description + "' session.suspend-timeout-seconds=1\""});
     modules_[name] = module.substr(0, module.find('\n'));
     waitUntil("microphone " + name, [&] { return lists(name); });
     auto& place = microphones_[name];

@@ -2,10 +2,11 @@
 // SPDX-License-Identifier: MIT
 //
 // Measures the microphone against a 48 kHz virtual source: how soon it hears, and what opening and closing it
-// cuts off. Prints a table for docs/performance.md.
+// cuts off. Prints a table for docs/performance.md. Arguments: PulseAudio or PipeWire for only one of them,
+// and how many recordings.
 #include "support/SoundRig.h"
 
-#include <sys/resource.h>
+#include <time.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -51,10 +52,11 @@ std::uint64_t now(const VirtualMicrophone& microphone) {
 
 /// One recording of two tenths of a second; what is learned of it goes into the columns.
 struct Columns {
-    Numbers startCall, firstBuffer, headCut, tailCut, stopCall;
+    Numbers startCall, firstSamples, firstBuffer, headCut, tailCut, stopCall;
 
     void print() {
         startCall.print("start() returns after");
+        firstSamples.print("start() to the first samples (tap of 48 frames)");
         firstBuffer.print("start() to the first whole buffer in the tap");
         headCut.print("spoken after start() and missing at the beginning");
         tailCut.print("spoken before flush() and missing at the end");
@@ -62,11 +64,11 @@ struct Columns {
     }
 };
 
-bool record(SoundRig& rig, const VirtualMicrophone& microphone, Columns& columns) {
+bool record(SoundRig& rig, const VirtualMicrophone& microphone, std::size_t bufferSize, Columns& columns) {
     Listener listener;
     std::atomic<Time::rep> first = 0;
     const auto tap = listener.tap();
-    rig.engine.installTap(1024, [&, tap](const AudioBuffer& buffer) {
+    rig.engine.installTap(bufferSize, [&, tap](const AudioBuffer& buffer) {
         if (first == 0) {
             first = Time::now().time_since_epoch().count();
         }
@@ -95,12 +97,51 @@ bool record(SoundRig& rig, const VirtualMicrophone& microphone, Columns& columns
     columns.stopCall.values.push_back(milliseconds(Time::now() - stopping));
     rig.engine.removeTap();
     const auto heard = listener.withoutSilence();
-    columns.firstBuffer.values.push_back(
-        milliseconds(Time::duration(first.load()) - begun.time_since_epoch()));
+    (bufferSize == 1024 ? columns.firstBuffer : columns.firstSamples)
+        .values.push_back(milliseconds(Time::duration(first.load()) - begun.time_since_epoch()));
     columns.headCut.values.push_back(framesBetween(atStart, VirtualMicrophone::numberOf(heard.front())) /
                                      48.0);
     columns.tailCut.values.push_back(framesBetween(VirtualMicrophone::numberOf(heard.back()), atStop) / 48.0);
     return true;
+}
+
+double cpuSeconds(clockid_t clock) {
+    timespec time{};
+    clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+/// What the capture thread uses, with a tap that does what the level meter does.
+void measureProcessor(SoundRig& rig) {
+    std::atomic<int> buffers = 0;
+    std::atomic<double> inTap = 0;
+    std::atomic<double> used = 0;
+    float level = 0;
+    rig.engine.installTap(1024, [&](const AudioBuffer& buffer) {
+        const auto before = Time::now();
+        float sum = 0;
+        for (const float sample : buffer.frames) {
+            sum += sample * sample;
+        }
+        level += std::sqrt(sum / static_cast<float>(buffer.frames.size()));
+        inTap = inTap + std::chrono::duration<double>(Time::now() - before).count();
+        used = cpuSeconds(CLOCK_THREAD_CPUTIME_ID);
+        ++buffers;
+    });
+    if (!rig.engine.start() || !eventually([&] { return buffers > 40; })) {
+        return;
+    }
+    const auto begun = Time::now();
+    const double before = used;
+    const double tapBefore = inTap;
+    const int buffersBefore = buffers;
+    std::this_thread::sleep_for(std::chrono::seconds(10));
+    const double share = (used - before) / std::chrono::duration<double>(Time::now() - begun).count();
+    std::printf(
+        "capture thread while recording: %.2f %% of a core; metering 1024 frames: %.1f microseconds (%g)\n",
+        share * 100, (inTap - tapBefore) / (buffers - buffersBefore) * 1e6, static_cast<double>(level));
+    rig.engine.stop();
+    rig.engine.removeTap();
 }
 
 bool isSuspended(const SoundServer& server) {
@@ -120,20 +161,24 @@ void measure(SoundServer::Kind kind, int times) {
         SoundRig rig(server);
         bool fine = rig.waitForDefault("bench") && eventually([&] { return microphone.frames() > 48000; });
         Columns unused;
-        fine = fine && record(rig, microphone, unused);
+        fine = fine && record(rig, microphone, 1024, unused);
         for (int round = 0; round < times && fine; ++round) {
-            fine = record(rig, microphone, warm);
+            fine = record(rig, microphone, 1024, warm) && record(rig, microphone, 48, warm);
+        }
+        if (fine) {
+            measureProcessor(rig);
         }
         if (kind == SoundServer::Kind::pulseAudio) {
             server.control({"load-module", "module-suspend-on-idle", "timeout=0"});
         }
-        for (int round = 0; round < times && fine; ++round) {
-            fine = eventually([&] { return isSuspended(server); }) && record(rig, microphone, suspended);
+        for (int round = 0; round < 2 * times && fine; ++round) {
+            fine = eventually([&] { return isSuspended(server); }) &&
+                   record(rig, microphone, round % 2 == 0 ? 48 : 1024, suspended);
         }
     }
-    for (int round = 0; round < times; ++round) {
+    for (int round = 0; round < 2 * times; ++round) {
         SoundRig rig(server);
-        record(rig, microphone, launched);
+        record(rig, microphone, round % 2 == 0 ? 48 : 1024, launched);
     }
     std::printf("%s, %d recordings each, milliseconds: least, median, most\n", nameOf(kind), times);
     std::printf(" connected, source awake\n");
@@ -148,8 +193,12 @@ void measure(SoundServer::Kind kind, int times) {
 
 int main(int argc, char** argv) {
     isolateSoundClient();
-    const int times = argc > 1 ? std::atoi(argv[1]) : 30;
-    measure(SoundServer::Kind::pulseAudio, times);
-    measure(SoundServer::Kind::pipeWire, times);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    const std::string only = argc > 1 ? argv[1] : "";
+    for (const auto kind : {SoundServer::Kind::pulseAudio, SoundServer::Kind::pipeWire}) {
+        if (only.empty() || only == nameOf(kind)) {
+            measure(kind, argc > 2 ? std::atoi(argv[2]) : 30);
+        }
+    }
     return 0;
 }
