@@ -22,6 +22,9 @@ PICTURE_AFTER_SECONDS = 0.9
 # A speaker lets go of the key a moment after the last word.
 TAIL_SECONDS = 0.3
 
+# The first sound to arrive may have been captured shortly before the key went down: servers deliver it in pieces.
+EARLIEST_SAMPLE_SECONDS = 0.1
+
 TEXT_SECONDS = 20.0
 
 RAW = "[TovikVoice] Raw Transcription: "
@@ -117,7 +120,8 @@ class Rehearsal:
             return line.startswith((RAW, *FAILURES))
 
         moment, line = self._program.lines.wait_for(ended, "the final text", TEXT_SECONDS, first_line)
-        result.first_buffer_ms = self._since(down, self._program.mark_after("first-sample", down))
+        heard = self._program.mark_after("first-sample", down - EARLIEST_SAMPLE_SECONDS)
+        result.first_buffer_ms = self._since(down, heard)
         if not line.startswith(RAW):
             raise StageError(line)
         result.transcript = line.removeprefix(RAW)
