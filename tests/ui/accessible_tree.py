@@ -10,34 +10,40 @@ import json
 import sys
 import time
 
-import pyatspi
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
 
 PATIENCE = 15.0
+
+
+def children(node) -> list:
+    every = (node.get_child_at_index(index) for index in range(node.get_child_count()))
+    return [child for child in every if child is not None]
 
 
 def application(process: int):
     """The program, once it shows a window."""
     deadline = time.monotonic() + PATIENCE
     while time.monotonic() < deadline:
-        for candidate in pyatspi.Registry.getDesktop(0):
+        for candidate in children(Atspi.get_desktop(0)):
             try:
-                if candidate is not None and candidate.get_process_id() == process and candidate.childCount > 0:
+                if candidate.get_process_id() == process and candidate.get_child_count() > 0:
                     return candidate
-            except Exception:  # it may be going just now
+            except GLib.Error:  # it may be going just now
                 continue
         time.sleep(0.1)
     return None
 
 
 def walk(node, depth: int, found: list) -> None:
-    for child in node:
-        if child is None:
+    for child in children(node):
+        states = child.get_state_set()
+        if not states.contains(Atspi.StateType.SHOWING):
             continue
-        states = child.getState()
-        if not states.contains(pyatspi.STATE_SHOWING):
-            continue
-        found.append([depth, child.getRoleName(), child.name, child.description,
-                      states.contains(pyatspi.STATE_FOCUSABLE)])
+        found.append([depth, child.get_role_name(), child.get_name(), child.get_description(),
+                      states.contains(Atspi.StateType.FOCUSABLE)])
         walk(child, depth + 1, found)
 
 
