@@ -27,7 +27,8 @@ settings of the first day. Touches no settings and writes no files.
 
   --json      one JSON object a recording: file, text (as it would be pasted), recognised
               (the recogniser's own words), audio_seconds, final_ms (end of sound to final
-              text), rtf (processor time for a second of sound); error when there is no text
+              text), rtf (processor time for a second of sound), load_ms (until the model was
+              loaded); error when there is no text
   --realtime  play at the speed at which a person speaks
   --vocabulary TERMS
               words and phrases to favour, beside the built-in ones; commas between them
@@ -76,13 +77,14 @@ Options parse(int count, char** arguments) {
     return options;
 }
 
-void printJson(const std::string& file, const Transcript& transcript) {
+void printJson(const std::string& file, const Transcript& transcript, tovik::Seconds loadTime) {
     nlohmann::ordered_json object{{"file", file},
                                   {"text", transcript.text},
                                   {"recognised", transcript.recognised},
                                   {"audio_seconds", transcript.audioSeconds},
                                   {"final_ms", transcript.finalMilliseconds},
-                                  {"rtf", transcript.realTimeFactor}};
+                                  {"rtf", transcript.realTimeFactor},
+                                  {"load_ms", loadTime.count() * 1000}};
     if (transcript.error) {
         object["error"] = *transcript.error;
     }
@@ -128,7 +130,7 @@ int transcribeAll(const Options& options) {
         }
         const auto transcript = transcriber.transcribe(std::move(sound.value()));
         if (options.json) {
-            printJson(file, transcript);
+            printJson(file, transcript, transcriber.loadTime());
         } else {
             printPlain(file, transcript);
         }

@@ -55,7 +55,7 @@ void CepstralMean::take(const Cepstrum& frame, Output& output) {
 void CepstralMean::estimate() {
     const auto heard = static_cast<double>(count_);
     const auto weight =
-        hasPast_ ? weightOfPast * std::max(0.0, 1 - heard / static_cast<double>(framesForMean)) : 0;
+        hasPast_ ? weightOfPast * std::max(0.0, 1 - heard / static_cast<double>(framesForEstimate)) : 0;
     if (heard + weight <= 0) {
         return;
     }

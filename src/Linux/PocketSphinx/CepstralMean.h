@@ -23,7 +23,7 @@ public:
     /// Frames of speech after which the mean stays.
     static constexpr std::size_t framesForMean = 300;
     /// How many frames the mean of the utterance before counts for at most; it counts the less the more was
-    /// heard of this one.
+    /// heard of this one, and nothing once there are enough for an estimate.
     static constexpr double weightOfPast = 50;
     /// Utterances with fewer frames say too little to be remembered.
     static constexpr std::size_t framesToRemember = 100;

@@ -8,9 +8,13 @@
 
 #include <pocketsphinx.h>
 #include <sphinxbase/ckd_alloc.h>
+#include <sphinxbase/err.h>
 #include <sphinxbase/ngram_model.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -18,9 +22,14 @@ namespace tovik {
 
 namespace {
 
-/// How much likelier a term is than a word of which the language model knows nothing. Measured with
-/// tools/measure-recognition: less misses terms that were said, more hears them in what was not.
-constexpr float kTermWeight = 10;
+/// A term is as likely as one of these words, where that one is likely. They are names, as most terms are,
+/// and the likeliest of those that mostly stand alone. When there are more terms than names they share.
+constexpr std::array<const char*, 20> kLikeWords{"america", "california", "washington", "john",  "london",
+                                                 "england", "texas",      "google",     "david", "michael",
+                                                 "france",  "george",     "russia",     "china", "jack",
+                                                 "joe",     "james",      "tom",        "mike",  "paris"};
+/// Further ways to say a term are looked up under its first one: they take up no weight.
+constexpr float kNoWeight = 1e-6F;
 
 /// The words of the decoder's one language model, which stands inside a set.
 ngram_model_t* languageModel(ps_decoder_t* decoder) {
@@ -57,40 +66,68 @@ Result<void> ContextualVocabulary::teach(ps_decoder_s* decoder, const std::vecto
 
 std::vector<ContextualVocabulary::NewWord>
 ContextualVocabulary::newWords(ps_decoder_s* decoder, const std::vector<std::string>& terms) {
+    taught_ = {terms.begin(), terms.end()};
     const TermPronouncer pronouncer([decoder](const std::string& word) { return lookUp(decoder, word); });
     std::vector<NewWord> words;
-    for (const auto& term : terms) {
-        if (wordOfTerm_.contains(term) || wordOfTerm_.size() >= mostTerms) {
-            continue;
+    for (const auto& term : taught_) {
+        if (termOfWord_.size() == mostTerms) {
+            break;
         }
         const auto ways = pronouncer.pronounce(term);
-        auto word = ways.empty() ? std::string() : "term#" + std::to_string(wordOfTerm_.size());
+        if (ways.empty()) {
+            continue;
+        }
+        const auto word = "term#" + std::to_string(termOfWord_.size());
         for (std::size_t way = 0; way < ways.size(); ++way) {
-            const auto variant = way == 0 ? word : word + "(" + std::to_string(way + 1) + ")";
-            words.push_back({variant, ways[way], way > 0});
+            words.push_back(
+                {way == 0 ? word : word + "(" + std::to_string(way + 1) + ")", ways[way], way > 0});
         }
-        if (!word.empty()) {
-            termOfWord_.emplace(word, term);
-        }
-        wordOfTerm_.emplace(term, std::move(word));
+        termOfWord_.emplace(word, term);
     }
     return words;
 }
 
 Result<void> ContextualVocabulary::add(ps_decoder_s* decoder, const std::vector<NewWord>& words) {
+    // Words that are simply added to this kind of language model make the library read beyond its arrays.
+    // Words of a class that is named like a word of the model do not.
+    struct Class {
+        std::vector<char*> names;
+        std::vector<float> weights;
+    };
+    std::array<Class, kLikeWords.size()> classes;
+    std::size_t term = 0;
+    for (const auto& word : words) {
+        term += word.isVariant ? 0 : 1;
+        auto& class_ = classes[term % classes.size()];
+        class_.names.push_back(const_cast<char*>(word.name.c_str()));
+        class_.weights.push_back(word.isVariant ? kNoWeight : 1);
+    }
+    for (auto& class_ : classes) {
+        const auto sum = std::accumulate(class_.weights.begin(), class_.weights.end(), 0.0F);
+        for (auto& weight : class_.weights) {
+            weight /= sum;
+        }
+    }
+
     LibraryCall library;
     bool added = true;
     const bool returned = library([&] {
         auto* const model = languageModel(decoder);
-        for (const auto& word : words) {
-            const bool last = &word == &words.back();
-            // In this order: a word that the model has keeps its weight when the decoder gets to know it.
-            if (model != nullptr && !word.isVariant) {
-                added = ngram_model_add_word(model, word.word.c_str(), kTermWeight) >= 0 && added;
+        for (std::size_t i = 0; i < classes.size() && added; ++i) {
+            const auto count = static_cast<std::int32_t>(classes[i].names.size());
+            if (model == nullptr || ngram_wid(model, kLikeWords[i]) == ngram_unknown_wid(model)) {
+                E_ERROR("The language model has no word for terms\n");
+                added = false;
+            } else if (count > 0) {
+                added = ngram_model_add_class(model, kLikeWords[i], 1, classes[i].names.data(),
+                                              classes[i].weights.data(), count) >= 0;
             }
+        }
+        for (const auto& word : words) {
             // Only the last one makes the decoder build its search anew, which takes a while.
-            added = ps_add_word(decoder, word.word.c_str(), word.phones.c_str(), last ? TRUE : FALSE) >= 0 &&
-                    added;
+            const bool last = &word == &words.back();
+            added = added &&
+                    ps_add_word(decoder, word.name.c_str(), word.phones.c_str(), last ? TRUE : FALSE) >= 0;
         }
     });
     if (!returned || !added) {
@@ -100,10 +137,8 @@ Result<void> ContextualVocabulary::add(ps_decoder_s* decoder, const std::vector<
     return {};
 }
 
-bool ContextualVocabulary::hasOthersThan(const std::vector<std::string>& terms) const {
-    return std::any_of(wordOfTerm_.begin(), wordOfTerm_.end(), [&](const auto& taught) {
-        return std::find(terms.begin(), terms.end(), taught.first) == terms.end();
-    });
+bool ContextualVocabulary::isTaught(const std::vector<std::string>& terms) const {
+    return taught_ == std::set<std::string>(terms.begin(), terms.end());
 }
 
 std::string ContextualVocabulary::spelled(const std::string& words) const {

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -21,19 +22,19 @@ public:
     /// Further terms are left out: each one costs time in every frame.
     static constexpr std::size_t mostTerms = 500;
 
-    /// Teaches the decoder, between utterances, those of the terms that it was not taught yet. Terms that
-    /// cannot be said, such as those in other scripts, are passed over.
+    /// Teaches the terms to a decoder that was taught none, between utterances. Terms that cannot be said,
+    /// such as those in other scripts, are passed over.
     Result<void> teach(ps_decoder_s* decoder, const std::vector<std::string>& terms);
 
-    /// Whether the decoder was taught anything that is not among these: nothing can be untaught.
-    [[nodiscard]] bool hasOthersThan(const std::vector<std::string>& terms) const;
+    /// Whether exactly these were taught.
+    [[nodiscard]] bool isTaught(const std::vector<std::string>& terms) const;
 
     /// The words of a decoder, with the terms in the user's spelling.
     [[nodiscard]] std::string spelled(const std::string& words) const;
 
 private:
     struct NewWord {
-        std::string word;
+        std::string name;
         std::string phones;
         bool isVariant = false;
     };
@@ -41,8 +42,7 @@ private:
     [[nodiscard]] std::vector<NewWord> newWords(ps_decoder_s* decoder, const std::vector<std::string>& terms);
     Result<void> add(ps_decoder_s* decoder, const std::vector<NewWord>& words);
 
-    /// The terms met so far, with the decoder's word for each; without one when it cannot be said.
-    std::map<std::string, std::string> wordOfTerm_;
+    std::set<std::string> taught_;
     std::map<std::string, std::string> termOfWord_;
 };
 

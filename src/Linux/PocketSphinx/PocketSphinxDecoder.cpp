@@ -131,14 +131,17 @@ Result<void> PocketSphinxDecoder::forgetTerms() {
 }
 
 Result<void> PocketSphinxDecoder::begin(const std::vector<std::string>& contextualStrings) {
-    if (unusable_ || vocabulary_.hasOthersThan(contextualStrings)) {
-        if (auto forgotten = forgetTerms(); !forgotten) {
-            return forgotten;
+    if (unusable_ || !vocabulary_.isTaught(contextualStrings)) {
+        // Nothing can be untaught, so that other terms need another decoder.
+        if (unusable_ || !vocabulary_.isTaught({})) {
+            if (auto forgotten = forgetTerms(); !forgotten) {
+                return forgotten;
+            }
         }
-    }
-    if (auto taught = vocabulary_.teach(decoder_, contextualStrings); !taught) {
-        unusable_ = true;
-        return taught;
+        if (auto taught = vocabulary_.teach(decoder_, contextualStrings); !taught) {
+            unusable_ = true;
+            return taught;
+        }
     }
     voice_.begin();
     frontEnd_->begin();

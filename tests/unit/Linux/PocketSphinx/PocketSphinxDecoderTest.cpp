@@ -18,6 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
+using testing::StrCaseEq;
 
 std::vector<std::int16_t> samplesOf(const std::vector<float>& sound) {
     std::vector<std::int16_t> samples;
@@ -91,6 +92,20 @@ TEST(PocketSphinxDecoder, whenAWordLeavesTheVocabulary_forgetsIt) {
     ASSERT_NE(decoder, nullptr);
     EXPECT_EQ(decode(*decoder, readRecording(kGoForward), {"Go Forward"}), "Go Forward ten meters");
     EXPECT_EQ(decode(*decoder, readRecording(kGoForward), {"Tovik"}), "go forward ten meters");
+}
+
+TEST(PocketSphinxDecoder, whenTheVocabularyIsLarge_goesOnRecognising) {
+    const auto decoder = loadDecoder();
+    ASSERT_NE(decoder, nullptr);
+    std::vector<std::string> terms{"Go Forward", "Ten"};
+    for (char first = 'a'; first <= 'z'; ++first) {
+        for (char second = 'a'; second <= 'z'; ++second) {
+            terms.push_back(std::string("Zork") + first + "ovi" + second + "on");
+        }
+    }
+    EXPECT_THAT(decode(*decoder, readRecording(kGoForward), terms), StrCaseEq("go forward ten meters"));
+    const auto sentence = kRecordings + "librivox/sense_and_sensibility_01_austen_64kb-0870.wav";
+    EXPECT_THAT(decode(*decoder, readRecording(sentence), terms), HasSubstr("in his power to do for"));
 }
 
 /// How a model is broken.
