@@ -9,10 +9,11 @@ namespace tovik {
 
 namespace {
 
-// How much sound the server gathers before it sends: the first samples come the sooner, and the last ones
-// before the key is let go are the fewer missing, the less it is. Below this, waking up costs more than it
-// brings.
-constexpr pa_usec_t kFragment = 10 * PA_USEC_PER_MSEC;
+// How much sound the server gathers before it sends: the less it is, the sooner the first samples come, and
+// the fewer of the last ones are missing when the key is let go. PipeWire's shortest cycle for a recording is
+// 256 frames at 48 kHz; a fragment that is no multiple of its cycle waits for the next one.
+constexpr std::uint32_t kFragmentFrames = 256;
+constexpr std::uint32_t kFragmentRate = 48000;
 
 pa_buffer_attr bufferAttributes(const pa_sample_spec& spec) {
     constexpr auto serverDecides = static_cast<std::uint32_t>(-1);
@@ -21,7 +22,8 @@ pa_buffer_attr bufferAttributes(const pa_sample_spec& spec) {
     attributes.tlength = serverDecides;
     attributes.prebuf = serverDecides;
     attributes.minreq = serverDecides;
-    attributes.fragsize = static_cast<std::uint32_t>(pa_usec_to_bytes(kFragment, &spec));
+    const auto frames = (spec.rate * kFragmentFrames + kFragmentRate - 1) / kFragmentRate;
+    attributes.fragsize = frames * static_cast<std::uint32_t>(pa_frame_size(&spec));
     return attributes;
 }
 

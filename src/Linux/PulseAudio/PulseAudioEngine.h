@@ -14,7 +14,7 @@ namespace tovik {
 /// source's own rate, and follows when the default changes. The microphone is open only from start() or
 /// openAhead() to stop() or closeAhead(), so that the desktop shows it in use only while the user speaks.
 ///
-/// A buffer reaches the tap about ten milliseconds after its last sample. Destroy it before the connection.
+/// A buffer reaches the tap about ten milliseconds after its last sample was heard. Destroy it before the connection.
 class PulseAudioEngine : public AudioEngine {
 public:
     /// The directory must have been added to the connection.
