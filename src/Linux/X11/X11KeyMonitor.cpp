@@ -62,7 +62,8 @@ private:
 void select(Display* display, Window root, int devices, std::initializer_list<int> events) {
     std::array<unsigned char, XIMaskLen(XI_LASTEVENT)> bits{};
     for (const int event : events) {
-        XISetMask(bits.data(), event);
+        auto& byte = bits.at(static_cast<std::size_t>(event) / 8);
+        byte = static_cast<unsigned char>(byte | (1U << (event % 8)));
     }
     XIEventMask mask{devices, static_cast<int>(bits.size()), bits.data()};
     XISelectEvents(display, root, &mask, 1);
