@@ -18,12 +18,12 @@ namespace {
 /// Another process holds the lock for one write; this much longer, and it hangs.
 constexpr Seconds kLockPatience(2);
 
-/// Others may not look into a folder of ours. One that the user has put there as a link is theirs to guard,
-/// and one that is shared on purpose, as /tmp is, stays open.
+/// Others may not look into the program's own folder. One that the user has put there as a link is theirs to
+/// guard, and so is any other folder that settings were told to lie in.
 void closeToOthers(const std::string& folder) {
     struct stat status {};
-    if (::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
-        (status.st_mode & 077) != 0 && (status.st_mode & S_ISVTX) == 0) {
+    if (std::filesystem::path(folder).filename() == "tovik-record" && ::lstat(folder.c_str(), &status) == 0 &&
+        S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() && (status.st_mode & 077) != 0) {
         ::chmod(folder.c_str(), 0700);
     }
 }

@@ -100,6 +100,16 @@ TEST_F(JsonUserDefaultsTest, whenTheFolderIsOpenToOthers_aWriteClosesIt) {
     EXPECT_EQ(modeOf(file), 0600u);
 }
 
+TEST_F(JsonUserDefaultsTest, whenTheSettingsLieInAFolderOfTheUsers_itStaysAsItIs) {
+    const auto shared = home / "shared";
+    std::filesystem::create_directories(shared);
+    std::filesystem::permissions(shared, std::filesystem::perms(0755));
+    JsonUserDefaults defaults(shared + "/settings.json", log);
+    defaults.set("a", 1);
+    EXPECT_EQ(modeOf(shared), 0755u);
+    EXPECT_EQ(modeOf(shared + "/settings.json"), 0600u);
+}
+
 TEST_F(JsonUserDefaultsTest, whenAWriteIsDone_noOtherFileThanTheLockLiesBesideIt) {
     auto defaults = open();
     defaults.set("a", 1);
