@@ -21,6 +21,9 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <utility>
 
 /// Takes the pictures of docs/screenshots on whatever X server it finds: take-screenshots calls it.
 namespace tovik {
@@ -52,24 +55,40 @@ public:
     Photographer(QString folder, QString suffix) : folder_(std::move(folder)), suffix_(std::move(suffix)) {}
 
     /// Part of the screen, as the user sees it.
-    void takeScreen(const QString& name, const QRect& area) {
-        settle();
-        const QPixmap picture =
-            QGuiApplication::primaryScreen()->grabWindow(0, area.x(), area.y(), area.width(), area.height());
-        save(picture, name);
+    using Expectation = std::function<bool(const QImage&)>;
+
+    /// Part of the screen, as the user sees it, once it looks as expected and no longer changes: the X server
+    /// and the compositor take their time.
+    void takeScreen(const QString& name, const QRect& area, const Expectation& isThere) {
+        QImage last;
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < kPatienceMilliseconds) {
+            settle();
+            const QImage picture = QGuiApplication::primaryScreen()
+                                       ->grabWindow(0, area.x(), area.y(), area.width(), area.height())
+                                       .toImage();
+            if (picture == last && isThere(picture)) {
+                save(picture, name);
+                return;
+            }
+            last = picture;
+        }
+        std::printf("FAILED %s does not show\n", qPrintable(name));
     }
 
-    /// Lets the X server and a compositor catch up.
     static void settle() {
         QElapsedTimer timer;
         timer.start();
-        while (timer.elapsed() < 250) {
+        while (timer.elapsed() < 200) {
             QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
         }
     }
 
 private:
-    void save(const QPixmap& picture, const QString& name) {
+    static constexpr int kPatienceMilliseconds = 20000;
+
+    void save(const QImage& picture, const QString& name) {
         const QString file = folder_ + QLatin1Char('/') + name + suffix_ + QStringLiteral(".png");
         std::printf("%s %s\n", picture.save(file) ? "took" : "FAILED", qPrintable(file));
     }
@@ -95,6 +114,25 @@ struct Stage {
     Stage() { fillScreen(screens); }
 };
 
+constexpr int kMargin = 24;
+
+QColor colorAt(const QImage& picture, double x, double y) {
+    return picture.pixelColor(static_cast<int>(x * picture.devicePixelRatio()),
+                              static_cast<int>(y * picture.devicePixelRatio()));
+}
+
+/// A dark panel in the middle, the page around it.
+bool showsPanel(const QImage& picture) {
+    const double middle = picture.height() / picture.devicePixelRatio() / 2;
+    return colorAt(picture, kMargin + 3, middle).lightness() < 60 && colorAt(picture, 4, 4).lightness() > 90;
+}
+
+/// The ground of the main window at its left side, beside the header.
+bool showsWindow(const QImage& picture) {
+    const QColor ground = theme::color(theme::windowBackground(QGuiApplication::palette()));
+    return std::abs(colorAt(picture, 16, 120).lightness() - ground.lightness()) < 4;
+}
+
 QRect around(const Rect& frame, int margin) {
     return QRect(static_cast<int>(frame.x), static_cast<int>(frame.y), static_cast<int>(frame.width),
                  static_cast<int>(frame.height))
@@ -105,6 +143,9 @@ void takePills(Photographer& photographer) {
     Stage stage;
     Page page;
     page.show();
+    while (!stage.compositing.isActive()) {
+        Photographer::settle();
+    }
     struct Picture {
         const char* name;
         Seconds elapsed;
@@ -120,7 +161,7 @@ void takePills(Photographer& photographer) {
             overlay.setLevel(static_cast<float>(std::abs(std::sin(index * 0.7) * std::sin(index * 0.23))));
         }
         photographer.takeScreen(QString::fromLatin1(picture.name),
-                                around(overlay.window()->panelFrame(), 24));
+                                around(overlay.window()->panelFrame(), kMargin), showsPanel);
     }
     QtHintPanels panels(stage.time, stage.time, stage.compositing);
     const auto screen = stage.screens.mainScreen()->frame;
@@ -139,13 +180,14 @@ void takePills(Photographer& photographer) {
         const auto panel = panels.makePanel(hints[index]);
         panel->fadeIn(Seconds{0.2});
         stage.time.advance(Seconds{0.2});
-        photographer.takeScreen(QString::fromLatin1(names[index]), around(hints[index].frame, 24));
+        photographer.takeScreen(QString::fromLatin1(names[index]), around(hints[index].frame, kMargin),
+                                showsPanel);
     }
 }
 
 void takeWindow(Photographer& photographer, test::WindowStage& stage, const QString& name) {
     Photographer::settle();
-    photographer.takeScreen(name, stage.controller->window().frameGeometry());
+    photographer.takeScreen(name, stage.controller->window().frameGeometry(), showsWindow);
 }
 
 void takeWindows(Photographer& photographer, const QString& prefix, const QStringList& sectionsToOpen) {
