@@ -24,8 +24,8 @@ public:
     /// no key is logged once and the default holds.
     [[nodiscard]] std::optional<unsigned long> match(const std::vector<unsigned long>& keysymsOfKey);
 
-    /// How long the talk key is held back: "platform.talkKeyGuard" seconds, 0.15 by default, where the key
-    /// is a modifier; not at all otherwise.
+    /// How long the talk key is held back: "platform.talkKeyGuard" seconds (at most 2), 0.15 by default,
+    /// where the key is a modifier; not at all otherwise.
     [[nodiscard]] Seconds guardTime(unsigned long keysym) const;
 
     /// For the user: the keysym names of the talk key.
