@@ -107,6 +107,7 @@ TEST_P(MainQueueContract, async_fromManyThreadsRunsAllOnTheMainThreadInEachThrea
     std::vector<std::vector<int>> seen(4);
     std::size_t count = 0;
     std::vector<std::thread> threads;
+    threads.reserve(seen.size());
     for (auto& numbers : seen) {
         threads.emplace_back([&] {
             for (int n = 0; n < kEach; ++n) {

@@ -68,7 +68,7 @@ protected:
 
 TEST_P(PasteboardContract, anyText_isPastedByteForByteFromBothPlaces) {
     std::string long200k;
-    while (long200k.size() < 200 * 1024) {
+    while (long200k.size() < 204800) {
         long200k += "Sentence " + std::to_string(long200k.size()) + ", größer. ";
     }
     const std::string texts[] = {

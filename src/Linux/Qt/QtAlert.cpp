@@ -46,6 +46,7 @@ int QtAlert::runModal(const std::string& message, const std::string& informative
     box.setText(QString::fromStdString(message));
     box.setInformativeText(QString::fromStdString(informativeText));
     std::vector<QAbstractButton*> added;
+    added.reserve(buttons.size());
     for (const auto& title : buttons) {
         // One role for all, so that they stand in the order given.
         added.push_back(box.addButton(buttonText(title), QMessageBox::ActionRole));

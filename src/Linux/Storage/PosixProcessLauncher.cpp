@@ -28,7 +28,7 @@ std::string findProgram(const std::string& name) {
     const auto* folders = std::getenv("PATH");
     std::istringstream path(folders ? folders : "/usr/local/bin:/usr/bin:/bin");
     for (std::string folder; std::getline(path, folder, ':');) {
-        const auto candidate = (folder.empty() ? "." : folder) + "/" + name;
+        auto candidate = (folder.empty() ? "." : folder) + "/" + name;
         if (::access(candidate.c_str(), X_OK) == 0) {
             return candidate;
         }

@@ -195,7 +195,7 @@ INSTANTIATE_TEST_SUITE_P(Contents, UnreadableContent,
                                          Unreadable{"truncatedString", R"({"a": "x)"},
                                          Unreadable{"array", R"(["a", 1])"}, Unreadable{"string", R"("a")"},
                                          Unreadable{"null", "null"},
-                                         Unreadable{"binary", std::string("\x00\x01\xff\xfe{\"a\"", 9)},
+                                         Unreadable{"binary", std::string("\x00\x01\xff\xfe{\"a\"", 8)},
                                          Unreadable{"invalidUtf8", "{\"a\": \"\xc3\x28\"}"},
                                          Unreadable{"numberBeyondAll", R"({"a": 1e999})"},
                                          Unreadable{"twoObjects", R"({"a": 1}{"b": 2})"},
@@ -360,6 +360,7 @@ TEST_F(JsonUserDefaultsTest, whenManyThreadsReadDuringWrites_eachReadGivesAWhole
     std::atomic<bool> isDone = false;
     std::atomic<int> torn = 0;
     std::vector<std::thread> readers;
+    readers.reserve(3);
     for (int n = 0; n < 3; ++n) {
         readers.emplace_back([&] {
             while (!isDone) {
