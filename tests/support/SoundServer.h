@@ -41,8 +41,8 @@ public:
     void freeze();
     void thaw();
 
-    /// Adds a microphone in which nobody speaks yet; returns when the server lists it. PipeWire suspends it when
-    /// nobody has listened for a second.
+    /// Adds a microphone in which nobody speaks yet; returns when the server lists it. PipeWire suspends it
+    /// when nobody has listened for a second.
     VirtualMicrophone& plugIn(const std::string& name, const std::string& description,
                               unsigned sampleRate = 48000, unsigned channelCount = 1);
     /// Returns when the server no longer lists it.

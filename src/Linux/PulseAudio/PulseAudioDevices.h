@@ -23,7 +23,8 @@ namespace tovik {
 /// where the user default "platform.listMonitors" is true or there is no other microphone.
 ///
 /// Empty until the server has answered for the first time; what it lists then is told as connected, and as
-/// disconnected when the server is lost. A default that is no listed microphone is still given.
+/// disconnected when the server is lost. A default that is a monitor is given also where monitors are not
+/// listed.
 ///
 /// Destroy it on the main thread, before the connection.
 class PulseAudioDevices : public CaptureDevices, public AudioHardware {

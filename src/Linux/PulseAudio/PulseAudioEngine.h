@@ -12,9 +12,12 @@ namespace tovik {
 
 /// The microphone, through the user's sound server: records channel 0 of the server's default source at the
 /// source's own rate, and follows when the default changes. The microphone is open only from start() or
-/// openAhead() to stop() or closeAhead(), so that the desktop shows it in use only while the user speaks.
+/// openAhead() to stop() or closeAhead(), so that the desktop shows it in use only while the user speaks:
+/// even a stream that is held back counts as one that listens. A recording whose last microphone goes away
+/// ends.
 ///
-/// A buffer reaches the tap about ten milliseconds after its last sample was heard. Destroy it before the connection.
+/// A sample is within the tap's reach about ten milliseconds after it was heard. Destroy the engine before
+/// the connection.
 class PulseAudioEngine : public AudioEngine {
 public:
     /// The directory must have been added to the connection.
