@@ -27,14 +27,15 @@ function(tovik_library name)
 endfunction()
 
 # tovik_test(<name> KIND unit|contract|ui|desktop [STAGED] SOURCES ... [LINKS ...])
-# A GoogleTest program, run by ctest under the label of its kind. Desktop tests, and others that are STAGED, find
-# an X server, a window manager, a session bus, a sound server and private folders (see tools/stage).
+# A GoogleTest program, run by ctest under the label of its kind. One that is STAGED finds an X server, a window
+# manager, a session bus, a sound server and private folders (see tools/stage). Those that want a stage of another
+# shape, or several, start them themselves.
 function(tovik_test name)
   cmake_parse_arguments(ARG "STAGED" "KIND" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE tovik_flags ${ARG_LINKS} GTest::gmock GTest::gtest_main)
-  if(ARG_STAGED OR ARG_KIND STREQUAL "desktop")
+  if(ARG_STAGED)
     add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/tools/stage -- $<TARGET_FILE:${name}>)
   else()
     add_test(NAME ${name} COMMAND ${name})
