@@ -171,7 +171,8 @@ void X11Workspace::watchFocusOf(unsigned long window) {
     if (window != None) {
         XSelectInput(events_->display(), window, FocusChangeMask);
     }
-    XFlush(events_->display());
+    // When this returns the server knows it: from now on no change is missed.
+    XSync(events_->display(), False);
 }
 
 unsigned long X11Workspace::windowToActivate(const RunningApplication& application) const {
