@@ -27,7 +27,7 @@ PulseAudioDevices::PulseAudioDevices(PulseAudioConnection& connection, MainQueue
                                      const UserDefaults& defaults)
     : connection_(connection),
       defaults_(defaults),
-      directory_(std::make_shared<SoundDirectory>()) {
+      directory_(std::make_shared<SoundDirectory>(connection.thread())) {
     // Looks at its guard on the main thread only: the sound thread merely carries it there.
     std::function<void()> told = lifetime_.guard([this] { tellWhatChanged(); });
     directory_->observe(connection_, [&queue, told] { queue.async(told); });

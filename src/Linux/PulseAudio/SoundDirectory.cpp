@@ -10,6 +10,8 @@ namespace tovik {
 
 namespace {
 
+constexpr Seconds kSettling{0.3};
+
 // Both servers make an output of this name while there is no real one.
 constexpr auto kStandInMonitor = "auto_null.monitor";
 
@@ -63,7 +65,7 @@ void SoundDirectory::serverReady(pa_context& context) {
     pa_context_set_subscribe_callback(
         context_,
         [](pa_context*, pa_subscription_event_type_t, std::uint32_t, void* self) {
-            static_cast<SoundDirectory*>(self)->read();
+            static_cast<SoundDirectory*>(self)->noticed();
         },
         this);
     const auto mask = static_cast<pa_subscription_mask_t>(
@@ -82,6 +84,7 @@ void SoundDirectory::leave() {
 }
 
 void SoundDirectory::forget() {
+    settling_.end();
     operations_.clear();
     awaited_ = 0;
     outdated_ = false;
@@ -93,6 +96,13 @@ void SoundDirectory::serverLost() {
     if (listing().known) {
         publish({});
     }
+}
+
+// PipeWire may tell of a device before it lists it, and then says no more: seen when
+// a microphone came back on a busy machine. So what stands after a swarm of notices is read once more.
+void SoundDirectory::noticed() {
+    read();
+    settling_ = thread_.after(kSettling, [this] { read(); });
 }
 
 // One reading at a time: notices come in swarms, and a reading that begins after the last of them sees all.

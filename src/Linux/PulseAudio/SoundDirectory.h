@@ -50,6 +50,9 @@ struct SoundListing {
 class SoundDirectory : public PulseAudioConnection::Client,
                        public std::enable_shared_from_this<SoundDirectory> {
 public:
+    /// The thread outlives the directory's time on the connection.
+    explicit SoundDirectory(SoundThread& thread) : thread_(thread) {}
+
     /// Any thread. From the next change of the listing on, calls the observer on the sound thread.
     void observe(PulseAudioConnection& connection, std::function<void()> observer);
 
@@ -63,15 +66,18 @@ public:
     void serverLost() override;
 
 private:
+    void noticed();
     void read();
     void answered();
     void forget();
     void publish(SoundListing listing);
 
+    SoundThread& thread_;
     mutable std::mutex mutex_;
     SoundListing listing_;
 
     // Sound thread only.
+    Subscription settling_;
     std::vector<std::function<void()>> observers_;
     pa_context* context_ = nullptr;
     SoundListing next_;
