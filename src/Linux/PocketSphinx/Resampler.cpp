@@ -23,7 +23,9 @@ Result<std::unique_ptr<Resampler>> Resampler::make(double inputRate, double outp
         return pocketSphinxError(PocketSphinxCode::failed, "The microphone has no sample rate");
     }
     soxr_error_t error = nullptr;
-    const auto format = soxr_io_spec(SOXR_FLOAT32_I, SOXR_INT16_I);
+    auto format = soxr_io_spec(SOXR_FLOAT32_I, SOXR_INT16_I);
+    // The same sound shall give the same text every time.
+    format.flags |= SOXR_NO_DITHER;
     const auto quality = soxr_quality_spec(SOXR_HQ, 0);
     auto stream = std::make_unique<Stream>();
     stream->ratio = outputRate / inputRate;
