@@ -173,10 +173,17 @@ void SoundServer::unplug(const std::string& name) {
 }
 
 void SoundServer::setDefaultSource(const std::string& name) {
-    // A session manager that has only just come up does not take defaults yet.
+    // A session manager that has only just come up does not take defaults yet, or puts its own choice back
+    // a moment later: the choice must hold for a while.
+    int held = 0;
+    static_cast<void>(run({"set-default-source", name}));
     waitUntil("default " + name, [&] {
-        return run({"set-default-source", name}).has_value() &&
-               control({"get-default-source"}) == name + "\n";
+        if (control({"get-default-source"}) == name + "\n") {
+            return ++held > 10;
+        }
+        held = 0;
+        static_cast<void>(run({"set-default-source", name}));
+        return false;
     });
 }
 
