@@ -138,11 +138,22 @@ struct SoundRig {
                devices.directory()->listing().known;
     }
     /// The server has answered, and names this as its default source.
-    bool waitForDefault(const std::string& name) {
-        return eventually([&] {
+    testing::AssertionResult waitForDefault(const std::string& name) {
+        const bool came = eventually([&] {
             main.runPending();
             return devices.defaultDeviceId() == name;
         });
+        if (came) {
+            return testing::AssertionSuccess();
+        }
+        const auto listing = devices.directory()->listing();
+        auto failure = testing::AssertionFailure();
+        failure << "the server " << (listing.known ? "is known" : "is unknown") << ", its default is "
+                << listing.defaultSource << ", its sources are";
+        for (const auto& source : listing.sources) {
+            failure << ' ' << source.name;
+        }
+        return failure;
     }
     [[nodiscard]] std::vector<std::string> names() const {
         std::vector<std::string> names;

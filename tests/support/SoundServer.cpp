@@ -15,7 +15,9 @@
 #include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <stdexcept>
 #include <thread>
 
@@ -25,6 +27,8 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{10};
 constexpr std::chrono::milliseconds kLookAgain{5};
+// Far longer than a session manager that is up needs to make up its mind.
+constexpr std::chrono::seconds kSessionManager{1};
 
 std::string makeFolder() {
     auto name = std::string("/tmp/tovik-sound-XXXXXX");
@@ -74,6 +78,17 @@ bool answers(const std::string& path) {
     return connected;
 }
 
+bool isTrueWithin(std::chrono::steady_clock::duration patience, const std::function<bool()>& holds) {
+    const auto limit = std::chrono::steady_clock::now() + patience;
+    while (!holds()) {
+        if (std::chrono::steady_clock::now() > limit) {
+            return false;
+        }
+        std::this_thread::sleep_for(kLookAgain);
+    }
+    return true;
+}
+
 } // namespace
 
 SoundServer::SoundServer(Kind kind) : kind_(kind), folder_(makeFolder()) {
@@ -117,8 +132,9 @@ void SoundServer::start() {
         spawn({"pipewire-pulse"});
     }
     waitForSocket(socket);
+    view_ = std::make_unique<SoundServerView>(address());
     // The session manager makes its stand-in for missing hardware last of all.
-    waitUntil("the server is ready", [this] { return lists("auto_null.monitor"); });
+    waitUntil("the server is ready", [this] { return view_->lists("auto_null.monitor"); });
 }
 
 void SoundServer::kill() {
@@ -126,6 +142,7 @@ void SoundServer::kill() {
         std::error_code ignored;
         std::filesystem::remove(folder_ + "/" + name + ".pipe", ignored);
     }
+    view_.reset();
     microphones_.clear();
     modules_.clear();
     for (const auto process : processes_) {
@@ -159,7 +176,7 @@ VirtualMicrophone& SoundServer::plugIn(const std::string& name, const std::strin
          "channels=" + std::to_string(channelCount), "rate=" + std::to_string(sampleRate),
          "source_properties=\"device.description='" + description + "' session.suspend-timeout-seconds=1\""});
     modules_[name] = module.substr(0, module.find('\n'));
-    waitUntil("microphone " + name, [&] { return lists(name); });
+    waitUntil("microphone " + name, [&] { return view_->lists(name); });
     auto& place = microphones_[name];
     place = std::make_unique<VirtualMicrophone>(pipe, sampleRate, channelCount);
     return *place;
@@ -167,30 +184,26 @@ VirtualMicrophone& SoundServer::plugIn(const std::string& name, const std::strin
 
 void SoundServer::unplug(const std::string& name) {
     control({"unload-module", modules_.at(name)});
-    waitUntil("microphone " + name + " away", [&] { return !lists(name); });
+    waitUntil("microphone " + name + " away", [&] { return !view_->lists(name); });
     microphones_.erase(name);
     modules_.erase(name);
 }
 
 void SoundServer::setDefaultSource(const std::string& name) {
-    // A session manager that has only just come up does not take defaults yet, or puts its own choice back
-    // a moment later: the choice must hold for a while.
-    int held = 0;
-    static_cast<void>(run({"set-default-source", name}));
+    // A session manager that has only just come up does not take defaults yet, so they are set once more.
     waitUntil("default " + name, [&] {
-        if (control({"get-default-source"}) == name + "\n") {
-            return ++held > 10;
-        }
-        held = 0;
         static_cast<void>(run({"set-default-source", name}));
-        return false;
+        return isTrueWithin(kSessionManager, [&] { return view_->defaultSource() == name; }) ||
+               control({"get-default-source"}) == name + "\n";
     });
 }
 
 std::string SoundServer::control(const std::vector<std::string>& command) const {
     auto output = run(command);
     if (!output) {
-        throw std::runtime_error("pactl " + command.front() + " failed");
+        std::ifstream log(folder_ + "/pactl.log");
+        throw std::runtime_error("pactl " + command.front() + " failed: " +
+                                 std::string(std::istreambuf_iterator<char>(log), {}));
     }
     return *std::move(output);
 }
@@ -242,17 +255,9 @@ void SoundServer::waitForSocket(const std::string& path) const {
 }
 
 void SoundServer::waitUntil(const std::string& what, const std::function<bool()>& holds) const {
-    const auto limit = std::chrono::steady_clock::now() + kPatience;
-    while (!holds()) {
-        if (std::chrono::steady_clock::now() > limit) {
-            throw std::runtime_error("sound server: waited in vain for " + what);
-        }
-        std::this_thread::sleep_for(kLookAgain);
+    if (!isTrueWithin(kPatience, holds)) {
+        throw std::runtime_error("sound server: waited in vain for " + what);
     }
-}
-
-bool SoundServer::lists(const std::string& source) const {
-    return control({"list", "short", "sources"}).find("\t" + source + "\t") != std::string::npos;
 }
 
 void isolateSoundClient() {

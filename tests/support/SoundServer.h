@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "support/SoundServerView.h"
 #include "support/VirtualMicrophone.h"
 
 #include <sys/types.h>
@@ -47,6 +48,7 @@ public:
                               unsigned sampleRate = 48000, unsigned channelCount = 1);
     /// Returns when the server no longer lists it.
     void unplug(const std::string& name);
+    /// Returns when the server has taken it.
     void setDefaultSource(const std::string& name);
 
     /// Runs a command of the server's own control program and gives what it prints. Throws when it fails.
@@ -58,12 +60,12 @@ private:
     void spawn(const std::vector<std::string>& command);
     void waitForSocket(const std::string& path) const;
     void waitUntil(const std::string& what, const std::function<bool()>& holds) const;
-    [[nodiscard]] bool lists(const std::string& source) const;
 
     const Kind kind_;
     std::string folder_;
     std::vector<std::string> environment_;
     std::vector<pid_t> processes_;
+    std::unique_ptr<SoundServerView> view_;
     std::map<std::string, std::unique_ptr<VirtualMicrophone>> microphones_;
     std::map<std::string, std::string> modules_;
 };

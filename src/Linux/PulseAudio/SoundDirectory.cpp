@@ -71,7 +71,7 @@ void SoundDirectory::serverReady(pa_context& context) {
     const auto mask = static_cast<pa_subscription_mask_t>(
         PA_SUBSCRIPTION_MASK_SOURCE | PA_SUBSCRIPTION_MASK_SINK | PA_SUBSCRIPTION_MASK_SERVER);
     pulse::OperationHandle subscribing(pa_context_subscribe(context_, mask, nullptr, nullptr));
-    read();
+    noticed();
     operations_.push_back(std::move(subscribing));
 }
 
@@ -85,6 +85,9 @@ void SoundDirectory::leave() {
 
 void SoundDirectory::forget() {
     settling_.end();
+    answer_.end();
+    inquiry_.reset();
+    correction_.reset();
     operations_.clear();
     awaited_ = 0;
     outdated_ = false;
@@ -98,11 +101,33 @@ void SoundDirectory::serverLost() {
     }
 }
 
-// PipeWire may tell of a device before it lists it, and then says no more: seen when
-// a microphone came back on a busy machine. So what stands after a swarm of notices is read once more.
 void SoundDirectory::noticed() {
     read();
-    settling_ = thread_.after(kSettling, [this] { read(); });
+    settling_ = thread_.after(kSettling, [this] { inquire(); });
+}
+
+// While a client connects, PipeWire tells a new default to that client alone, and goes on telling the old one
+// to those it already has (0.3.65: a headset that came back stayed unknown until the program was restarted).
+// So once the notices have settled, a new connection is asked what the default really is.
+void SoundDirectory::inquire() {
+    if (!mayMissChanges_) {
+        return;
+    }
+    inquiry_ = std::make_unique<DefaultSourceInquiry>(
+        thread_.api(), pa_context_get_server(context_), [this](std::string actual) {
+            answer_ = thread_.after(Seconds(0), [this, actual = std::move(actual)] {
+                inquiry_.reset();
+                correctDefault(actual);
+            });
+        });
+}
+
+void SoundDirectory::correctDefault(std::string actual) {
+    if (actual == listing().defaultSource) {
+        return;
+    }
+    correction_ = Correction{toldDefault_, std::move(actual)};
+    read();
 }
 
 // One reading at a time: notices come in swarms, and a reading that begins after the last of them sees all.
@@ -122,6 +147,7 @@ void SoundDirectory::read() {
             auto* self = static_cast<SoundDirectory*>(data);
             if (info != nullptr) {
                 self->next_.defaultSource = text(info->default_source_name);
+                self->mayMissChanges_ = text(info->server_name).find("PipeWire") != std::string::npos;
             }
             self->answered();
         },
@@ -155,6 +181,13 @@ void SoundDirectory::read() {
 void SoundDirectory::answered() {
     if (--awaited_ > 0) {
         return;
+    }
+    toldDefault_ = next_.defaultSource;
+    if (correction_ && correction_->told != toldDefault_) {
+        correction_.reset();
+    }
+    if (correction_) {
+        next_.defaultSource = correction_->actual;
     }
     publish(std::exchange(next_, {}));
     if (outdated_) {

@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Linux/PulseAudio/DefaultSourceInquiry.h"
 #include "Linux/PulseAudio/PulseAudioConnection.h"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -66,7 +68,15 @@ public:
     void serverLost() override;
 
 private:
+    /// What the lasting connection is told of the default, against what is true.
+    struct Correction {
+        std::string told;
+        std::string actual;
+    };
+
     void noticed();
+    void inquire();
+    void correctDefault(std::string actual);
     void read();
     void answered();
     void forget();
@@ -78,6 +88,11 @@ private:
 
     // Sound thread only.
     Subscription settling_;
+    Subscription answer_;
+    std::unique_ptr<DefaultSourceInquiry> inquiry_;
+    std::optional<Correction> correction_;
+    std::string toldDefault_;
+    bool mayMissChanges_ = false;
     std::vector<std::function<void()>> observers_;
     pa_context* context_ = nullptr;
     SoundListing next_;

@@ -5,9 +5,14 @@
 #include "support/SoundRig.h"
 
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <fstream>
 #include <memory>
+#include <thread>
 
 namespace {
 
@@ -18,6 +23,19 @@ using Time = std::chrono::steady_clock;
 constexpr std::chrono::seconds kFoundWithin{1};
 // What the main thread may spend in one call; a tenth of it is usual under load.
 constexpr std::chrono::milliseconds kAtOnce{100};
+
+/// A port of this machine on which nobody listens.
+unsigned freePort() {
+    const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    EXPECT_EQ(bind(probe, reinterpret_cast<const sockaddr*>(&address), size), 0);
+    EXPECT_EQ(getsockname(probe, reinterpret_cast<sockaddr*>(&address), &size), 0);
+    close(probe);
+    return ntohs(address.sin_port);
+}
 
 class PulseAudioFaultsOn : public testing::TestWithParam<SoundServer::Kind> {
 protected:
@@ -40,6 +58,13 @@ protected:
         microphone.waitUntilSilent();
         ASSERT_TRUE(listener.waitForMore(std::size_t{10} * 1024));
         rig.engine.flush();
+    }
+    // The server has chosen another microphone, and leads the recording over to it a moment later.
+    void expectToHearAtLast(VirtualMicrophone& microphone, const std::vector<float>& samples) {
+        EXPECT_TRUE(eventually([&] {
+            speak(microphone, samples);
+            return listener.heard(samples);
+        }));
     }
     void expectADictationWorks() {
         rig.engine.stop();
@@ -124,9 +149,8 @@ TEST_P(PulseAudioFaultsOn, whenTheDeviceGoesWhileRecording_theRecordingGoesOnWit
     server.unplug("mike");
     ASSERT_TRUE(rig.waitForDefault("other"));
     ASSERT_TRUE(rig.engine.isRunning());
-    speak(other, words(4800, 1));
+    expectToHearAtLast(other, words(4800, 1));
     EXPECT_TRUE(listener.heard(words(4800)));
-    EXPECT_TRUE(listener.heard(words(4800, 1)));
     mike = &other;
     expectADictationWorks();
 }
@@ -153,10 +177,26 @@ TEST_P(PulseAudioFaultsOn, whenTheDefaultChangesWhileRecording_theNewDefaultIsHe
     speak(*mike, words(4800));
     server.setDefaultSource("other");
     ASSERT_TRUE(rig.waitForDefault("other"));
-    speak(other, words(4800, 1));
+    expectToHearAtLast(other, words(4800, 1));
     EXPECT_TRUE(listener.heard(words(4800)));
-    EXPECT_TRUE(listener.heard(words(4800, 1)));
     EXPECT_TRUE(rig.engine.isRunning());
+}
+
+TEST_P(PulseAudioFaultsOn, whenOtherClientsComeAndGoMeanwhile_theDefaultThatReturnsIsKnown) {
+    startServer();
+    std::atomic<bool> ending = false;
+    std::thread others([&] {
+        while (!ending) {
+            SoundServerView(server.address()).defaultSource();
+        }
+    });
+    for (int turn = 0; turn < 5; ++turn) {
+        server.unplug("mike");
+        server.plugIn("mike", "Mike");
+        EXPECT_TRUE(rig.waitForDefault("mike")) << "in turn " << turn;
+    }
+    ending = true;
+    others.join();
 }
 
 TEST_P(PulseAudioFaultsOn, whenADeviceAppearsWhileRecording_theRecordingGoesOnUndisturbed) {
@@ -247,9 +287,10 @@ TEST(PulseAudioFaults, whenTheServerRefusesTheProgram_startSaysSo_andAccessIsDen
     const auto cookie = server.folder() + "/another-cookie";
     std::ofstream(cookie, std::ios::binary) << std::string(256, 'x');
     // Over a local socket the server knows the user; over the network only the cookie speaks for a client.
-    server.control({"load-module", "module-native-protocol-tcp", "listen=127.0.0.1", "port=47131",
+    const auto port = std::to_string(freePort());
+    server.control({"load-module", "module-native-protocol-tcp", "listen=127.0.0.1", "port=" + port,
                     "auth-cookie=" + cookie});
-    const SoundRig rig("tcp:127.0.0.1:47131");
+    const SoundRig rig("tcp:127.0.0.1:" + port);
     ASSERT_TRUE(
         eventually([&] { return rig.connection.status().state == SoundServerStatus::State::refused; }));
     const PulseAudioMicrophoneAccess access(rig.connection, rig.devices.directory());
