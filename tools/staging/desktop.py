@@ -45,8 +45,16 @@ class Desktop:
         self._root.clear_area()
         self._display.sync()
 
-    def has_manager(self) -> bool:
-        return bool(self._property(self._root, "_NET_SUPPORTING_WM_CHECK"))
+    def virtual_desktops(self) -> int:
+        """How many there are, 0 while no window manager has said so."""
+        found = self._property(self._root, "_NET_NUMBER_OF_DESKTOPS")
+        return found[0] if found else 0
+
+    def ask_for_virtual_desktops(self, number: int) -> None:
+        message = xevent.ClientMessage(
+            window=self._root, client_type=self._atom("_NET_NUMBER_OF_DESKTOPS"), data=(32, [number, 0, 0, 0, 0]))
+        self._root.send_event(message, event_mask=X.SubstructureRedirectMask | X.SubstructureNotifyMask)
+        self._display.sync()
 
     # Keys
 

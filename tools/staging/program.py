@@ -56,6 +56,10 @@ class Program:
 
         return wait_until(ready, "the program to be ready", seconds) - self.started
 
+    def wait_until_presented(self, desktop: Desktop) -> None:
+        """Waits until the main window, which comes up at launch, has the focus: until then it may still take it."""
+        wait_until(lambda: desktop.active_window() in self.windows(desktop), "the main window to be active")
+
     def errors(self) -> str:
         """What the program wrote to its standard error and, through it, to the system log."""
         return self._text_of(self._stage.path("log", self._name + ".stderr"))

@@ -98,6 +98,10 @@ class Stage:
             self._guardian = None
 
     @property
+    def has_manager(self) -> bool:
+        return self._wants_manager
+
+    @property
     def home(self) -> str:
         return self.environment["HOME"]
 
@@ -264,7 +268,15 @@ class Stage:
 
         self._spawn_server("manager", ["openbox", "--sm-disable"])
         with Desktop(self.environment) as desktop:
-            self._wait_for_server("manager", desktop.has_manager, "the window manager to start")
+            self._wait_for_server("manager", desktop.virtual_desktops, "the window manager to start")
+            # It announces itself before it listens, and what it is asked in between is lost.
+            before = desktop.virtual_desktops()
+            for number in (before + 1, before):
+                def obeys() -> bool:
+                    desktop.ask_for_virtual_desktops(number)
+                    return desktop.virtual_desktops() == number
+
+                self._wait_for_server("manager", obeys, "the window manager to obey")
             desktop.paint_background(*BACKGROUND)
 
     def _wait_for_server(self, name: str, condition, what: str) -> None:

@@ -60,9 +60,11 @@ class ProgramTest(unittest.TestCase):
         return Program(self.stage, self.binary, name, environment)
 
     def start(self, name: str = "program", **environment: str) -> Program:
-        """Starts the program and waits until its launch is over."""
+        """Starts the program and waits until its launch is over and its window has come up."""
         program = self.launch(name, **environment)
         program.wait_until_ready()
+        if self.stage.has_manager:
+            program.wait_until_presented(self.desktop)
         return program
 
     def open_editor(self, content: str = "") -> Editor:

@@ -148,6 +148,7 @@ class BrokenSettings(ProgramTest):
             json.dump({"transcription.history": history}, file)
         program = self.launch()
         self.assertLess(program.wait_until_ready(), 5.0)
+        program.wait_until_presented(self.desktop)
         self.assert_still_dictates(program, self.open_editor())
         with open(self.file) as file:
             kept = json.load(file)["transcription.history"]
@@ -211,6 +212,7 @@ class FullDisk(ProgramTest):
 
         program = Program(self.stage, self.binary, prepare=limit)
         program.wait_until_ready()
+        program.wait_until_presented(self.desktop)
         return program
 
 
