@@ -77,7 +77,7 @@ class AccessibilityTest(ProgramTest):
                 self.assertTrue(help_text, name)
 
     def test_without_a_sound_server__the_permissions_are_told_row_by_row(self) -> None:
-        self.set_stage(sound=False)
+        self.set_stage(sound=None)
         named = self.named(self.tree())
         self.assertEqual(named[:len(HEADER)], HEADER)
         permissions = section("Permissions") + row(

@@ -154,7 +154,7 @@ class Microphone:
     """The other end: speaks into a running virtual microphone."""
 
     def __init__(self, path: str) -> None:
-        self._path = path
+        self.path = path
 
     def load(self, file: str) -> float:
         """Prepares the file, so that a later speak begins at once. Returns its length in seconds."""
@@ -170,7 +170,7 @@ class Microphone:
     def _open(self) -> socket.socket:
         connection = socket.socket(socket.AF_UNIX)
         try:
-            connection.connect(self._path)
+            connection.connect(self.path)
         except OSError as error:
             raise StageError(f"the stage's microphone does not answer: {error}") from error
         return connection

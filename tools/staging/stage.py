@@ -19,6 +19,7 @@ import uuid
 
 from .guardian import MARK_VARIABLE, SERVER_VARIABLE
 from .microphone import Microphone
+from .sound import MICROPHONE, MICROPHONE_DESCRIPTION, Sound
 from .waiting import StageError, wait_until
 
 START_SECONDS = 20.0
@@ -31,34 +32,22 @@ FOREIGN_PREFIXES = ("WAYLAND_", "DBUS_", "XDG_", "PULSE_", "PIPEWIRE_", "GTK_", 
 # Neither black nor white, so that pictures show where a window ends and what shines through.
 BACKGROUND = (62, 84, 106)
 
-SOUND_SERVER_SCRIPT = """\
-load-module module-null-sink sink_name=tovik_speaker rate=48000 channels=2
-load-module module-pipe-source source_name=tovik_microphone file={pipe} format=s16le rate=48000 channels=1 source_properties=device.description=Staged-microphone
-set-default-sink tovik_speaker
-set-default-source tovik_microphone
-load-module module-native-protocol-unix socket={socket} auth-anonymous=1
-"""
-
-# Not even a loudspeaker, since what it plays can be recorded too.
-SOUND_SERVER_WITHOUT_MICROPHONE_SCRIPT = """\
-load-module module-native-protocol-unix socket={socket} auth-anonymous=1
-"""
-
-
 class Stage:
     """A desktop for the time of a with-block.
 
     The parts can be left out one by one, which is how a machine without them is staged: `display`, `manager`
-    (the window manager), `bus`, `sound` and, with sound, `microphone`.
+    (the window manager), `bus`, `sound` and, with sound, `microphone`. `sound` also says which server: PulseAudio
+    unless "pipewire" is asked for, or None.
     """
 
-    def __init__(self, *, display: bool = True, manager: bool = True, bus: bool = True, sound: bool = True,
+    def __init__(self, *, display: bool = True, manager: bool = True, bus: bool = True,
+                 sound: str | None = "pulseaudio",
                  microphone: bool = True, size: str = "1280x800", server_options: tuple[str, ...] = ()) -> None:
         self._wants_display = display
         self._wants_manager = manager and display
         self._wants_bus = bus
-        self._wants_sound = sound
-        self._wants_microphone = microphone and sound
+        self._wants_microphone = microphone
+        self._sound = Sound(self, sound) if sound else None
         self._size = size
         self._server_options = server_options
         self._guardian: subprocess.Popen | None = None
@@ -66,6 +55,7 @@ class Stage:
         self.folder = ""
         self.environment: dict[str, str] = {}
         self.processes: dict[str, subprocess.Popen] = {}
+        self.microphone: Microphone | None = None
 
     def __enter__(self) -> "Stage":
         self.folder = tempfile.mkdtemp(prefix="tovik-stage-")
@@ -76,7 +66,7 @@ class Stage:
                 self._start_display()
             if self._wants_bus:
                 self._start_bus()
-            if self._wants_sound:
+            if self._sound:
                 self.start_sound()
             if self._wants_manager:
                 self._start_manager()
@@ -104,10 +94,6 @@ class Stage:
     @property
     def home(self) -> str:
         return self.environment["HOME"]
-
-    @property
-    def microphone(self) -> Microphone:
-        return Microphone(self.environment["TOVIK_STAGE_MICROPHONE"])
 
     def path(self, *parts: str) -> str:
         return os.path.join(self.folder, *parts)
@@ -183,7 +169,7 @@ class Stage:
         })
         self.environment = environment
 
-    def _spawn_server(self, name: str, command: list[str], **options) -> subprocess.Popen:
+    def spawn_server(self, name: str, command: list[str], **options) -> subprocess.Popen:
         return self.spawn(name, command, env=self.environment | {SERVER_VARIABLE: name}, **options)
 
     def _start_display(self) -> None:
@@ -197,7 +183,7 @@ class Stage:
         self._write_authority("server.auth", cookie, 65535, b"", b"")
         reading, writing = os.pipe()
         try:
-            self._spawn_server("xserver", [
+            self.spawn_server("xserver", [
                 "Xvfb", "-displayfd", str(writing), "-screen", "0", self._size + "x24", "-nolisten", "tcp",
                 "-noreset", "-auth", self.path("server.auth"), *self._server_options], pass_fds=(writing,))
             os.close(writing)
@@ -222,7 +208,7 @@ class Stage:
     def _start_bus(self) -> None:
         reading, writing = os.pipe()
         try:
-            self._spawn_server("bus", [
+            self.spawn_server("bus", [
                 "dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=unix:path=" + self.path("run", "bus"),
                 f"--print-address={writing}"], pass_fds=(writing,))
             os.close(writing)
@@ -233,42 +219,28 @@ class Stage:
             if writing >= 0:
                 os.close(writing)
 
-    def start_sound(self) -> None:
-        """Starts the sound server; also again after end("sound")."""
-        folder = self.path("run", "pulse")
-        os.makedirs(folder, mode=0o700, exist_ok=True)
-        server, pipe = os.path.join(folder, "native"), self.path("microphone.pipe")
-        script = SOUND_SERVER_SCRIPT if self._wants_microphone else SOUND_SERVER_WITHOUT_MICROPHONE_SCRIPT
-        with open(self.path("sound.pa"), "w") as file:
-            file.write(script.format(pipe=pipe, socket=server))
-        for leftover in (server, pipe, os.path.join(folder, "pid")):
-            if os.path.lexists(leftover):
-                os.unlink(leftover)
-        self._spawn_server("sound", [
-            "pulseaudio", "-n", "-F", self.path("sound.pa"), "--daemonize=no", "--use-pid-file=no",
-            "--exit-idle-time=-1", "--realtime=no", "--high-priority=no", "--disable-shm=yes", "--log-target=stderr"])
-        self._wait_for_server("sound", lambda: self._accepts(server), "the sound server to start")
-        if self._wants_microphone:
-            self._start_microphone(pipe)
+    @property
+    def sound(self) -> Sound:
+        if self._sound is None:
+            raise StageError("this stage has no sound server")
+        return self._sound
 
-    def _start_microphone(self, pipe: str) -> None:
-        control = self.path("run", "microphone")
-        if os.path.lexists(control):
-            os.unlink(control)
-        self._spawn_server("feeder", [sys.executable, "-m", "staging.microphone", pipe, control], cwd=TOOLS_FOLDER)
-        self._wait_for_server("feeder", lambda: self._accepts(control), "the virtual microphone to start")
-        # The server reads the pipe only while somebody records. A listener that is always there keeps old
-        # sound from piling up in it, which the next recording would get first, all at once.
-        self._spawn_server("listener", ["parec", "--device=tovik_microphone", "--client-name=stage-listener",
-                                        "/dev/null"])
-        self.environment["TOVIK_STAGE_MICROPHONE"] = control
+    def start_sound(self) -> None:
+        """Starts the sound server; also again after sound.end()."""
+        self.sound.start()
+        if self._wants_microphone:
+            # Without a microphone there is not even a loudspeaker, since what it plays can be recorded too.
+            self.sound.control("load-module", "module-null-sink", "sink_name=tovik_speaker", "rate=48000", "channels=2")
+            self.microphone = self.sound.plug_in(MICROPHONE, MICROPHONE_DESCRIPTION)
+            self.environment["TOVIK_STAGE_MICROPHONE"] = self.microphone.path
+            self.sound.set_default_microphone(MICROPHONE)
 
     def _start_manager(self) -> None:
         from .desktop import Desktop  # Only stages with a display need the X library.
 
-        self._spawn_server("manager", ["openbox", "--sm-disable"])
+        self.spawn_server("manager", ["openbox", "--sm-disable"])
         with Desktop(self.environment) as desktop:
-            self._wait_for_server("manager", desktop.virtual_desktops, "the window manager to start")
+            self.wait_for_server("manager", desktop.virtual_desktops, "the window manager to start")
             # It announces itself before it listens, and what it is asked in between is lost.
             before = desktop.virtual_desktops()
             for number in (before + 1, before):
@@ -276,10 +248,10 @@ class Stage:
                     desktop.ask_for_virtual_desktops(number)
                     return desktop.virtual_desktops() == number
 
-                self._wait_for_server("manager", obeys, "the window manager to obey")
+                self.wait_for_server("manager", obeys, "the window manager to obey")
             desktop.paint_background(*BACKGROUND)
 
-    def _wait_for_server(self, name: str, condition, what: str) -> None:
+    def wait_for_server(self, name: str, condition, what: str) -> None:
         def answered():
             if self.processes[name].poll() is not None:
                 raise StageError(f"{what}: it ended at once.\n{self.log(name)}")
@@ -304,7 +276,7 @@ class Stage:
         return text.decode().strip()
 
     @staticmethod
-    def _accepts(path: str) -> bool:
+    def accepts(path: str) -> bool:
         with socket.socket(socket.AF_UNIX) as probe:
             try:
                 probe.connect(path)

@@ -9,10 +9,45 @@
 #include <X11/keysym.h>
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 namespace tovik {
 namespace {
+
+// Application ids of Debian's terminals, in lower case.
+constexpr std::array kTerminals{"gnome-terminal",
+                                "gnome-terminal-server",
+                                "org.gnome.terminal",
+                                "org.gnome.console",
+                                "kgx",
+                                "xfce4-terminal",
+                                "mate-terminal",
+                                "lxterminal",
+                                "qterminal",
+                                "konsole",
+                                "org.kde.konsole",
+                                "terminator",
+                                "tilix",
+                                "guake",
+                                "yakuake",
+                                "terminology",
+                                "sakura",
+                                "roxterm",
+                                "termit",
+                                "kitty",
+                                "alacritty",
+                                "foot",
+                                "wezterm"};
+// They paste with Shift+Insert only, and do so whether or not Control is held as well.
+constexpr std::array kPlainTerminals{"xterm", "uxterm",      "urxvt", "rxvt",
+                                     "st",    "st-256color", "eterm", "mlterm"};
+
+bool isAmong(const auto& names, const std::vector<std::string>& ids) {
+    return std::any_of(ids.begin(), ids.end(), [&](const std::string& id) {
+        return std::find(names.begin(), names.end(), asciiLowerCased(id)) != names.end();
+    });
+}
 
 /// The user's entry for the first of these ids that has one.
 std::optional<PropertyValue> entryFor(const PropertyValue& table, const std::vector<std::string>& ids) {
@@ -51,6 +86,17 @@ PasteChord PasteChords::chordFor(const std::vector<std::string>& applicationIds)
                        "\" in platform.pasteChords is no key chord; pasting with Shift+Insert");
     }
     return chord.value_or(defaultChord());
+}
+
+PasteChord PasteChords::chordBesideControl(const std::vector<std::string>& applicationIds) {
+    using enum PasteChord::Modifier;
+    if (isAmong(kPlainTerminals, applicationIds)) {
+        return chordFor(applicationIds);
+    }
+    if (isAmong(kTerminals, applicationIds)) {
+        return {{control, shift}, XK_v};
+    }
+    return {{control}, XK_v};
 }
 
 const PasteChord& PasteChords::defaultChord() {

@@ -25,6 +25,11 @@ public:
     /// chord holds.
     [[nodiscard]] PasteChord chordFor(const std::vector<std::string>& applicationIds);
 
+    /// What pastes while the user holds Control down, as those do whose talk key it is: Ctrl+V, which
+    /// terminals take for something else, so Ctrl+Shift+V there, and the usual chord in those that know
+    /// neither.
+    [[nodiscard]] PasteChord chordBesideControl(const std::vector<std::string>& applicationIds);
+
     static const PasteChord& defaultChord();
 
 private:

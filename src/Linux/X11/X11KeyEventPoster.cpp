@@ -53,26 +53,29 @@ void X11KeyEventPoster::post(const KeyEvent& event, EventTap) {
 }
 
 void X11KeyEventPoster::pasteWhenPossible() {
-    if (!presser_->isSpoiled(chord())) {
-        paste();
+    const auto pasteUnlessSpoiled = [this] {
+        const auto wanted = chord();
+        const bool possible = !presser_->isSpoiled(wanted);
+        if (possible) {
+            paste(wanted);
+        }
+        return possible;
+    };
+    if (pasteUnlessSpoiled()) {
         return;
     }
-    check_ = services_.queue.every(kCheckInterval, [this] {
-        if (!presser_->isSpoiled(chord())) {
-            paste();
-        }
-    });
+    check_ = services_.queue.every(kCheckInterval, pasteUnlessSpoiled);
     deadline_ = services_.queue.after(kLongestWait, [this] {
         services_.log.printLine("[TovikVoice] Pasting although a modifier key is still held");
-        paste();
+        paste(chordForHeldKeys());
     });
 }
 
-void X11KeyEventPoster::paste() {
+void X11KeyEventPoster::paste(const PasteChord& chord) {
     check_.end();
     deadline_.end();
     for (; waiting_ > 0; --waiting_) {
-        if (const auto pressed = presser_->press(chord()); !pressed) {
+        if (const auto pressed = presser_->press(chord); !pressed) {
             services_.log.printLine("[TovikVoice] Failed to press the paste keys: " +
                                     pressed.error().description);
         }
@@ -81,6 +84,15 @@ void X11KeyEventPoster::paste() {
 
 PasteChord X11KeyEventPoster::chord() {
     return chords_->chordFor(windows_->applicationIds(windows_->activeWindow()));
+}
+
+// Text that becomes ready while the talk key is still down, as when a headset takes the recording over, would
+// not arrive before the key is up, and by then the next text may have taken its place on the clipboard. The
+// keys held are not released on the user's behalf: that has left keys stuck in other programs.
+PasteChord X11KeyEventPoster::chordForHeldKeys() {
+    const auto besideControl =
+        chords_->chordBesideControl(windows_->applicationIds(windows_->activeWindow()));
+    return presser_->isSpoiled(besideControl) ? chord() : besideControl;
 }
 
 } // namespace tovik

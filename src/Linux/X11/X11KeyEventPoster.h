@@ -21,7 +21,9 @@ class X11Windows;
 
 /// Pastes on behalf of the user: Command+V is all that it can press, and it presses whatever chord pastes
 /// into the window that has the keyboard. The whole chord is sent at the key-down event. While the user
-/// holds a modifier that would spoil the chord, it waits, up to 2 s, without holding up the main thread.
+/// holds a modifier that would spoil the chord, it waits, up to 2 s, without holding up the main thread. Then
+/// it presses what pastes with Control held, where that is what is held, and the chord all the same
+/// otherwise.
 class X11KeyEventPoster : public KeyEventPoster {
 public:
     struct Services {
@@ -42,8 +44,9 @@ public:
 
 private:
     void pasteWhenPossible();
-    void paste();
+    void paste(const PasteChord& chord);
     [[nodiscard]] PasteChord chord();
+    [[nodiscard]] PasteChord chordForHeldKeys();
 
     Services services_;
     std::unique_ptr<X11Connection> connection_;

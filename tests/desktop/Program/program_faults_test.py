@@ -16,13 +16,13 @@ from staging.waiting import wait_until
 
 class MissingService(ProgramTest):
     def test_display_endsTheLaunchWithASentence(self) -> None:
-        self.set_stage(display=False, sound=False)
+        self.set_stage(display=False, sound=None)
         program = self.launch()
         self.assertGreater(program.wait(), 0, "it must neither seem to work nor crash")
         self.assertRegex(program.errors(), "(?i)display")
 
     def test_soundServer_isToldWhenTheKeyIsPressed(self) -> None:
-        self.set_stage(sound=False)
+        self.set_stage(sound=None)
         program = self.start()
         editor = self.open_editor()
         self.desktop.tap(TALK_KEY)
@@ -33,7 +33,7 @@ class MissingService(ProgramTest):
 
     def test_soundServer_isUsedAsSoonAsItIsThere(self) -> None:
         stage = self.set_stage()
-        stage.end("sound")
+        stage.sound.end()
         program = self.start()
         editor = self.open_editor()
         program.lines.wait_for(lambda line: "sound server" in line.lower(), "a line about the sound server", 10)
@@ -48,7 +48,7 @@ class MissingService(ProgramTest):
         self.desktop.press(TALK_KEY)
         # Written when the recording runs; its line comes just before.
         wait_until(lambda: os.path.exists(program.capture_state), "the recording to run")
-        stage.end("sound")
+        stage.sound.end()
         program.lines.wait_for(lambda line: "sound server" in line.lower(), "a line about the sound server", 10)
         self.desktop.release(TALK_KEY)
         program.wait_for_line(NO_SPEECH, 10)
@@ -80,17 +80,17 @@ class MissingService(ProgramTest):
         self.assertEqual(editor.text(), "")
 
     def test_windowManager_keepsItFromNothing(self) -> None:
-        self.set_stage(manager=False, sound=False)
+        self.set_stage(manager=False, sound=None)
         program = self.start()
         self.assertEqual(program.terminate(), 0)
 
     def test_sessionBus_keepsItFromNothing(self) -> None:
-        self.set_stage(bus=False, sound=False)
+        self.set_stage(bus=False, sound=None)
         program = self.start()
         self.assertEqual(program.terminate(), 0)
 
     def test_keyPressing_isToldAtLaunch(self) -> None:
-        self.set_stage(sound=False, server_options=("-extension", "XTEST"))
+        self.set_stage(sound=None, server_options=("-extension", "XTEST"))
         program = self.start()
         told = "\n".join(program.output()) + program.errors()
         self.assertRegex(told, "(?i)xtest")
