@@ -84,6 +84,7 @@ void CaptureStream::stateChanged() {
 void CaptureStream::readAvailable() {
     const void* data = nullptr;
     std::size_t bytes = 0;
+    heardAt_ = std::chrono::steady_clock::now();
     while (pa_stream_readable_size(stream_.get()) > 0) {
         if (pa_stream_peek(stream_.get(), &data, &bytes) < 0 || bytes == 0) {
             return;

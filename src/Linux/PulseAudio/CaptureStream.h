@@ -5,6 +5,7 @@
 #include "Linux/PulseAudio/CaptureRelay.h"
 #include "Linux/PulseAudio/PulseHandles.h"
 
+#include <chrono>
 #include <functional>
 #include <string>
 
@@ -29,6 +30,9 @@ public:
     /// The name of the source that it hears now; the server may move it. Empty before the server has told.
     [[nodiscard]] std::string source() const;
 
+    /// When the server last sent anything, or else when it was asked to.
+    [[nodiscard]] std::chrono::steady_clock::time_point heardAt() const { return heardAt_; }
+
 private:
     void stateChanged();
     void readAvailable();
@@ -38,6 +42,7 @@ private:
     const std::size_t channelCount_;
     Handlers handlers_;
     pulse::StreamHandle stream_;
+    std::chrono::steady_clock::time_point heardAt_ = std::chrono::steady_clock::now();
 };
 
 } // namespace tovik

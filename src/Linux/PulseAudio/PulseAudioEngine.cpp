@@ -19,6 +19,8 @@ constexpr std::uint32_t kUsualRate = 48000;
 // How long a server that has accepted the connection may take to answer before it counts as stuck.
 constexpr std::chrono::milliseconds kPatience{500};
 
+constexpr Seconds kLongestSilence{1.0};
+
 struct SourceFormat {
     pa_sample_spec spec;
     pa_channel_map channels;
@@ -64,7 +66,10 @@ public:
         }
     }
 
-    void close() { stream_.reset(); }
+    void close() {
+        silence_.end();
+        stream_.reset();
+    }
 
     void deliverKept() { relay.deliver(session_); }
 
@@ -84,7 +89,7 @@ public:
 
     void serverLost() override {
         context_ = nullptr;
-        stream_.reset();
+        close();
         relay.finish(session_);
     }
 
@@ -114,6 +119,17 @@ private:
         handlers.moved = [this] { checkSource(); };
         stream_ = std::make_unique<CaptureStream>(*context_, format.spec, format.channels, relay, session_,
                                                   std::move(handlers));
+        watchForSilence();
+    }
+
+    // A server that hangs sends nothing and says nothing; a microphone that hears nothing sends zeros.
+    void watchForSilence() {
+        const auto silentFor = std::chrono::steady_clock::now() - stream_->heardAt();
+        if (silentFor >= kLongestSilence) {
+            connection_.log("No sound comes from the microphone: the sound server sends nothing");
+            return;
+        }
+        silence_ = connection_.thread().after(kLongestSilence - silentFor, [this] { watchForSilence(); });
     }
 
     // When the last microphone goes, the server lets the stream hear what the loudspeakers play. That must
@@ -145,6 +161,7 @@ private:
     CaptureRelay::Session session_ = 0;
     bool hearsOutput_ = false;
     std::unique_ptr<CaptureStream> stream_;
+    Subscription silence_;
 };
 
 PulseAudioEngine::PulseAudioEngine(PulseAudioConnection& connection,

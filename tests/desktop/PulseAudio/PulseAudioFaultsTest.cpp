@@ -228,6 +228,17 @@ TEST_P(PulseAudioFaultsOn, whenTheServerFreezesWhileRecording_nothingBlocks_andI
     expectADictationWorks();
 }
 
+TEST_P(PulseAudioFaultsOn, whenTheServerFreezesWhileRecording_itIsSaidOnce) {
+    startServer();
+    record();
+    server.freeze();
+    EXPECT_TRUE(eventually([this] { return rig.logged("No sound comes from the microphone") == 1; }));
+    server.thaw();
+    rig.engine.stop();
+    expectADictationWorks();
+    EXPECT_EQ(rig.logged("No sound comes from the microphone"), 1U);
+}
+
 TEST_P(PulseAudioFaultsOn, whenOpenedAndClosedInHaste_theMicrophoneEndsUpClosed) {
     startServer();
     rig.engine.installTap(1024, listener.tap());
