@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/MainQueue.h"
+#include "Platform/SecretStore.h"
+
+#include <memory>
+
+namespace tovik {
+
+/// The desktop's secret service, which GNOME's and KDE's key rings offer. Each secret carries the attributes
+/// "application" ("tovik-record") and "name", by which `secret-tool` finds it as well.
+class LibsecretStore : public SecretStore {
+public:
+    explicit LibsecretStore(MainQueue& queue);
+    /// Gives up what is still asked for.
+    ~LibsecretStore() override;
+
+    void lookUp(const std::string& name,
+                std::function<void(const Result<std::optional<std::string>>&)> completion) override;
+    void keep(const std::string& name, const std::string& secret,
+              std::function<void(const Result<void>&)> completion) override;
+    void forget(const std::string& name, std::function<void(const Result<void>&)> completion) override;
+
+private:
+    class Worker;
+
+    std::unique_ptr<Worker> worker_;
+};
+
+} // namespace tovik

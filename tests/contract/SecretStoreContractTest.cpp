@@ -1,0 +1,158 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/Qt/QtMainQueue.h"
+#include "Linux/Secrets/LibsecretStore.h"
+#include "support/EventLoop.h"
+#include "support/FakeSecretStore.h"
+#include "support/KeyRing.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+
+namespace tovik::test {
+namespace {
+
+class KeyRingEnvironment : public testing::Environment {
+public:
+    void SetUp() override { ring = std::make_unique<KeyRing>(); }
+    void TearDown() override { ring.reset(); }
+
+    std::unique_ptr<KeyRing> ring;
+};
+
+/// GoogleTest owns it.
+auto* const keyRing =
+    static_cast<KeyRingEnvironment*>(testing::AddGlobalTestEnvironment(new KeyRingEnvironment));
+
+struct StoreKind {
+    std::string name;
+    std::function<std::unique_ptr<SecretStore>(MainQueue&)> make;
+};
+
+using Found = Result<std::optional<std::string>>;
+
+class SecretStoreContract : public testing::TestWithParam<StoreKind> {
+protected:
+    Found lookUp(const std::string& name) {
+        std::optional<Found> outcome;
+        store->lookUp(name, [&](const Found& found) { outcome = found; });
+        EXPECT_FALSE(outcome) << "completions come later";
+        EXPECT_TRUE(runUntil([&] { return outcome.has_value(); }));
+        return outcome.value_or(Error{"test", 0, "no answer"});
+    }
+
+    Result<void> keep(const std::string& name, const std::string& secret) {
+        std::optional<Result<void>> outcome;
+        store->keep(name, secret, [&](const Result<void>& kept) { outcome = kept; });
+        EXPECT_TRUE(runUntil([&] { return outcome.has_value(); }));
+        return outcome.value_or(Error{"test", 0, "no answer"});
+    }
+
+    Result<void> forget(const std::string& name) {
+        std::optional<Result<void>> outcome;
+        store->forget(name, [&](const Result<void>& forgotten) { outcome = forgotten; });
+        EXPECT_TRUE(runUntil([&] { return outcome.has_value(); }));
+        return outcome.value_or(Error{"test", 0, "no answer"});
+    }
+
+    QtMainQueue queue;
+    std::unique_ptr<SecretStore> store = GetParam().make(queue);
+};
+
+TEST_P(SecretStoreContract, whatWasNeverKept_isNothing) {
+    const auto found = lookUp("never kept");
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found.value(), std::nullopt);
+}
+
+TEST_P(SecretStoreContract, whatIsKept_isFoundByItsNameOnly) {
+    ASSERT_TRUE(keep("one", "erster Schlüssel ✓"));
+    ASSERT_TRUE(keep("two", "2"));
+    EXPECT_EQ(lookUp("one").value(), "erster Schlüssel ✓");
+    EXPECT_EQ(lookUp("two").value(), "2");
+}
+
+TEST_P(SecretStoreContract, aSecretKeptAgain_replacesTheEarlierOne) {
+    ASSERT_TRUE(keep("again", "old"));
+    ASSERT_TRUE(keep("again", "new"));
+    EXPECT_EQ(lookUp("again").value(), "new");
+}
+
+TEST_P(SecretStoreContract, whatIsForgotten_isNothing) {
+    ASSERT_TRUE(keep("short-lived", "secret"));
+    ASSERT_TRUE(forget("short-lived"));
+    ASSERT_TRUE(forget("short-lived"));
+    EXPECT_EQ(lookUp("short-lived").value(), std::nullopt);
+}
+
+TEST_P(SecretStoreContract, fromAnyThread_answersOnTheMainOne) {
+    ASSERT_TRUE(keep("thread", "secret"));
+    std::optional<std::thread::id> answeredOn;
+    std::thread other(
+        [&] { store->lookUp("thread", [&](const Found&) { answeredOn = std::this_thread::get_id(); }); });
+    other.join();
+    EXPECT_TRUE(runUntil([&] { return answeredOn.has_value(); }));
+    EXPECT_EQ(answeredOn, std::this_thread::get_id());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Stores, SecretStoreContract,
+    testing::Values(StoreKind{"FakeSecretStore",
+                              [](MainQueue& queue) { return std::make_unique<FakeSecretStore>(queue); }},
+                    StoreKind{"LibsecretStore",
+                              [](MainQueue& queue) { return std::make_unique<LibsecretStore>(queue); }}),
+    [](const auto& kind) { return kind.param.name; });
+
+class LibsecretStoreTest : public testing::Test {
+protected:
+    Found lookUp(const std::string& name) {
+        std::optional<Found> outcome;
+        store.lookUp(name, [&](const Found& found) { outcome = found; });
+        EXPECT_TRUE(runUntil([&] { return outcome.has_value(); }));
+        return outcome.value_or(Error{"test", 0, "no answer"});
+    }
+
+    QtMainQueue queue;
+    LibsecretStore store{queue};
+};
+
+TEST_F(LibsecretStoreTest, whatTheDesktopsToolKept_isFound) {
+    keyRing->ring->secretTool(
+        {"store", "--label=Tovik Record", "application", "tovik-record", "name", "by-hand"}, "typed by hand");
+    EXPECT_EQ(lookUp("by-hand").value(), "typed by hand");
+}
+
+TEST_F(LibsecretStoreTest, whatOtherProgramsKept_isNotFound) {
+    keyRing->ring->secretTool({"store", "--label=Other", "application", "other", "name", "theirs"}, "theirs");
+    EXPECT_EQ(lookUp("theirs").value(), std::nullopt);
+}
+
+TEST_F(LibsecretStoreTest, withoutAKeyRing_isAnErrorWithASentence_untilThereIsOneAgain) {
+    keyRing->ring->kill();
+    const auto found = lookUp("anything");
+    ASSERT_FALSE(found);
+    EXPECT_TRUE(found.error().description.starts_with("Secret store: ")) << found.error().description;
+    EXPECT_GT(found.error().description.size(), std::string("Secret store: ").size());
+    keyRing->ring->start();
+    EXPECT_TRUE(lookUp("anything"));
+}
+
+TEST_F(LibsecretStoreTest, whenItEnds_nothingIsAnsweredAnyMore) {
+    auto answers = 0;
+    {
+        LibsecretStore brief(queue);
+        for (auto count = 0; count < 20; ++count) {
+            brief.lookUp("anything", [&](const Found&) { ++answers; });
+        }
+    }
+    runPendingEvents();
+    EXPECT_EQ(answers, 0);
+}
+
+} // namespace
+} // namespace tovik::test

@@ -1,0 +1,111 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "support/KeyRing.h"
+
+#include "support/EventLoop.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QStringList>
+
+#include <stdexcept>
+
+namespace tovik::test {
+
+namespace {
+
+constexpr auto kConnectionName = "key ring of the test";
+
+/// No folder of services: nothing is started on this bus but what the test starts.
+constexpr auto kBusConfiguration = R"(<busconfig>
+  <type>session</type>
+  <listen>unix:path=%1</listen>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+)";
+
+QStringList stringList(const std::vector<std::string>& texts) {
+    QStringList list;
+    for (const auto& text : texts) {
+        list.append(QString::fromStdString(text));
+    }
+    return list;
+}
+
+void end(QProcess& process) {
+    process.kill();
+    process.waitForFinished();
+}
+
+} // namespace
+
+KeyRing::KeyRing() : address_("unix:path=" + folder_ / "bus") {
+    const auto configuration = folder_ / "bus.conf";
+    writeFile(configuration,
+              QString(kBusConfiguration).arg(QString::fromStdString(folder_ / "bus")).toStdString());
+    bus_.setProcessChannelMode(QProcess::SeparateChannels);
+    bus_.setStandardErrorFile(QProcess::nullDevice());
+    bus_.start("dbus-daemon",
+               {"--nofork", "--print-address", "--config-file", QString::fromStdString(configuration)});
+    if (!runUntil([this] { return bus_.canReadLine(); })) {
+        throw std::runtime_error("the test's session bus did not start");
+    }
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", address_.c_str(), 1);
+    QDBusConnection::connectToBus(QString::fromStdString(address_), kConnectionName);
+    start();
+}
+
+KeyRing::~KeyRing() {
+    QDBusConnection::disconnectFromBus(kConnectionName);
+    end(keyRing_);
+    end(bus_);
+}
+
+void KeyRing::start() {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    for (const auto* variable :
+         {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"}) {
+        environment.insert(variable, QString::fromStdString(folder_.path()));
+    }
+    environment.remove("DISPLAY");
+    keyRing_.setProcessEnvironment(environment);
+    keyRing_.setStandardOutputFile(QProcess::nullDevice());
+    keyRing_.setStandardErrorFile(QProcess::nullDevice());
+    keyRing_.start("gnome-keyring-daemon",
+                   {"--foreground", "--unlock", "--components=secrets", "--control-directory",
+                    QString::fromStdString(folder_ / "control")});
+    keyRing_.write("password of the test");
+    keyRing_.closeWriteChannel();
+    if (!runUntil([this] { return answers(); })) {
+        throw std::runtime_error("the test's key ring did not start");
+    }
+}
+
+bool KeyRing::answers() const {
+    const QDBusConnection bus(kConnectionName);
+    return bus.isConnected() && bus.interface()->isServiceRegistered("org.freedesktop.secrets");
+}
+
+void KeyRing::kill() {
+    end(keyRing_);
+    if (!runUntil([this] { return !answers(); })) {
+        throw std::runtime_error("the test's key ring did not end");
+    }
+}
+
+std::string KeyRing::secretTool(const std::vector<std::string>& arguments, const std::string& input) const {
+    QProcess tool;
+    tool.start("secret-tool", stringList(arguments));
+    tool.write(input.data(), static_cast<qint64>(input.size()));
+    tool.closeWriteChannel();
+    if (!tool.waitForFinished() || tool.exitCode() != 0) {
+        throw std::runtime_error("secret-tool failed: " + tool.readAllStandardError().toStdString());
+    }
+    return tool.readAllStandardOutput().toStdString();
+}
+
+} // namespace tovik::test

@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "support/TemporaryFolder.h"
+
+#include <QProcess>
+
+#include <string>
+
+namespace tovik::test {
+
+/// A session bus of a test's own with a real, unlocked key ring on it, in a temporary folder; the user's own
+/// key ring is never touched. Needs a QCoreApplication, dbus-daemon and gnome-keyring. It becomes this
+/// process's session bus, so there can be one in a process, made before anything uses the bus.
+class KeyRing {
+public:
+    /// Returns when it answers. Throws when it does not.
+    KeyRing();
+    ~KeyRing();
+    KeyRing(const KeyRing&) = delete;
+    KeyRing& operator=(const KeyRing&) = delete;
+
+    /// Ends the key ring, and leaves the bus without one.
+    void kill();
+    void start();
+
+    /// Runs the desktop's own tool for secrets with this input and gives its output. Throws when it fails.
+    std::string secretTool(const std::vector<std::string>& arguments, const std::string& input = {}) const;
+
+private:
+    [[nodiscard]] bool answers() const;
+
+    TemporaryFolder folder_;
+    std::string address_;
+    QProcess bus_;
+    QProcess keyRing_;
+};
+
+} // namespace tovik::test
