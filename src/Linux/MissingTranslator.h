@@ -13,6 +13,10 @@ class MissingTranslator : public TextTranslator {
 public:
     MissingTranslator(MainQueue& queue, SystemLog& log) : queue_(queue), log_(log) {}
 
+    [[nodiscard]] std::optional<std::string> whyUnavailable() const override {
+        return "This version has no translator yet: transcripts are pasted as they were spoken.";
+    }
+
     void translate(const std::string& /*text*/,
                    std::function<void(const std::optional<TranslationResult>&)> completion) override {
         log_.logLine(

@@ -22,6 +22,10 @@ class TextTranslator {
 public:
     virtual ~TextTranslator() = default;
 
+    /// Why there is no translation service, in a sentence for the user; nothing while there is one. The
+    /// answer may change while the program runs.
+    [[nodiscard]] virtual std::optional<std::string> whyUnavailable() const = 0;
+
     /// Calls completion exactly once on the main thread, without a result when translation is off,
     /// unavailable or failed.
     virtual void translate(const std::string& text,

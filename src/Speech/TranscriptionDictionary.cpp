@@ -89,6 +89,13 @@ void TranscriptionDictionary::removeCorrection(std::string_view heard) {
     mappingChanged();
 }
 
+void TranscriptionDictionary::replaceCorrection(std::string_view stored, std::string_view heard,
+                                                std::string_view replacement) {
+    mapping_.erase(std::string(stored));
+    mapping_.erase(storedPhrase(stored));
+    setCorrection(heard, replacement);
+}
+
 void TranscriptionDictionary::setDictionary(Mapping mapping) {
     mapping_ = std::move(mapping);
     mappingChanged();

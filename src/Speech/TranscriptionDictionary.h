@@ -33,6 +33,10 @@ public:
     void setCorrection(std::string_view heard, std::string_view replacement);
     void removeCorrection(std::string_view heard);
 
+    /// Takes a stored phrase away, whatever its case there, and sets a correction in its place, in one step:
+    /// a program that dies meanwhile loses neither.
+    void replaceCorrection(std::string_view stored, std::string_view heard, std::string_view replacement);
+
     [[nodiscard]] const Mapping& getDictionary() const { return mapping_; }
 
     /// Replaces all corrections by these, taken as they stand.

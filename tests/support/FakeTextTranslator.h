@@ -15,6 +15,8 @@ namespace tovik::test {
 /// Answers when the test says so.
 class FakeTextTranslator : public TextTranslator {
 public:
+    [[nodiscard]] std::optional<std::string> whyUnavailable() const override { return missing; }
+
     void translate(const std::string& text,
                    std::function<void(const std::optional<TranslationResult>&)> completion) override {
         texts.push_back(text);
@@ -28,6 +30,8 @@ public:
         completion(result);
     }
 
+    /// Set: there is no translation service, for this reason.
+    std::optional<std::string> missing;
     /// What was to be translated, in order.
     std::vector<std::string> texts;
 
