@@ -119,17 +119,17 @@ private:
         handlers.moved = [this] { checkSource(); };
         stream_ = std::make_unique<CaptureStream>(*context_, format.spec, format.channels, relay, session_,
                                                   std::move(handlers));
-        watchForSilence();
+        silent_ = false;
+        silence_ = connection_.thread().every(kLongestSilence, [this] { listenForSilence(); });
     }
 
     // A server that hangs sends nothing and says nothing; a microphone that hears nothing sends zeros.
-    void watchForSilence() {
-        const auto silentFor = std::chrono::steady_clock::now() - stream_->heardAt();
-        if (silentFor >= kLongestSilence) {
+    void listenForSilence() {
+        const bool silent = std::chrono::steady_clock::now() - stream_->heardAt() >= kLongestSilence;
+        if (silent && !silent_) {
             connection_.log("No sound comes from the microphone: the sound server sends nothing");
-            return;
         }
-        silence_ = connection_.thread().after(kLongestSilence - silentFor, [this] { watchForSilence(); });
+        silent_ = silent;
     }
 
     // When the last microphone goes, the server lets the stream hear what the loudspeakers play. That must
@@ -162,6 +162,7 @@ private:
     bool hearsOutput_ = false;
     std::unique_ptr<CaptureStream> stream_;
     Subscription silence_;
+    bool silent_ = false;
 };
 
 PulseAudioEngine::PulseAudioEngine(PulseAudioConnection& connection,

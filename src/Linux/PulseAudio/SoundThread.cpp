@@ -18,6 +18,7 @@ namespace {
 
 struct Timer {
     std::function<void()> work;
+    Seconds interval{0};
     pa_mainloop_api* api = nullptr;
     pa_time_event* event = nullptr;
 };
@@ -79,6 +80,24 @@ Subscription SoundThread::after(Seconds delay, std::function<void()> work) {
             if (due) {
                 due();
             }
+        },
+        timer.get());
+    return Subscription([timer] { timer->api->time_free(timer->event); });
+}
+
+Subscription SoundThread::every(Seconds interval, std::function<void()> work) {
+    auto timer = std::make_shared<Timer>();
+    timer->work = std::move(work);
+    timer->interval = interval;
+    timer->api = &api();
+    const auto when = fromNow(interval);
+    timer->event = timer->api->time_new(
+        timer->api, &when,
+        [](pa_mainloop_api* api, pa_time_event* event, const timeval*, void* data) {
+            auto& due = *static_cast<Timer*>(data);
+            const auto next = fromNow(due.interval);
+            api->time_restart(event, &next);
+            due.work();
         },
         timer.get());
     return Subscription([timer] { timer->api->time_free(timer->event); });

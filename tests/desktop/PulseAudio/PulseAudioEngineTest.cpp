@@ -1,51 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
+#include "support/Allocations.h"
 #include "support/SoundRig.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <map>
-#include <new>
-
-namespace {
-
-thread_local bool countsAllocations = false;
-std::atomic<int> allocations = 0;
-
-void* allocate(std::size_t size) {
-    if (countsAllocations) {
-        ++allocations;
-    }
-    if (void* memory = std::malloc(size); memory != nullptr) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-} // namespace
-
-// Every allocation of this program comes through here, so that those of the capture thread can be counted.
-void* operator new(std::size_t size) {
-    return allocate(size);
-}
-void* operator new[](std::size_t size) {
-    return allocate(size);
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace {
 
@@ -216,19 +178,27 @@ TEST_P(PulseAudioEngineOn, whileRecording_theCaptureThreadAllocatesNothing) {
     plugIn();
     SoundRig rig(server);
     ASSERT_TRUE(rig.waitForDefault("mike"));
+    // The server tells of the source's waking up while the first buffers come, and that is looked into.
+    constexpr int firstCounted = 100;
+    constexpr int lastCounted = 250;
     std::atomic<int> buffers = 0;
+    std::atomic<long> before = 0;
+    std::atomic<long> after = 0;
     float sum = 0;
     rig.engine.installTap(1024, [&](const AudioBuffer& buffer) {
-        // The server tells of the source's waking up while the first buffers come.
-        countsAllocations = ++buffers > 50;
         for (const float sample : buffer.frames) {
             sum += sample * sample;
         }
+        const int count = ++buffers;
+        if (count == firstCounted) {
+            before = allocationsOfThisThread();
+        } else if (count == lastCounted) {
+            after = allocationsOfThisThread();
+        }
     });
-    allocations = 0;
     ASSERT_TRUE(rig.engine.start().ok());
-    ASSERT_TRUE(eventually([&] { return buffers > 200; }));
-    EXPECT_EQ(allocations, 0);
+    ASSERT_TRUE(eventually([&] { return buffers > lastCounted; }));
+    EXPECT_EQ(after - before, 0);
     rig.engine.stop();
 }
 

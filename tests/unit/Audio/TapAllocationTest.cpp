@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Audio/MacAudioManager.h"
+#include "support/Allocations.h"
 #include "support/FakeAudioHardware.h"
 #include "support/FakeCaptureDevices.h"
 #include "support/FakeSpeechService.h"
@@ -11,42 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-std::atomic<long> allocations{0};
-
-void* countedAllocation(std::size_t size) {
-    allocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* memory = std::malloc(size == 0 ? 1 : size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-} // namespace
-
-void* operator new(std::size_t size) {
-    return countedAllocation(size);
-}
-void* operator new[](std::size_t size) {
-    return countedAllocation(size);
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
+#include <memory>
 
 namespace tovik::test {
 namespace {
@@ -92,21 +58,21 @@ TEST(Tap, whileABufferIsHandled_allocatesNothing) {
     frames.fill(0.5F);
 
     // Long enough for the request to wrap around and to overflow: 64 s, of which it keeps 40.
-    const auto before = allocations.load();
+    const auto before = allocationsOfThisThread();
     for (int buffer = 0; buffer < 1000; ++buffer) {
         // Also what must be converted.
         engine.tap()({frames, buffer % 10 == 0 ? 48000.0 : 16000.0});
     }
-    EXPECT_EQ(allocations.load() - before, 0);
+    EXPECT_EQ(allocationsOfThisThread() - before, 0);
     EXPECT_GT(lastLevel, 0.9F);
     EXPECT_GT(speech.lastUtterance()->request().droppedFrames(), 0U);
 }
 
 TEST(Tap, whenSomethingAllocates_theCounterNotices) {
-    const auto before = allocations.load();
+    const auto before = allocationsOfThisThread();
     const auto text = std::make_unique<std::array<char, 100>>();
     EXPECT_NE(text, nullptr);
-    EXPECT_GT(allocations.load(), before);
+    EXPECT_GT(allocationsOfThisThread(), before);
 }
 
 } // namespace

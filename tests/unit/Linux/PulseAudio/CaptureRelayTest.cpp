@@ -1,48 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Linux/PulseAudio/CaptureRelay.h"
+#include "support/Allocations.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
-#include <new>
 #include <numeric>
 #include <thread>
 #include <vector>
-
-namespace {
-
-thread_local int allocations = 0;
-
-void* allocate(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size); memory != nullptr) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-} // namespace
-
-void* operator new(std::size_t size) {
-    return allocate(size);
-}
-void* operator new[](std::size_t size) {
-    return allocate(size);
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace {
 
@@ -168,11 +134,11 @@ TEST_F(CaptureRelayTest, anHourOfSound_takesNoMemory) {
     });
     const auto session = open(false);
     const auto chunk = counted(480);
-    const int before = allocations;
+    const auto before = test::allocationsOfThisThread();
     for (int turn = 0; turn < 60 * 60 * 100; ++turn) {
         relay.append(session, chunk.data(), chunk.size(), 1);
     }
-    EXPECT_EQ(allocations, before);
+    EXPECT_EQ(test::allocationsOfThisThread(), before);
     EXPECT_EQ(buffers, std::size_t{3600} * 48000 / 1024);
     EXPECT_GE(last, 0);
 }
