@@ -202,8 +202,8 @@ std::string SoundServer::control(const std::vector<std::string>& command) const 
     auto output = run(command);
     if (!output) {
         std::ifstream log(folder_ + "/pactl.log");
-        throw std::runtime_error("pactl " + command.front() + " failed: " +
-                                 std::string(std::istreambuf_iterator<char>(log), {}));
+        throw std::runtime_error("pactl " + command.front() +
+                                 " failed: " + std::string(std::istreambuf_iterator<char>(log), {}));
     }
     return *std::move(output);
 }

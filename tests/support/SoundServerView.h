@@ -10,8 +10,8 @@
 
 namespace tovik::test {
 
-/// One lasting connection to a sound server, to look at it without disturbing it: under PipeWire a client that
-/// connects at the moment of a change can make the other clients miss it.
+/// One lasting connection to a sound server, to look at it without disturbing it: under PipeWire a client
+/// that connects at the moment of a change can make the other clients miss it.
 class SoundServerView {
 public:
     /// Throws when the server does not answer within ten seconds.

@@ -30,8 +30,8 @@ public:
     [[nodiscard]] pa_mainloop_api& api();
     /// Sound thread only, its token too. Runs the work once.
     [[nodiscard]] Subscription after(Seconds delay, std::function<void()> work);
-    /// Sound thread only, its token too, which is not dropped within the work. Runs it again and again, without
-    /// allocating anything.
+    /// Sound thread only, its token too, which is not dropped within the work. Runs it again and again,
+    /// without allocating anything.
     [[nodiscard]] Subscription every(Seconds interval, std::function<void()> work);
 
 private:

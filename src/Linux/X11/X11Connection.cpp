@@ -12,6 +12,7 @@ namespace {
 
 // Xlib has one error handler for the whole process, so the connections that are ours are told apart here.
 std::mutex errorHandlerMutex;
+// An empty set allocates nothing, so making it cannot throw.
 std::set<Display*> ourDisplays; // NOLINT(bugprone-throwing-static-initialization)
 XErrorHandler previousErrorHandler = nullptr;
 

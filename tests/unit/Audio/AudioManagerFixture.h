@@ -95,4 +95,22 @@ private:
     std::size_t linesBefore_ = 0;
 };
 
+/// A manager that is asked about devices.
+class MacAudioManagerDevices : public AudioManagerFixture {
+protected:
+    void followWithDelegate() { manager().setDeviceDelegate(delegate); }
+    [[nodiscard]] std::string selectedId() {
+        return manager().selectedDevice() ? manager().selectedDevice()->id : "none";
+    }
+    [[nodiscard]] std::vector<std::string> listedIds() {
+        std::vector<std::string> ids;
+        for (const auto& device : manager().audioDevices()) {
+            ids.push_back(device.id);
+        }
+        return ids;
+    }
+
+    std::shared_ptr<RecordingDeviceDelegate> delegate = std::make_shared<RecordingDeviceDelegate>();
+};
+
 } // namespace tovik::test

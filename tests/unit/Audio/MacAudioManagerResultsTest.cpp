@@ -1,0 +1,120 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "AudioManagerFixture.h"
+
+namespace tovik::test {
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class MacAudioManagerResults : public AudioManagerFixture {};
+
+TEST_F(MacAudioManagerResults, whenTheFinalResultComes_deliversItCleanedUp) {
+    startRecording();
+    manager().stop();
+    speech.lastUtterance()->deliverFinal("hello world");
+    EXPECT_THAT(finals, ElementsAre("<hello world>"));
+    EXPECT_THAT(partials, IsEmpty());
+}
+
+TEST_F(MacAudioManagerResults, whenAPartialResultComes_deliversItAsItStands) {
+    startRecording();
+    speech.lastUtterance()->deliverPartial("hello");
+    speech.lastUtterance()->deliverPartial("hello wor");
+    EXPECT_THAT(partials, ElementsAre("hello", "hello wor"));
+    EXPECT_THAT(finals, IsEmpty());
+}
+
+TEST_F(MacAudioManagerResults, whenTheFinalResultIsEmpty_deliversTheEmptyText) {
+    startRecording();
+    speech.lastUtterance()->deliverFinal("");
+    EXPECT_THAT(finals, ElementsAre(""));
+}
+
+TEST_F(MacAudioManagerResults, whenAnErrorComesAlone_logsItAndDeliversNothing) {
+    startRecording();
+    speech.lastUtterance()->deliverError({"Speech", 3, "No speech detected"});
+    EXPECT_THAT(newLines(), ElementsAre("[TovikVoice] Transcription error: No speech detected"));
+    EXPECT_THAT(finals, IsEmpty());
+    EXPECT_THAT(partials, IsEmpty());
+}
+
+TEST_F(MacAudioManagerResults, whenAnErrorComesBesideAResult_theResultCountsAlone) {
+    startRecording();
+    const Error error{"Speech", 3, "late"};
+    speech.lastUtterance()->deliver(RecognitionResult{"one", false}, error);
+    speech.lastUtterance()->deliver(RecognitionResult{"two", true}, error);
+    EXPECT_THAT(partials, ElementsAre("one"));
+    EXPECT_THAT(finals, ElementsAre("<two>"));
+    EXPECT_THAT(newLines(), IsEmpty());
+}
+
+TEST_F(MacAudioManagerResults, whenNeitherResultNorErrorComes_doesNothing) {
+    startRecording();
+    speech.lastUtterance()->deliver(std::nullopt, std::nullopt);
+    EXPECT_THAT(finals, IsEmpty());
+    EXPECT_THAT(partials, IsEmpty());
+    EXPECT_THAT(newLines(), IsEmpty());
+}
+
+TEST_F(MacAudioManagerResults, withoutCallbacks_dropsResults) {
+    manager().onTranscription = nullptr;
+    manager().onPartialUpdate = nullptr;
+    startRecording();
+    speech.lastUtterance()->deliverPartial("a");
+    speech.lastUtterance()->deliverFinal("b");
+    EXPECT_THAT(newLines(), IsEmpty());
+}
+
+TEST_F(MacAudioManagerResults, whenTheFinalResultComesDuringTheNextDictation_deliversIt) {
+    startRecording();
+    const auto first = speech.lastUtterance();
+    manager().stop();
+    startRecording();
+    first->deliverFinal("late but whole");
+    EXPECT_THAT(finals, ElementsAre("<late but whole>"));
+}
+
+TEST_F(MacAudioManagerResults, whenTheTextIsDelivered_itIsNotLogged) {
+    startRecording();
+    speech.lastUtterance()->deliverPartial("secret");
+    speech.lastUtterance()->deliverFinal("secret");
+    EXPECT_THAT(log.printed(), Each(Not(HasSubstr("secret"))));
+    EXPECT_THAT(log.logged(), IsEmpty());
+}
+
+// ------------------------------------------------------------------------------ the end of it
+
+TEST_F(MacAudioManagerResults, whenAResultComesAfterTheManagerIsGone_nothingHappens) {
+    startRecording();
+    const auto utterance = speech.lastUtterance();
+    destroyManager();
+    forgetLines();
+    utterance->deliverFinal("too late");
+    utterance->deliverError({"Speech", 1, "too late"});
+    EXPECT_THAT(finals, IsEmpty());
+    EXPECT_THAT(newLines(), IsEmpty());
+}
+
+TEST_F(MacAudioManagerResults, whenDestroyedWhileRecording_letsGoOfTheMicrophoneAndTheRecogniser) {
+    startRecording();
+    const auto utterance = speech.lastUtterance();
+    destroyManager();
+    EXPECT_FALSE(engine.hasTap());
+    EXPECT_FALSE(engine.isRunning());
+    // Would wait for ever if the end of the sound had not been told.
+    EXPECT_THAT(utterance->readSound(), IsEmpty());
+}
+
+TEST_F(MacAudioManagerResults, whenDestroyedWithTheMicrophoneOpenAhead_closesIt) {
+    manager().openAhead();
+    destroyManager();
+    EXPECT_FALSE(engine.isOpenAhead());
+}
+
+} // namespace
+} // namespace tovik::test
