@@ -39,6 +39,7 @@ MacAudioManager::MacAudioManager(const Ports& ports, TextProcessor processTransc
     link_->manager = this;
     refreshAudioDevices();
     setupDeviceMonitoring();
+    ports_.speechService.prepare(contextualStrings(CustomVocabulary::terms(ports_.defaults)));
 }
 
 MacAudioManager::~MacAudioManager() {

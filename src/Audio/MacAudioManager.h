@@ -49,7 +49,7 @@ public:
 
     static constexpr std::string_view kAudioDeviceBluetooth = "AppleBluetoothAudio";
 
-    /// Reads the device list and follows it from then on.
+    /// Reads the device list and follows it from then on; lets the recognisers learn the vocabulary.
     MacAudioManager(const Ports& ports, TextProcessor processTranscription);
     /// Waits for a callback that is under way; none begins afterwards. A dictation that runs is given up.
     ~MacAudioManager() override;

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tovik {
 
@@ -60,6 +61,10 @@ public:
 
     /// The identifier of the user's own locale.
     [[nodiscard]] virtual std::string currentLocaleIdentifier() const = 0;
+
+    /// The words and phrases that the coming requests will favour, so that a recogniser may learn them ahead
+    /// of the first. What a request itself says holds; again is harmless.
+    virtual void prepare(const std::vector<std::string>& contextualStrings) = 0;
 };
 
 } // namespace tovik

@@ -77,6 +77,7 @@ struct FakeSpeechService::State {
     std::map<std::string, Locale> locales{{"en-US", Locale::available}};
     std::string currentLocale = "en-US";
     std::optional<std::string> answer;
+    std::vector<std::string> preparedFor;
     std::vector<std::string> asked;
     std::vector<std::shared_ptr<FakeUtterance>> utterances;
     std::vector<std::thread> answering;
@@ -171,6 +172,16 @@ void FakeSpeechService::setCurrentLocaleIdentifier(std::string localeIdentifier)
 void FakeSpeechService::answerWith(std::string text) {
     const std::lock_guard lock(state_->mutex);
     state_->answer = std::move(text);
+}
+
+void FakeSpeechService::prepare(const std::vector<std::string>& contextualStrings) {
+    const std::lock_guard lock(state_->mutex);
+    state_->preparedFor = contextualStrings;
+}
+
+std::vector<std::string> FakeSpeechService::preparedFor() const {
+    const std::lock_guard lock(state_->mutex);
+    return state_->preparedFor;
 }
 
 std::vector<std::string> FakeSpeechService::askedLocales() const {

@@ -63,6 +63,7 @@ public:
     [[nodiscard]] std::shared_ptr<SpeechRecognizer>
     makeRecognizer(const std::string& localeIdentifier) override;
     [[nodiscard]] std::string currentLocaleIdentifier() const override;
+    void prepare(const std::vector<std::string>& contextualStrings) override;
 
     /// How a locale stands from now on, also for recognisers already made. Available at first: "en-US" only;
     /// every other one is unknown, and no recogniser can be made for it.
@@ -74,6 +75,8 @@ public:
     /// or with the error "No speech detected" when all of its sound is zero.
     void answerWith(std::string text);
 
+    /// What the service was last told to prepare for; empty before.
+    [[nodiscard]] std::vector<std::string> preparedFor() const;
     /// The locales for which a recogniser was asked, in order.
     [[nodiscard]] std::vector<std::string> askedLocales() const;
     [[nodiscard]] std::size_t utteranceCount() const;

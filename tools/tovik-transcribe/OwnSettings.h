@@ -7,12 +7,17 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <utility>
 
 namespace tovik {
 
 /// Settings of this process alone: the user's own are neither read nor written.
 class OwnSettings : public UserDefaults {
 public:
+    using Values = std::map<std::string, PropertyValue, std::less<>>;
+
+    explicit OwnSettings(Values values) : values_(std::move(values)) {}
+
     [[nodiscard]] std::optional<PropertyValue> value(std::string_view key) const override {
         const std::lock_guard lock(mutex_);
         const auto found = values_.find(key);
@@ -31,7 +36,7 @@ public:
 
 private:
     mutable std::mutex mutex_;
-    std::map<std::string, PropertyValue, std::less<>> values_;
+    Values values_;
 };
 
 } // namespace tovik

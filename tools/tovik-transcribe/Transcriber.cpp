@@ -21,23 +21,21 @@ Seconds processorTime() {
 
 } // namespace
 
-Transcriber::Transcriber(FileAudioEngine::Pace pace, const std::string& vocabulary, SystemLog& log)
-    : chain_(settings_, log),
+Transcriber::Transcriber(FileAudioEngine::Pace pace, OwnSettings::Values settings, SystemLog& log)
+    : settings_(std::move(settings)),
+      chain_(settings_, log),
       dictionary_(settings_, log),
       recognition_(log),
       watched_(recognition_),
       engine_(pace, [this](const std::stop_token& stopped) { return watched_.waitUntilKeptUp(stopped); }),
       manager_({clock_, queue_, log, settings_, engine_, devices_, hardware_, watched_},
                [this](const std::string& recognised) { return chain_.processTranscription(recognised); }) {
-    if (!vocabulary.empty()) {
-        settings_.set("CustomVocabulary", vocabulary);
-    }
     manager_.onTranscription = [this](const std::string& cleaned) { cleaned_ = cleaned; };
 }
 
 std::optional<std::string> Transcriber::prepare() {
     const auto begin = std::chrono::steady_clock::now();
-    if (!recognition_.waitUntilLoaded(kLoadAtMost)) {
+    if (!recognition_.waitUntilReady(kLoadAtMost)) {
         return recognition_.whyUnavailable().value_or("The speech model takes too long to load");
     }
     loadTime_ = std::chrono::steady_clock::now() - begin;

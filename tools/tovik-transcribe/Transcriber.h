@@ -35,8 +35,8 @@ struct Transcript {
 /// with the settings as they are on the first day.
 class Transcriber {
 public:
-    /// The vocabulary has commas between its terms, as the user's own has.
-    Transcriber(FileAudioEngine::Pace pace, const std::string& vocabulary, SystemLog& log);
+    /// The settings by key, as in the user's own.
+    Transcriber(FileAudioEngine::Pace pace, OwnSettings::Values settings, SystemLog& log);
 
     /// Loads the recogniser's model; why it cannot be used when that fails.
     [[nodiscard]] std::optional<std::string> prepare();

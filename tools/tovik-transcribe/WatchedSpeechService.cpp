@@ -56,6 +56,10 @@ std::string WatchedSpeechService::currentLocaleIdentifier() const {
     return service_.currentLocaleIdentifier();
 }
 
+void WatchedSpeechService::prepare(const std::vector<std::string>& contextualStrings) {
+    service_.prepare(contextualStrings);
+}
+
 void WatchedSpeechService::expectUtterance() {
     const std::lock_guard lock(state_->mutex);
     state_->begun = false;

@@ -11,6 +11,7 @@
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <vector>
 
 namespace tovik {
 
@@ -32,6 +33,7 @@ public:
     [[nodiscard]] std::shared_ptr<SpeechRecognizer>
     makeRecognizer(const std::string& localeIdentifier) override;
     [[nodiscard]] std::string currentLocaleIdentifier() const override;
+    void prepare(const std::vector<std::string>& contextualStrings) override;
 
     /// Forgets the utterance before; call ahead of each.
     void expectUtterance();

@@ -20,7 +20,7 @@ constexpr int kFailed = 1;
 constexpr int kWrongUse = 2;
 
 constexpr std::string_view kHelp =
-    R"(usage: tovik-transcribe [--json] [--realtime] [--vocabulary TERMS] [--verbose] FILE.wav...
+    R"(usage: tovik-transcribe [OPTION...] FILE.wav...
 
 Dictates recordings without a desktop: the program's recogniser and text rules, with the
 settings of the first day. Touches no settings and writes no files.
@@ -32,6 +32,8 @@ settings of the first day. Touches no settings and writes no files.
   --realtime  play at the speed at which a person speaks
   --vocabulary TERMS
               words and phrases to favour, beside the built-in ones; commas between them
+  --setting KEY=VALUE
+              a setting by its key, its value as JSON or as plain text
   --verbose   the program's log lines on standard error
 
 Exit status: 0 when every recording was heard, also one without speech; 1 when a file cannot
@@ -43,10 +45,22 @@ struct Options {
     bool realTime = false;
     bool verbose = false;
     bool help = false;
-    std::string vocabulary;
+    tovik::OwnSettings::Values settings;
     std::vector<std::string> files;
     std::string wrong;
 };
+
+void addSetting(std::string_view setting, Options& options) {
+    const auto equals = setting.find('=');
+    if (equals == std::string_view::npos) {
+        options.wrong = "a setting needs a key and a value: " + std::string(setting);
+        return;
+    }
+    const std::string text(setting.substr(equals + 1));
+    const auto value = tovik::PropertyValue::parse(text, nullptr, false);
+    options.settings[std::string(setting.substr(0, equals))] =
+        value.is_discarded() ? tovik::PropertyValue(text) : value;
+}
 
 Options parse(int count, char** arguments) {
     Options options;
@@ -62,7 +76,9 @@ Options parse(int count, char** arguments) {
         } else if (argument == "--realtime") {
             options.realTime = true;
         } else if (argument == "--vocabulary" && i + 1 < count) {
-            options.vocabulary = arguments[++i];
+            options.settings["CustomVocabulary"] = arguments[++i];
+        } else if (argument == "--setting" && i + 1 < count) {
+            addSetting(arguments[++i], options);
         } else if (argument == "--verbose") {
             options.verbose = true;
         } else if (argument == "--help") {
@@ -113,7 +129,7 @@ int transcribeAll(const Options& options) {
     tovik::ErrorStreamLog log(options.verbose);
     Transcriber transcriber(options.realTime ? FileAudioEngine::Pace::realTime
                                              : FileAudioEngine::Pace::asFastAsAllowed,
-                            options.vocabulary, log);
+                            options.settings, log);
     int status = 0;
     bool prepared = false;
     for (const auto& file : options.files) {

@@ -44,7 +44,7 @@ void CepstralMean::take(const Cepstrum& frame, Output& output) {
     if (count_ <= framesForMean) {
         kept_.push_back(frame);
     }
-    if (count_ == framesForEstimate || count_ == framesForMean) {
+    if (count_ == framesForEstimate || count_ == framesForBetter || count_ == framesForMean) {
         estimate();
         giveAll(output);
     } else if (given_) {

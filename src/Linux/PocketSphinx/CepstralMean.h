@@ -14,12 +14,16 @@ namespace tovik {
 ///
 /// The mean of an utterance is only known at its end, but its text is wanted right then. So the first frames
 /// are held back until there are enough of them for an estimate, blended with that of the utterance before.
-/// Once there are enough for a good one, all frames are given out a second time, and the mean stays: one that
-/// moves within an utterance costs more words than one that is slightly off.
+/// As more come in, the estimate is made better in a few steps, and at each all frames are given out again
+/// with the new one: a mean that moves within an utterance costs more words than one that is slightly off.
+/// After the last step it stays.
 class CepstralMean {
 public:
     /// Frames of speech that are held back.
-    static constexpr std::size_t framesForEstimate = 150;
+    static constexpr std::size_t framesForEstimate = 100;
+    /// Frames of speech after which the estimate is made better. Most utterances are shorter than what a
+    /// good mean takes, and their last words are worth a better one.
+    static constexpr std::size_t framesForBetter = 200;
     /// Frames of speech after which the mean stays.
     static constexpr std::size_t framesForMean = 300;
     /// How many frames the mean of the utterance before counts for at most; it counts the less the more was

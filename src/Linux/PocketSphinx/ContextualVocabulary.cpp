@@ -3,8 +3,8 @@
 #include "Linux/PocketSphinx/ContextualVocabulary.h"
 
 #include "Linux/PocketSphinx/LibraryCall.h"
-#include "Linux/PocketSphinx/PocketSphinxError.h"
 #include "Linux/PocketSphinx/TermPronouncer.h"
+#include "Linux/Recognition/RecognitionError.h"
 
 #include <pocketsphinx.h>
 #include <sphinxbase/ckd_alloc.h>
@@ -28,6 +28,8 @@ constexpr std::array<const char*, 20> kLikeWords{"america", "california", "washi
                                                  "england", "texas",      "google",     "david", "michael",
                                                  "france",  "george",     "russia",     "china", "jack",
                                                  "joe",     "james",      "tom",        "mike",  "paris"};
+/// The library has room for 128 and every one makes the search a little slower.
+constexpr std::size_t kMostClasses = 48;
 /// Further ways to say a term are looked up under its first one: they take up no weight.
 constexpr float kNoWeight = 1e-6F;
 
@@ -66,12 +68,14 @@ Result<void> ContextualVocabulary::teach(ps_decoder_s* decoder, const std::vecto
 
 std::vector<ContextualVocabulary::NewWord>
 ContextualVocabulary::newWords(ps_decoder_s* decoder, const std::vector<std::string>& terms) {
-    taught_ = {terms.begin(), terms.end()};
     const TermPronouncer pronouncer([decoder](const std::string& word) { return lookUp(decoder, word); });
     std::vector<NewWord> words;
-    for (const auto& term : taught_) {
+    for (const auto& term : std::set(terms.begin(), terms.end())) {
         if (termOfWord_.size() == mostTerms) {
             break;
+        }
+        if (taught_.contains(term)) {
+            continue;
         }
         const auto ways = pronouncer.pronounce(term);
         if (ways.empty()) {
@@ -84,6 +88,7 @@ ContextualVocabulary::newWords(ps_decoder_s* decoder, const std::vector<std::str
         }
         termOfWord_.emplace(word, term);
     }
+    taught_ = {terms.begin(), terms.end()};
     return words;
 }
 
@@ -95,7 +100,8 @@ Result<void> ContextualVocabulary::add(ps_decoder_s* decoder, const std::vector<
         std::vector<float> weights;
     };
     std::array<Class, kLikeWords.size()> classes;
-    std::size_t term = 0;
+    // Terms that come later begin where the earlier ones ended, so that all classes get their share.
+    std::size_t term = termOfWord_.size();
     for (const auto& word : words) {
         term += word.isVariant ? 0 : 1;
         auto& class_ = classes[term % classes.size()];
@@ -121,6 +127,7 @@ Result<void> ContextualVocabulary::add(ps_decoder_s* decoder, const std::vector<
             } else if (count > 0) {
                 added = ngram_model_add_class(model, kLikeWords[i], 1, classes[i].names.data(),
                                               classes[i].weights.data(), count) >= 0;
+                ++classes_;
             }
         }
         for (const auto& word : words) {
@@ -131,14 +138,20 @@ Result<void> ContextualVocabulary::add(ps_decoder_s* decoder, const std::vector<
         }
     });
     if (!returned || !added) {
-        return pocketSphinxError(PocketSphinxCode::failed,
-                                 "The vocabulary could not be used: " + library.complaintsLine());
+        return recognitionError(RecognitionCode::failed,
+                                "The vocabulary could not be used: " + library.complaintsLine());
     }
     return {};
 }
 
 bool ContextualVocabulary::isTaught(const std::vector<std::string>& terms) const {
     return taught_ == std::set<std::string>(terms.begin(), terms.end());
+}
+
+bool ContextualVocabulary::canBeExtendedTo(const std::vector<std::string>& terms) const {
+    const std::set<std::string> wanted(terms.begin(), terms.end());
+    return std::includes(wanted.begin(), wanted.end(), taught_.begin(), taught_.end()) &&
+           classes_ + kLikeWords.size() <= kMostClasses;
 }
 
 std::string ContextualVocabulary::spelled(const std::string& words) const {

@@ -22,12 +22,15 @@ public:
     /// Further terms are left out: each one costs time in every frame.
     static constexpr std::size_t mostTerms = 500;
 
-    /// Teaches the terms to a decoder that was taught none, between utterances. Terms that cannot be said,
-    /// such as those in other scripts, are passed over.
+    /// Teaches the terms that were not taught yet, between utterances. Terms that cannot be said, such as
+    /// those in other scripts, are passed over.
     Result<void> teach(ps_decoder_s* decoder, const std::vector<std::string>& terms);
 
     /// Whether exactly these were taught.
     [[nodiscard]] bool isTaught(const std::vector<std::string>& terms) const;
+
+    /// Whether these can be reached by teaching some more; otherwise it takes a decoder that was taught none.
+    [[nodiscard]] bool canBeExtendedTo(const std::vector<std::string>& terms) const;
 
     /// The words of a decoder, with the terms in the user's spelling.
     [[nodiscard]] std::string spelled(const std::string& words) const;
@@ -44,6 +47,7 @@ private:
 
     std::set<std::string> taught_;
     std::map<std::string, std::string> termOfWord_;
+    std::size_t classes_ = 0;
 };
 
 } // namespace tovik

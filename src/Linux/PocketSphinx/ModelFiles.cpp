@@ -3,7 +3,7 @@
 #include "Linux/PocketSphinx/ModelFiles.h"
 
 #include "Linux/PocketSphinx/ModelDefinition.h"
-#include "Linux/PocketSphinx/PocketSphinxError.h"
+#include "Linux/Recognition/RecognitionError.h"
 
 #include <array>
 #include <cstdint>
@@ -19,10 +19,10 @@ namespace {
 namespace fs = std::filesystem;
 
 Error broken(const fs::path& file, std::string_view what) {
-    return pocketSphinxError(PocketSphinxCode::noModel,
-                             "The English speech model is not usable: " + file.string() + " " +
-                                 std::string(what) + ". Install the Debian package pocketsphinx-en-us" +
-                                 (what == "is missing" ? "." : " anew."));
+    return recognitionError(RecognitionCode::noModel,
+                            "The English speech model is not usable: " + file.string() + " " +
+                                std::string(what) + ". Install the Debian package pocketsphinx-en-us" +
+                                (what == "is missing" ? "." : " anew."));
 }
 
 /// Empty when the file can be read and begins as it should.

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/PocketSphinx/PocketSphinxDecoder.h"
 
-#include "Linux/PocketSphinx/PocketSphinxError.h"
+#include "Linux/Recognition/RecognitionError.h"
 
 #include <pocketsphinx.h>
 #include <sphinxbase/ckd_alloc.h>
@@ -60,9 +60,9 @@ Result<ps_decoder_s*> PocketSphinxDecoder::loadLibrary(const ModelFiles& files) 
         }
     });
     if (!returned || decoder == nullptr) {
-        return pocketSphinxError(PocketSphinxCode::noModel,
-                                 "The English speech model is not usable: " + library.complaintsLine() +
-                                     ". Install the Debian package pocketsphinx-en-us anew.");
+        return recognitionError(RecognitionCode::noModel,
+                                "The English speech model is not usable: " + library.complaintsLine() +
+                                    ". Install the Debian package pocketsphinx-en-us anew.");
     }
     // The library normalises from what it heard last; here the frames come normalised.
     ps_get_feat(decoder)->cmn = CMN_NONE;
@@ -81,9 +81,9 @@ Result<std::unique_ptr<UtteranceDecoder>> PocketSphinxDecoder::load(const ModelF
     auto frontEnd = FrontEnd::make(ps_get_config(decoder));
     if (frontEnd == nullptr) {
         ps_free(decoder);
-        return pocketSphinxError(PocketSphinxCode::noModel,
-                                 "The English speech model is not usable: it has other features. "
-                                 "Install the Debian package pocketsphinx-en-us anew.");
+        return recognitionError(RecognitionCode::noModel,
+                                "The English speech model is not usable: it has other features. "
+                                "Install the Debian package pocketsphinx-en-us anew.");
     }
     return std::unique_ptr<UtteranceDecoder>(new PocketSphinxDecoder(files, decoder, std::move(frontEnd)));
 }
@@ -106,12 +106,12 @@ Result<void> PocketSphinxDecoder::call(Callable callable) {
     int outcome = 0;
     if (unusable_ || !library([&] { outcome = callable(); })) {
         unusable_ = true;
-        return pocketSphinxError(PocketSphinxCode::failed,
-                                 "The recogniser gave up: " + library.complaintsLine());
+        return recognitionError(RecognitionCode::failed,
+                                "The recogniser gave up: " + library.complaintsLine());
     }
     if (outcome < 0) {
-        return pocketSphinxError(PocketSphinxCode::failed,
-                                 "The recogniser failed: " + library.complaintsLine());
+        return recognitionError(RecognitionCode::failed,
+                                "The recogniser failed: " + library.complaintsLine());
     }
     return {};
 }
@@ -130,18 +130,24 @@ Result<void> PocketSphinxDecoder::forgetTerms() {
     return {};
 }
 
+Result<void> PocketSphinxDecoder::prepare(const std::vector<std::string>& contextualStrings) {
+    if (!unusable_ && vocabulary_.isTaught(contextualStrings)) {
+        return {};
+    }
+    // Nothing can be untaught, so that fewer terms need another decoder.
+    if (unusable_ || !vocabulary_.canBeExtendedTo(contextualStrings)) {
+        if (auto forgotten = forgetTerms(); !forgotten) {
+            return forgotten;
+        }
+    }
+    auto taught = vocabulary_.teach(decoder_, contextualStrings);
+    unusable_ = !taught;
+    return taught;
+}
+
 Result<void> PocketSphinxDecoder::begin(const std::vector<std::string>& contextualStrings) {
-    if (unusable_ || !vocabulary_.isTaught(contextualStrings)) {
-        // Nothing can be untaught, so that other terms need another decoder.
-        if (unusable_ || !vocabulary_.isTaught({})) {
-            if (auto forgotten = forgetTerms(); !forgotten) {
-                return forgotten;
-            }
-        }
-        if (auto taught = vocabulary_.teach(decoder_, contextualStrings); !taught) {
-            unusable_ = true;
-            return taught;
-        }
+    if (auto prepared = prepare(contextualStrings); !prepared) {
+        return prepared;
     }
     voice_.begin();
     frontEnd_->begin();
@@ -219,7 +225,7 @@ Result<std::string> PocketSphinxDecoder::finish() {
     }
     auto text = hypothesis();
     if (text.empty()) {
-        return pocketSphinxError(PocketSphinxCode::noSpeech, kNoSpeech);
+        return recognitionError(RecognitionCode::noSpeech, kNoSpeech);
     }
     return text;
 }

@@ -7,8 +7,8 @@
 #include "Linux/PocketSphinx/FrontEnd.h"
 #include "Linux/PocketSphinx/LibraryCall.h"
 #include "Linux/PocketSphinx/ModelFiles.h"
-#include "Linux/PocketSphinx/UtteranceDecoder.h"
 #include "Linux/PocketSphinx/VoiceEvidence.h"
+#include "Linux/Recognition/UtteranceDecoder.h"
 
 #include <memory>
 
@@ -24,6 +24,7 @@ public:
     [[nodiscard]] static Result<std::unique_ptr<UtteranceDecoder>> load(const ModelFiles& files);
     ~PocketSphinxDecoder() override;
 
+    Result<void> prepare(const std::vector<std::string>& contextualStrings) override;
     Result<void> begin(const std::vector<std::string>& contextualStrings) override;
     Result<void> accept(std::span<const std::int16_t> samples) override;
     [[nodiscard]] std::string hypothesis() override;

@@ -34,6 +34,13 @@ class MacAudioManagerRecognition : public AudioManagerFixture {};
 
 // ------------------------------------------------------------------------------------- start
 
+TEST_F(MacAudioManagerRecognition, whenMade_letsTheRecognisersLearnTheVocabulary) {
+    defaults.set("CustomVocabulary", "Zork");
+    manager();
+    EXPECT_EQ(speech.preparedFor().size(), kBuiltinVocabulary.size() + 1);
+    EXPECT_EQ(speech.preparedFor().back(), "Zork");
+}
+
 TEST_F(MacAudioManagerRecognition, whenStarted_preparesAndStartsTheEngineWithATapOf1024Frames) {
     manager();
     engine.forgetCalls();

@@ -30,8 +30,10 @@ const std::map<std::string, std::set<std::string>>& allowedFolders() {
         {"Permissions", {"Platform"}},
         {"Session", kLogic},
         {"UserInterface", {"Platform", "Speech", "Audio", "Permissions", "Session", "WaveformOverlay"}},
-        // Every mechanism stands on the logic, and those that keep files on how files are kept.
-        {"Linux", {"Platform", "Speech", "Audio", "Permissions", "Session", "Linux/Storage"}},
+        // Every mechanism stands on the logic, those that keep files on how files are kept, and the speech
+        // engines on what they have in common.
+        {"Linux",
+         {"Platform", "Speech", "Audio", "Permissions", "Session", "Linux/Storage", "Linux/Recognition"}},
     };
     return kAllowed;
 }

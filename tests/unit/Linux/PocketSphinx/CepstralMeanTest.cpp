@@ -48,6 +48,19 @@ TEST(CepstralMean, betweenEstimateAndMean_givesEveryFrameAtOnce) {
     EXPECT_EQ(output.frames.front(), level(3));
 }
 
+TEST(CepstralMean, onceABetterEstimateIsThere_startsOverWithIt) {
+    CepstralMean mean;
+    mean.begin();
+    CepstralMean::Output output;
+    mean.process(levels(CepstralMean::framesForEstimate, 2), output);
+    EXPECT_FALSE(output.startsOver);
+    EXPECT_EQ(output.frames.front(), level(0));
+    mean.process(levels(CepstralMean::framesForBetter - CepstralMean::framesForEstimate, 4), output);
+    EXPECT_TRUE(output.startsOver);
+    ASSERT_EQ(output.frames.size(), CepstralMean::framesForBetter);
+    EXPECT_EQ(output.frames.front(), level(-1));
+}
+
 TEST(CepstralMean, onceTheMeanIsGood_startsOverWithIt) {
     CepstralMean mean;
     mean.begin();

@@ -60,6 +60,18 @@ TEST(PocketSphinxDecoder, recognisesOneUtteranceAfterAnother) {
     EXPECT_EQ(decode(*decoder, readRecording(kGoForward)), "go forward ten meters");
 }
 
+TEST(PocketSphinxDecoder, whenQuietComesFirst_hearsTheSameWords) {
+    for (const std::size_t frames : {1600, 4800, 12800}) {
+        // A decoder of its own each, since the utterance before has its share in the mean.
+        const auto decoder = loadDecoder();
+        ASSERT_NE(decoder, nullptr);
+        auto sound = std::vector<float>(frames);
+        const auto speech = readRecording(kGoForward);
+        sound.insert(sound.end(), speech.begin(), speech.end());
+        EXPECT_EQ(decode(*decoder, sound), "go forward ten meters") << frames;
+    }
+}
+
 TEST(PocketSphinxDecoder, makesNoWordsOfNoise) {
     const auto decoder = loadDecoder();
     ASSERT_NE(decoder, nullptr);
@@ -92,6 +104,28 @@ TEST(PocketSphinxDecoder, whenAWordLeavesTheVocabulary_forgetsIt) {
     ASSERT_NE(decoder, nullptr);
     EXPECT_EQ(decode(*decoder, readRecording(kGoForward), {"Go Forward"}), "Go Forward ten meters");
     EXPECT_EQ(decode(*decoder, readRecording(kGoForward), {"Tovik"}), "go forward ten meters");
+}
+
+TEST(PocketSphinxDecoder, whenAWordJoinsTheVocabulary_knowsItBesideTheOthers) {
+    const auto decoder = loadDecoder();
+    ASSERT_NE(decoder, nullptr);
+    ASSERT_TRUE(decoder->prepare({"Go Forward"}).ok());
+    EXPECT_EQ(decode(*decoder, readRecording(kGoForward), {"Go Forward"}), "Go Forward ten meters");
+    EXPECT_EQ(decode(*decoder, readRecording(kGoForward), {"Go Forward", "Ten Meters"}),
+              "Go Forward Ten Meters");
+}
+
+TEST(PocketSphinxDecoder, whenTheVocabularyGrowsAgainAndAgain_goesOnRecognising) {
+    const auto decoder = loadDecoder();
+    ASSERT_NE(decoder, nullptr);
+    std::vector<std::string> terms{"Go Forward"};
+    // More steps than there is room for, so that it begins anew on the way.
+    for (int i = 0; i < 32; ++i) {
+        terms.push_back("Zork" + std::string(1, static_cast<char>('a' + i % 26)) +
+                        std::string(1, static_cast<char>('a' + i / 26)));
+        ASSERT_TRUE(decoder->prepare(terms).ok()) << i;
+    }
+    EXPECT_EQ(decode(*decoder, readRecording(kGoForward), terms), "Go Forward ten meters");
 }
 
 TEST(PocketSphinxDecoder, whenTheVocabularyIsLarge_goesOnRecognising) {
@@ -147,7 +181,7 @@ TEST_P(BrokenModel, isAnErrorAndNoEndOfTheProgram) {
 
     const auto loaded = PocketSphinxDecoder::load({root / "en-us", root / "lm", root / "dict"});
     ASSERT_FALSE(loaded.ok());
-    EXPECT_EQ(loaded.error().domain, "PocketSphinx");
+    EXPECT_EQ(loaded.error().domain, "SpeechRecognition");
     EXPECT_THAT(loaded.error().description, HasSubstr("The English speech model is not usable"));
     EXPECT_THAT(loaded.error().description, HasSubstr("Install the Debian package pocketsphinx-en-us"));
 }

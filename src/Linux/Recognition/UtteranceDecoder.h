@@ -18,6 +18,10 @@ public:
 
     virtual ~UtteranceDecoder() = default;
 
+    /// Between utterances: the words and phrases that the next ones will favour. Whatever it takes to know
+    /// them is then done already when an utterance begins.
+    virtual Result<void> prepare(const std::vector<std::string>& contextualStrings) = 0;
+
     /// Begins an utterance in which the given words and phrases are likelier than usual.
     virtual Result<void> begin(const std::vector<std::string>& contextualStrings) = 0;
     virtual Result<void> accept(std::span<const std::int16_t> samples) = 0;

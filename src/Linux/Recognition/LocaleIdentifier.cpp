@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/PocketSphinx/LocaleIdentifier.h"
+#include "Linux/Recognition/LocaleIdentifier.h"
 
 #include <unicode/locid.h>
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/PocketSphinx/PocketSphinxError.h"
-#include "Linux/PocketSphinx/UtteranceDecoder.h"
+#include "Linux/Recognition/RecognitionError.h"
+#include "Linux/Recognition/UtteranceDecoder.h"
 
 #include <condition_variable>
 #include <memory>
@@ -68,6 +68,19 @@ public:
         const std::lock_guard lock(mutex_);
         return contextualStrings_;
     }
+    void failToLearn() {
+        const std::lock_guard lock(mutex_);
+        failsToLearn_ = true;
+    }
+    [[nodiscard]] Result<void> learn(const std::vector<std::string>& contextualStrings) {
+        const std::lock_guard lock(mutex_);
+        learned_.push_back(contextualStrings);
+        return failsToLearn_ ? recognitionError(RecognitionCode::failed, "script") : Result<void>();
+    }
+    [[nodiscard]] std::vector<std::vector<std::string>> learned() {
+        const std::lock_guard lock(mutex_);
+        return learned_;
+    }
     void decoderMade() {
         const std::lock_guard lock(mutex_);
         ++decoders_;
@@ -81,6 +94,8 @@ private:
     std::mutex mutex_;
     std::size_t failingFrom_ = 1000;
     std::vector<std::vector<std::string>> contextualStrings_;
+    std::vector<std::vector<std::string>> learned_;
+    bool failsToLearn_ = false;
     int decoders_ = 0;
 };
 
@@ -89,6 +104,9 @@ class ScriptedDecoder : public UtteranceDecoder {
 public:
     explicit ScriptedDecoder(std::shared_ptr<DecoderScript> script) : script_(std::move(script)) {}
 
+    Result<void> prepare(const std::vector<std::string>& contextualStrings) override {
+        return script_->learn(contextualStrings);
+    }
     Result<void> begin(const std::vector<std::string>& contextualStrings) override {
         script_->began(contextualStrings);
         ++utterances_;
@@ -98,7 +116,7 @@ public:
     Result<void> accept(std::span<const std::int16_t> samples) override {
         samples_ += samples.size();
         if (script_->fails(utterances_)) {
-            return pocketSphinxError(PocketSphinxCode::failed, "The recogniser failed: script");
+            return recognitionError(RecognitionCode::failed, "The recogniser failed: script");
         }
         return {};
     }
@@ -106,7 +124,7 @@ public:
     [[nodiscard]] Result<std::string> finish() override {
         script_->finishing.pass();
         if (samples_ == 0) {
-            return pocketSphinxError(PocketSphinxCode::noSpeech, "No speech detected");
+            return recognitionError(RecognitionCode::noSpeech, "No speech detected");
         }
         return text();
     }

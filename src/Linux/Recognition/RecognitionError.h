@@ -9,8 +9,8 @@
 
 namespace tovik {
 
-/// The numbers of the errors whose domain is "PocketSphinx".
-enum class PocketSphinxCode {
+/// The numbers of the errors whose domain is "SpeechRecognition".
+enum class RecognitionCode {
     noSpeech = 1,
     noModel = 2,
     failed = 3,
@@ -18,8 +18,8 @@ enum class PocketSphinxCode {
     ended = 5,
 };
 
-[[nodiscard]] inline Error pocketSphinxError(PocketSphinxCode code, std::string description) {
-    return {"PocketSphinx", static_cast<int>(code), std::move(description)};
+[[nodiscard]] inline Error recognitionError(RecognitionCode code, std::string description) {
+    return {"SpeechRecognition", static_cast<int>(code), std::move(description)};
 }
 
 } // namespace tovik

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/PocketSphinx/SharedLog.h"
-#include "Linux/PocketSphinx/Utterance.h"
-#include "Linux/PocketSphinx/UtteranceDecoder.h"
+#include "Linux/Recognition/SharedLog.h"
+#include "Linux/Recognition/Utterance.h"
+#include "Linux/Recognition/UtteranceDecoder.h"
 #include "Platform/Clock.h"
 
 #include <chrono>
@@ -35,11 +35,16 @@ public:
     /// Any thread. When the decoder could not be loaded the answer is why.
     void add(std::shared_ptr<Utterance> utterance);
 
+    /// The words and phrases that the next utterances will favour. The decoder learns them when there is
+    /// nothing to decode. Any thread.
+    void prepare(std::vector<std::string> contextualStrings);
+
     /// Why the decoder could not be loaded; nothing while it loads and when it works. Any thread.
     [[nodiscard]] std::optional<Error> failure() const;
 
-    /// Blocks until the decoder is loaded. False when it cannot be, or is not in time. Any thread.
-    [[nodiscard]] bool waitUntilLoaded(Seconds atMost) const;
+    /// Blocks until the decoder is loaded and has learned what it was to prepare for. False when it cannot be
+    /// loaded, or is not ready in time. Any thread.
+    [[nodiscard]] bool waitUntilReady(Seconds atMost) const;
 
     /// How long the decoder has been at its present task without a sign of life; zero when it has none.
     [[nodiscard]] Seconds silentFor() const;

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/PocketSphinx/Resampler.h"
+#include "Linux/Recognition/Resampler.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/PocketSphinx/RecognitionThread.h"
+#include "Linux/Recognition/RecognitionThread.h"
 
-#include "Linux/PocketSphinx/PocketSphinxError.h"
-#include "Linux/PocketSphinx/Resampler.h"
+#include "Linux/Recognition/RecognitionError.h"
+#include "Linux/Recognition/Resampler.h"
 
 #include <array>
 #include <chrono>
@@ -37,10 +37,13 @@ struct RecognitionThread::State {
 
     std::mutex mutex;
     std::condition_variable wake;
-    std::condition_variable loadEnded;
+    std::condition_variable gotReady;
     std::condition_variable ended;
     std::deque<std::shared_ptr<Utterance>> waiting;
     std::shared_ptr<Utterance> current;
+    /// What the decoder is to learn next; nothing when it has.
+    std::optional<std::vector<std::string>> toLearn;
+    bool learning = false;
     std::optional<Error> failure;
     std::optional<std::chrono::steady_clock::time_point> busySince;
     bool loaded = false;
@@ -67,7 +70,9 @@ struct RecognitionThread::State {
 
     void run();
     [[nodiscard]] std::unique_ptr<UtteranceDecoder> loadDecoder();
-    [[nodiscard]] std::shared_ptr<Utterance> next();
+    [[nodiscard]] std::shared_ptr<Utterance> next(UtteranceDecoder& decoder);
+    [[nodiscard]] std::optional<std::vector<std::string>> nextToLearn();
+    void learn(UtteranceDecoder& decoder, const std::vector<std::string>& contextualStrings);
     void decode(UtteranceDecoder& decoder, Utterance& utterance);
     [[nodiscard]] Result<std::string> listen(UtteranceDecoder& decoder, Utterance& utterance);
     [[nodiscard]] std::optional<std::size_t> hear(Utterance& utterance, std::span<float> frames);
@@ -75,7 +80,7 @@ struct RecognitionThread::State {
 
 void RecognitionThread::State::run() {
     if (auto decoder = loadDecoder()) {
-        while (const auto utterance = next()) {
+        while (const auto utterance = next(*decoder)) {
             decode(*decoder, *utterance);
             const std::lock_guard lock(mutex);
             if (!leaving) {
@@ -93,7 +98,7 @@ std::unique_ptr<UtteranceDecoder> RecognitionThread::State::loadDecoder() {
     if (decoder) {
         const std::lock_guard lock(mutex);
         loaded = true;
-        loadEnded.notify_all();
+        gotReady.notify_all();
         return std::move(decoder.value());
     }
     const auto& why = decoder.error();
@@ -105,7 +110,7 @@ std::unique_ptr<UtteranceDecoder> RecognitionThread::State::loadDecoder() {
         }
         failure = why;
         unanswerable.swap(waiting);
-        loadEnded.notify_all();
+        gotReady.notify_all();
     }
     log->logLine("[TovikVoice] Speech recognition is not available: " + why.description);
     for (const auto& utterance : unanswerable) {
@@ -114,15 +119,41 @@ std::unique_ptr<UtteranceDecoder> RecognitionThread::State::loadDecoder() {
     return nullptr;
 }
 
-std::shared_ptr<Utterance> RecognitionThread::State::next() {
-    std::unique_lock lock(mutex);
-    wake.wait(lock, [this] { return leaving || !waiting.empty(); });
+std::shared_ptr<Utterance> RecognitionThread::State::next(UtteranceDecoder& decoder) {
+    while (const auto contextualStrings = nextToLearn()) {
+        learn(decoder, *contextualStrings);
+    }
+    const std::lock_guard lock(mutex);
     if (leaving) {
         return nullptr;
     }
     current = std::move(waiting.front());
     waiting.pop_front();
     return current;
+}
+
+/// Waits for something to do; nothing when that is not to learn.
+std::optional<std::vector<std::string>> RecognitionThread::State::nextToLearn() {
+    std::unique_lock lock(mutex);
+    wake.wait(lock, [this] { return leaving || !waiting.empty() || toLearn; });
+    // Whoever speaks already has words of the utterance's own, which are learned with it.
+    if (leaving || !waiting.empty()) {
+        return std::nullopt;
+    }
+    learning = true;
+    return std::exchange(toLearn, std::nullopt);
+}
+
+void RecognitionThread::State::learn(UtteranceDecoder& decoder,
+                                     const std::vector<std::string>& contextualStrings) {
+    const auto learned = busy([&] { return decoder.prepare(contextualStrings); });
+    if (!learned && !isLeaving()) {
+        log->logLine("[TovikVoice] Speech recognition could not learn the vocabulary: " +
+                     learned.error().description);
+    }
+    const std::lock_guard lock(mutex);
+    learning = false;
+    gotReady.notify_all();
 }
 
 void RecognitionThread::State::decode(UtteranceDecoder& decoder, Utterance& utterance) {
@@ -177,7 +208,7 @@ Result<std::string> RecognitionThread::State::listen(UtteranceDecoder& decoder, 
     for (;;) {
         const auto count = hear(utterance, frames);
         if (!count) {
-            return pocketSphinxError(PocketSphinxCode::ended, "Recognition was ended");
+            return recognitionError(RecognitionCode::ended, "Recognition was ended");
         }
         samples.clear();
         if (*count > 0) {
@@ -215,7 +246,7 @@ RecognitionThread::RecognitionThread(DecoderLoader loader, SteadyClock clock, st
 RecognitionThread::~RecognitionThread() {
     if (thread_.joinable()) {
         for (const auto& utterance : leave(Seconds(0))) {
-            utterance->answer(pocketSphinxError(PocketSphinxCode::ended, "Recognition was ended"));
+            utterance->answer(recognitionError(RecognitionCode::ended, "Recognition was ended"));
         }
     }
 }
@@ -241,10 +272,19 @@ std::optional<Error> RecognitionThread::failure() const {
     return state_->failure;
 }
 
-bool RecognitionThread::waitUntilLoaded(Seconds atMost) const {
+void RecognitionThread::prepare(std::vector<std::string> contextualStrings) {
+    {
+        const std::lock_guard lock(state_->mutex);
+        state_->toLearn = std::move(contextualStrings);
+    }
+    state_->wake.notify_one();
+}
+
+bool RecognitionThread::waitUntilReady(Seconds atMost) const {
     std::unique_lock lock(state_->mutex);
-    state_->loadEnded.wait_for(lock, atMost, [this] { return state_->loaded || state_->failure; });
-    return state_->loaded;
+    const auto isReady = [this] { return state_->loaded && !state_->toLearn && !state_->learning; };
+    state_->gotReady.wait_for(lock, atMost, [&] { return isReady() || state_->failure; });
+    return isReady();
 }
 
 Seconds RecognitionThread::silentFor() const {

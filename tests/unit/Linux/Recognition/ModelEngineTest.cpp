@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/PocketSphinx/PocketSphinxService.h"
+#include "Linux/Recognition/ModelEngine.h"
 
 #include "ScriptedDecoder.h"
 #include "Speech/RecognitionRequest.h"
@@ -21,22 +21,22 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class PocketSphinxServiceTest : public testing::Test {
+class ModelEngineTest : public testing::Test {
 protected:
-    PocketSphinxServiceTest() {
+    ModelEngineTest() {
         limits_.silence = Seconds(60);
         limits_.look = Seconds(0.01);
         limits_.clock = [time = time_] { return std::chrono::steady_clock::time_point(time->load()); };
         limits_.goodbye = Seconds(60);
     }
-    ~PocketSphinxServiceTest() override {
+    ~ModelEngineTest() override {
         // Decoders that a test left hanging may go.
         script_->loading.open();
         script_->finishing.open();
     }
 
-    void makeService() {
-        service_ = std::make_unique<PocketSphinxService>(
+    void makeEngine() {
+        engine_ = std::make_unique<ModelEngine>(
             log_, [this] { return filesThere_ ? Result<void>() : Result<void>(kMissing); },
             [script = script_, failure = loadFailure_]() -> Result<std::unique_ptr<UtteranceDecoder>> {
                 script->decoderMade();
@@ -60,7 +60,7 @@ protected:
     /// Starts a task on the request; the answers tell what becomes of it.
     RecognitionAnswers start(const std::shared_ptr<RecognitionRequest>& request) {
         const RecognitionAnswers answers;
-        tasks_.push_back(service_->makeRecognizer("en-US")->startTask(request, answers.handler()));
+        tasks_.push_back(engine_->makeRecognizer()->startTask(request, answers.handler()));
         return answers;
     }
 
@@ -77,7 +77,7 @@ protected:
         return start(request);
     }
 
-    inline static const Error kMissing{"PocketSphinx", 2, "The model is missing. Install it."};
+    inline static const Error kMissing{"SpeechRecognition", 2, "The model is missing. Install it."};
 
     /// The time as the service knows it; stands still.
     const std::shared_ptr<std::atomic<std::chrono::steady_clock::duration>> time_ =
@@ -86,80 +86,130 @@ protected:
     const std::shared_ptr<DecoderScript> script_ = std::make_shared<DecoderScript>();
     std::atomic<bool> filesThere_{true};
     std::optional<Error> loadFailure_;
-    PocketSphinxService::Limits limits_;
-    std::unique_ptr<PocketSphinxService> service_;
+    ModelEngine::Limits limits_;
+    std::unique_ptr<ModelEngine> engine_;
     std::vector<std::unique_ptr<RecognitionTask>> tasks_;
 };
 
-TEST_F(PocketSphinxServiceTest, whileTheModelLoads_isAvailableAndLosesNoSound) {
+TEST_F(ModelEngineTest, whileTheModelLoads_isAvailableAndLosesNoSound) {
     script_->loading.close();
-    makeService();
+    makeEngine();
     script_->loading.waitForSomebody();
-    EXPECT_EQ(service_->whyUnavailable(), std::nullopt);
+    EXPECT_EQ(engine_->whyUnavailable(), std::nullopt);
     const auto answers = say(5000);
     script_->loading.open();
     EXPECT_EQ(answers.waitForText(), "5000 samples");
 }
 
-TEST_F(PocketSphinxServiceTest, whenTheFilesAreMissing_saysWhyAndLogsIt) {
+TEST_F(ModelEngineTest, whenTheFilesAreMissing_saysWhyAndLogsIt) {
     filesThere_ = false;
-    makeService();
-    EXPECT_EQ(service_->whyUnavailable(), kMissing.description);
-    EXPECT_FALSE(service_->makeRecognizer("en-US")->isAvailable());
+    makeEngine();
+    EXPECT_EQ(engine_->whyUnavailable(), kMissing.description);
+    EXPECT_FALSE(engine_->makeRecognizer()->isAvailable());
     EXPECT_THAT(
         log_.logged(),
         ElementsAre("[TovikVoice] Speech recognition is not available: The model is missing. Install it."));
     EXPECT_THAT(log_.printed(), IsEmpty());
 }
 
-TEST_F(PocketSphinxServiceTest, whenTheFilesAreMissing_answersWithTheReason) {
+TEST_F(ModelEngineTest, whenTheFilesAreMissing_answersWithTheReason) {
     filesThere_ = false;
-    makeService();
+    makeEngine();
     EXPECT_EQ(say(100).waitForText(), "<The model is missing. Install it.>");
-    EXPECT_FALSE(service_->waitUntilLoaded(Seconds(0)));
+    EXPECT_FALSE(engine_->waitUntilReady(Seconds(0)));
 }
 
-TEST_F(PocketSphinxServiceTest, whenTheFilesTurnUpLater_recognises) {
+TEST_F(ModelEngineTest, whenTheFilesTurnUpLater_recognises) {
     filesThere_ = false;
-    makeService();
-    ASSERT_TRUE(service_->whyUnavailable());
+    makeEngine();
+    ASSERT_TRUE(engine_->whyUnavailable());
     filesThere_ = true;
-    EXPECT_EQ(service_->whyUnavailable(), std::nullopt);
+    EXPECT_EQ(engine_->whyUnavailable(), std::nullopt);
     EXPECT_EQ(say(100).waitForText(), "100 samples");
 }
 
-TEST_F(PocketSphinxServiceTest, whenLoadingFails_saysWhyAndAnswersWithTheReason) {
-    loadFailure_ = Error{"PocketSphinx", 2, "The model is broken."};
+TEST_F(ModelEngineTest, whenLoadingFails_saysWhyAndAnswersWithTheReason) {
+    loadFailure_ = Error{"SpeechRecognition", 2, "The model is broken."};
     script_->loading.close();
-    makeService();
+    makeEngine();
     const auto before = say(100);
     script_->loading.open();
     EXPECT_EQ(before.waitForText(), "<The model is broken.>");
     EXPECT_EQ(say(100).waitForText(), "<The model is broken.>");
-    EXPECT_EQ(service_->whyUnavailable(), "The model is broken.");
-    EXPECT_FALSE(service_->waitUntilLoaded(Seconds(60)));
+    EXPECT_EQ(engine_->whyUnavailable(), "The model is broken.");
+    EXPECT_FALSE(engine_->waitUntilReady(Seconds(60)));
     EXPECT_THAT(log_.logged(), Contains(HasSubstr("The model is broken.")));
 }
 
-TEST_F(PocketSphinxServiceTest, onlyServesItsLanguage) {
-    makeService();
-    EXPECT_NE(service_->makeRecognizer("en_US.UTF-8"), nullptr);
-    EXPECT_NE(service_->makeRecognizer("en"), nullptr);
-    EXPECT_EQ(service_->makeRecognizer("en-GB"), nullptr);
-    EXPECT_EQ(service_->makeRecognizer("de-DE"), nullptr);
-}
-
-TEST_F(PocketSphinxServiceTest, handsTheContextualStringsToTheDecoder) {
-    makeService();
+TEST_F(ModelEngineTest, handsTheContextualStringsToTheDecoder) {
+    makeEngine();
     const auto request = makeRequest(false, {"Tovik", "Zoom"});
     request->endAudio();
     ASSERT_TRUE(start(request).waitForEnd());
     EXPECT_THAT(script_->contextualStrings(), ElementsAre(ElementsAre("Tovik", "Zoom")));
 }
 
-TEST_F(PocketSphinxServiceTest, whenASecondUtteranceBeginsBeforeTheFirstEnds_answersBoth) {
+TEST_F(ModelEngineTest, whenPreparedForWords_theDecoderLearnsThemBeforeAnybodySpeaks) {
+    makeEngine();
+    engine_->prepare({"Tovik", "Zoom"});
+    ASSERT_TRUE(engine_->waitUntilReady(Seconds(60)));
+    EXPECT_THAT(script_->learned(), ElementsAre(ElementsAre("Tovik", "Zoom")));
+    EXPECT_THAT(script_->contextualStrings(), IsEmpty());
+}
+
+TEST_F(ModelEngineTest, whenPreparedWhileTheModelLoads_learnsOnlyTheNewestWords) {
+    script_->loading.close();
+    makeEngine();
+    script_->loading.waitForSomebody();
+    engine_->prepare({"Tovik"});
+    engine_->prepare({"Zoom"});
+    script_->loading.open();
+    ASSERT_TRUE(engine_->waitUntilReady(Seconds(60)));
+    EXPECT_THAT(script_->learned(), ElementsAre(ElementsAre("Zoom")));
+}
+
+TEST_F(ModelEngineTest, whenSomebodySpeaksAlready_theUtteranceComesFirst) {
+    script_->loading.close();
+    makeEngine();
+    script_->loading.waitForSomebody();
+    engine_->prepare({"Tovik"});
     script_->finishing.close();
-    makeService();
+    const auto answers = say(100);
+    script_->loading.open();
+    script_->finishing.waitForSomebody();
+    EXPECT_THAT(script_->learned(), IsEmpty());
+    script_->finishing.open();
+    EXPECT_EQ(answers.waitForText(), "100 samples");
+    EXPECT_TRUE(engine_->waitUntilReady(Seconds(60)));
+}
+
+TEST_F(ModelEngineTest, afterAHang_theFreshDecoderLearnsTheWordsToo) {
+    script_->finishing.close();
+    makeEngine();
+    engine_->prepare({"Tovik"});
+    ASSERT_TRUE(engine_->waitUntilReady(Seconds(60)));
+    const auto hanging = say(100);
+    script_->finishing.waitForSomebody();
+    *time_ = std::chrono::minutes(2);
+    ASSERT_TRUE(hanging.waitForEnd());
+    script_->finishing.open();
+    ASSERT_TRUE(engine_->waitUntilReady(Seconds(60)));
+    EXPECT_THAT(script_->learned(), ElementsAre(ElementsAre("Tovik"), ElementsAre("Tovik")));
+}
+
+TEST_F(ModelEngineTest, whenTheWordsCannotBeLearned_saysSoAndGoesOn) {
+    script_->failToLearn();
+    makeEngine();
+    engine_->prepare({"Tovik"});
+    EXPECT_TRUE(engine_->waitUntilReady(Seconds(60)));
+    EXPECT_THAT(log_.logged(),
+                ElementsAre("[TovikVoice] Speech recognition could not learn the vocabulary: script"));
+    EXPECT_EQ(say(100).waitForText(), "100 samples");
+}
+
+TEST_F(ModelEngineTest, whenASecondUtteranceBeginsBeforeTheFirstEnds_answersBoth) {
+    script_->finishing.close();
+    makeEngine();
     const auto first = say(1000);
     script_->finishing.waitForSomebody();
     const auto second = say(2000);
@@ -168,9 +218,9 @@ TEST_F(PocketSphinxServiceTest, whenASecondUtteranceBeginsBeforeTheFirstEnds_ans
     EXPECT_EQ(second.waitForText(), "2000 samples");
 }
 
-TEST_F(PocketSphinxServiceTest, whenTheDecoderFails_answersOnceAndGoesOn) {
+TEST_F(ModelEngineTest, whenTheDecoderFails_answersOnceAndGoesOn) {
     script_->failFrom(1);
-    makeService();
+    makeEngine();
     const auto first = say(100);
     EXPECT_EQ(first.waitForText(), "<The recogniser failed: script>");
     script_->failFrom(1000);
@@ -178,9 +228,9 @@ TEST_F(PocketSphinxServiceTest, whenTheDecoderFails_answersOnceAndGoesOn) {
     EXPECT_EQ(first.all().size(), 1U);
 }
 
-TEST_F(PocketSphinxServiceTest, whenTheDecoderHangs_givesItUpAndTheNextUtteranceIsRecognised) {
+TEST_F(ModelEngineTest, whenTheDecoderHangs_givesItUpAndTheNextUtteranceIsRecognised) {
     script_->finishing.close();
-    makeService();
+    makeEngine();
     const auto hanging = say(100);
     const auto waiting = say(200);
     script_->finishing.waitForSomebody();
@@ -194,39 +244,39 @@ TEST_F(PocketSphinxServiceTest, whenTheDecoderHangs_givesItUpAndTheNextUtterance
                 Contains("[TovikVoice] Speech recognition does not answer: it is started anew"));
 }
 
-TEST_F(PocketSphinxServiceTest, whenEndedWhileSomebodySpeaks_answersWithAnErrorOnce) {
-    makeService();
+TEST_F(ModelEngineTest, whenEndedWhileSomebodySpeaks_answersWithAnErrorOnce) {
+    makeEngine();
     const auto request = makeRequest();
     const auto answers = start(request);
     append(*request, 100);
-    service_.reset();
+    engine_.reset();
     EXPECT_EQ(answers.waitForText(), "<Recognition was ended>");
     EXPECT_EQ(answers.all().size(), 1U);
 }
 
-TEST_F(PocketSphinxServiceTest, whenEndedWhileTheDecoderHangs_doesNotWaitForIt) {
+TEST_F(ModelEngineTest, whenEndedWhileTheDecoderHangs_doesNotWaitForIt) {
     limits_.goodbye = Seconds(0.01);
     script_->finishing.close();
-    makeService();
+    makeEngine();
     const auto hanging = say(100);
     const auto waiting = say(100);
     script_->finishing.waitForSomebody();
-    service_.reset();
+    engine_.reset();
     EXPECT_EQ(hanging.waitForText(), "<Recognition was ended>");
     EXPECT_EQ(waiting.waitForText(), "<Recognition was ended>");
 }
 
-TEST_F(PocketSphinxServiceTest, whenEndedWhileTheModelLoads_answersEverybody) {
+TEST_F(ModelEngineTest, whenEndedWhileTheModelLoads_answersEverybody) {
     limits_.goodbye = Seconds(0.01);
     script_->loading.close();
-    makeService();
+    makeEngine();
     const auto answers = say(100);
-    service_.reset();
+    engine_.reset();
     EXPECT_EQ(answers.waitForText(), "<Recognition was ended>");
 }
 
-TEST_F(PocketSphinxServiceTest, whenTheRequestIsLetGoOfWithoutAnEnd_answersWithWhatWasHeard) {
-    makeService();
+TEST_F(ModelEngineTest, whenTheRequestIsLetGoOfWithoutAnEnd_answersWithWhatWasHeard) {
+    makeEngine();
     auto request = makeRequest();
     const auto answers = start(request);
     append(*request, 3000);
@@ -235,9 +285,9 @@ TEST_F(PocketSphinxServiceTest, whenTheRequestIsLetGoOfWithoutAnEnd_answersWithW
     EXPECT_EQ(say(10).waitForText(), "10 samples");
 }
 
-TEST_F(PocketSphinxServiceTest, whenSoundWasDropped_saysSoOnce) {
+TEST_F(ModelEngineTest, whenSoundWasDropped_saysSoOnce) {
     script_->loading.close();
-    makeService();
+    makeEngine();
     const auto request = makeRequest();
     append(*request, 41 * 16000);
     request->endAudio();
@@ -248,18 +298,18 @@ TEST_F(PocketSphinxServiceTest, whenSoundWasDropped_saysSoOnce) {
                                            "of sound were dropped"));
 }
 
-TEST_F(PocketSphinxServiceTest, whenTheMicrophoneHasNoRate_answersWithAnError) {
-    makeService();
+TEST_F(ModelEngineTest, whenTheMicrophoneHasNoRate_answersWithAnError) {
+    makeEngine();
     const auto request = std::make_shared<RecognitionRequest>(RecognitionSettings{}, 0);
     request->endAudio();
     EXPECT_EQ(start(request).waitForText(), "<The microphone has no sample rate>");
 }
 
-TEST_F(PocketSphinxServiceTest, afterTheEnd_tasksMayStillBeFinished) {
-    makeService();
+TEST_F(ModelEngineTest, afterTheEnd_tasksMayStillBeFinished) {
+    makeEngine();
     const auto answers = say(10);
     ASSERT_TRUE(answers.waitForEnd());
-    service_.reset();
+    engine_.reset();
     tasks_.front()->finish();
     tasks_.clear();
 }

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/PocketSphinx/Resampler.h"
+#include "Linux/Recognition/Resampler.h"
 
-#include "Linux/PocketSphinx/PocketSphinxError.h"
+#include "Linux/Recognition/RecognitionError.h"
 
 #include <soxr.h>
 
@@ -20,7 +20,7 @@ struct Resampler::Stream {
 
 Result<std::unique_ptr<Resampler>> Resampler::make(double inputRate, double outputRate) {
     if (!(inputRate > 0) || !(outputRate > 0)) {
-        return pocketSphinxError(PocketSphinxCode::failed, "The microphone has no sample rate");
+        return recognitionError(RecognitionCode::failed, "The microphone has no sample rate");
     }
     soxr_error_t error = nullptr;
     auto format = soxr_io_spec(SOXR_FLOAT32_I, SOXR_INT16_I);
@@ -31,8 +31,8 @@ Result<std::unique_ptr<Resampler>> Resampler::make(double inputRate, double outp
     stream->ratio = outputRate / inputRate;
     stream->soxr = soxr_create(inputRate, outputRate, 1, &error, &format, &quality, nullptr);
     if (stream->soxr == nullptr || error != nullptr) {
-        return pocketSphinxError(PocketSphinxCode::failed, std::string("The sound cannot be resampled: ") +
-                                                               (error != nullptr ? error : "out of memory"));
+        return recognitionError(RecognitionCode::failed, std::string("The sound cannot be resampled: ") +
+                                                             (error != nullptr ? error : "out of memory"));
     }
     return std::unique_ptr<Resampler>(new Resampler(std::move(stream)));
 }

@@ -1,0 +1,156 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Linux/Recognition/ModelEngine.h"
+
+#include "Linux/Recognition/RecognitionError.h"
+
+#include <utility>
+
+namespace tovik {
+
+namespace {
+
+class RequestTask : public RecognitionTask {
+public:
+    explicit RequestTask(std::weak_ptr<RecognitionRequest> request) : request_(std::move(request)) {}
+
+    void finish() override {
+        if (const auto request = request_.lock()) {
+            request->endAudio();
+        }
+    }
+
+private:
+    const std::weak_ptr<RecognitionRequest> request_;
+};
+
+} // namespace
+
+class ModelRecognizer : public SpeechRecognizer {
+public:
+    explicit ModelRecognizer(ModelEngine& engine) : engine_(engine) {}
+
+    [[nodiscard]] bool isAvailable() const override { return !engine_.whyUnavailable(); }
+
+    [[nodiscard]] std::unique_ptr<RecognitionTask> startTask(std::shared_ptr<RecognitionRequest> request,
+                                                             RecognitionHandler handler) override {
+        auto task = std::make_unique<RequestTask>(request);
+        engine_.start(std::make_shared<Utterance>(std::move(request), std::move(handler)));
+        return task;
+    }
+
+private:
+    ModelEngine& engine_;
+};
+
+ModelEngine::ModelEngine(SystemLog& log, Check check, DecoderLoader loader, Limits limits)
+    : log_(std::make_shared<SharedLog>(log)),
+      check_(std::move(check)),
+      loader_(std::move(loader)),
+      limits_(limits) {
+    if (auto usable = check_(); usable) {
+        recognition_ = makeThread();
+    } else {
+        missing_ = usable.error();
+        log_->logLine("[TovikVoice] Speech recognition is not available: " + missing_->description);
+    }
+    watch_ = std::thread([this] { watch(); });
+}
+
+ModelEngine::~ModelEngine() {
+    {
+        const std::lock_guard lock(mutex_);
+        ends_ = true;
+    }
+    ending_.notify_all();
+    watch_.join();
+    if (recognition_) {
+        for (const auto& utterance : recognition_->leave(limits_.goodbye)) {
+            utterance->answer(recognitionError(RecognitionCode::ended, "Recognition was ended"));
+        }
+    }
+    log_->close();
+}
+
+std::shared_ptr<SpeechRecognizer> ModelEngine::makeRecognizer() {
+    return std::make_shared<ModelRecognizer>(*this);
+}
+
+void ModelEngine::prepare(const std::vector<std::string>& contextualStrings) {
+    const std::lock_guard lock(mutex_);
+    contextualStrings_ = contextualStrings;
+    if (recognition_) {
+        recognition_->prepare(contextualStrings);
+    }
+}
+
+std::optional<std::string> ModelEngine::whyUnavailable() {
+    const std::lock_guard lock(mutex_);
+    if (!recognition_ && check_()) {
+        missing_.reset();
+        recognition_ = makeThread();
+    }
+    if (!recognition_) {
+        return missing_->description;
+    }
+    if (const auto failure = recognition_->failure()) {
+        return failure->description;
+    }
+    return std::nullopt;
+}
+
+bool ModelEngine::waitUntilReady(Seconds atMost) {
+    std::shared_ptr<RecognitionThread> recognition;
+    {
+        const std::lock_guard lock(mutex_);
+        recognition = recognition_;
+    }
+    return recognition && recognition->waitUntilReady(atMost);
+}
+
+std::shared_ptr<RecognitionThread> ModelEngine::makeThread() const {
+    auto thread = std::make_shared<RecognitionThread>(loader_, limits_.clock, log_);
+    if (contextualStrings_) {
+        thread->prepare(*contextualStrings_);
+    }
+    return thread;
+}
+
+void ModelEngine::start(std::shared_ptr<Utterance> utterance) {
+    std::optional<Error> missing;
+    {
+        const std::lock_guard lock(mutex_);
+        if (recognition_) {
+            recognition_->add(utterance);
+            return;
+        }
+        missing = missing_;
+    }
+    utterance->answer(*missing);
+}
+
+void ModelEngine::watch() {
+    std::unique_lock lock(mutex_);
+    while (!ending_.wait_for(lock, limits_.look, [this] { return ends_; })) {
+        if (recognition_ && recognition_->silentFor() > limits_.silence) {
+            replaceSilentThread();
+        }
+    }
+}
+
+void ModelEngine::replaceSilentThread() {
+    log_->logLine("[TovikVoice] Speech recognition does not answer: it is started anew");
+    auto unanswered = recognition_->leave(Seconds(0));
+    recognition_ = makeThread();
+    if (unanswered.empty()) {
+        return;
+    }
+    unanswered.front()->answer(
+        recognitionError(RecognitionCode::notAnswering, "The recogniser does not answer"));
+    unanswered.pop_front();
+    for (auto& utterance : unanswered) {
+        recognition_->add(std::move(utterance));
+    }
+}
+
+} // namespace tovik

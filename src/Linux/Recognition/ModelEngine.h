@@ -1,0 +1,84 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Linux/Recognition/RecognitionThread.h"
+#include "Linux/Recognition/SharedLog.h"
+#include "Platform/SpeechService.h"
+
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace tovik {
+
+/// Recognises with one model of this machine, on a thread of its own.
+///
+/// The model is loaded in the background from the construction on. A dictation that begins before it is
+/// ready waits for it and loses nothing. Utterances are decoded one after the other. A decoder that does not
+/// come back is given up: its utterance is answered with an error and the next one gets a fresh decoder.
+class ModelEngine {
+public:
+    struct Limits {
+        /// How long the decoder may work without a sign of life.
+        Seconds silence{15};
+        /// How often that is looked at.
+        Seconds look{2};
+        /// How long the destruction waits for the decoder.
+        Seconds goodbye{2};
+        RecognitionThread::SteadyClock clock = [] { return std::chrono::steady_clock::now(); };
+    };
+
+    /// Tells in a moment whether the model's files can be used at all.
+    using Check = std::function<Result<void>()>;
+
+    ModelEngine(SystemLog& log, Check check, DecoderLoader loader, Limits limits);
+    /// Answers every utterance that is under way with an error.
+    ~ModelEngine();
+    ModelEngine(const ModelEngine&) = delete;
+    ModelEngine& operator=(const ModelEngine&) = delete;
+
+    /// It must not outlive the engine.
+    [[nodiscard]] std::shared_ptr<SpeechRecognizer> makeRecognizer();
+
+    /// The words and phrases that the next utterances will favour: the decoder learns them while nobody
+    /// speaks. Again is harmless.
+    void prepare(const std::vector<std::string>& contextualStrings);
+
+    /// Why no speech can be recognised, and what to install, in a sentence for the user. Nothing while the
+    /// model is usable or still being loaded. A model that was missing is looked for again.
+    [[nodiscard]] std::optional<std::string> whyUnavailable();
+
+    /// Blocks until the model is loaded and knows the words it was prepared for: for tools, which have
+    /// nothing else to do. False when it cannot be, or is not in time.
+    [[nodiscard]] bool waitUntilReady(Seconds atMost);
+
+private:
+    friend class ModelRecognizer;
+
+    void start(std::shared_ptr<Utterance> utterance);
+    [[nodiscard]] std::shared_ptr<RecognitionThread> makeThread() const;
+    void watch();
+    void replaceSilentThread();
+
+    const std::shared_ptr<SharedLog> log_;
+    const Check check_;
+    const DecoderLoader loader_;
+    const Limits limits_;
+
+    std::mutex mutex_;
+    std::condition_variable ending_;
+    bool ends_ = false;
+    /// Why the files cannot be used; then there is no thread.
+    std::optional<Error> missing_;
+    std::optional<std::vector<std::string>> contextualStrings_;
+    std::shared_ptr<RecognitionThread> recognition_;
+    std::thread watch_;
+};
+
+} // namespace tovik
