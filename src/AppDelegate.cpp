@@ -20,6 +20,7 @@
 #include "Session/TranscriptDelivery.h"
 #include "Session/TranscriptHistoryMenu.h"
 #include "Speech/FinalTextChain.h"
+#include "Speech/TranscriptHistoryBrowser.h"
 #include "Speech/TranscriptHistoryStore.h"
 #include "Speech/TranscriptionDictionary.h"
 
@@ -40,6 +41,7 @@ struct AppDelegate::Parts {
                        p.installLocations),
           permissionRequests(
               {p.authorization, p.mainQueue, p.log, p.workspace, window, permissions, installation}),
+          historyBrowser(history, p.pasteboard, window),
           links(p.workspace, window),
           inputDevices(std::make_shared<InputDeviceMenu>(p.mainQueue, p.log, window)) {}
 
@@ -53,6 +55,7 @@ struct AppDelegate::Parts {
     PermissionChecklist permissions;
     Installation installation;
     PermissionRequests permissionRequests;
+    TranscriptHistoryBrowser historyBrowser;
     MakerLinks links;
     std::shared_ptr<InputDeviceMenu> inputDevices;
 
@@ -166,6 +169,8 @@ void AppDelegate::createMenuAndWindow() {
     parts_->window.fill(platform_.userInterface.makeMainWindow({
         .permissions = parts_->permissions,
         .permissionRequests = parts_->permissionRequests,
+        .history = parts_->historyBrowser,
+        .reloadTranscriptHistoryMenu = [this] { parts_->historyMenu->reloadTranscriptHistoryMenu(); },
         .statusMenu = menu,
         .openTovikVoiceUpdates = [this] { parts_->links.openTovikVoiceUpdates(); },
         .openTovikAIWebsite = [this] { parts_->links.openTovikAIWebsite(); },

@@ -15,11 +15,15 @@ namespace tovik {
 
 class PermissionChecklist;
 class PermissionRequests;
+class TranscriptHistoryBrowser;
 
 /// What the main window shows and leads to. All of it outlives the window.
 struct MainWindowContents {
     PermissionChecklist& permissions;
     PermissionRequests& permissionRequests;
+    TranscriptHistoryBrowser& history;
+    /// The status menu shows the newest transcripts too.
+    std::function<void()> reloadTranscriptHistoryMenu;
     std::shared_ptr<Menu> statusMenu;
     std::function<void()> openTovikVoiceUpdates;
     std::function<void()> openTovikAIWebsite;

@@ -5,6 +5,8 @@
 #include "UserInterface/BorderlessButton.h"
 #include "UserInterface/HeaderView.h"
 #include "UserInterface/SymbolView.h"
+#include "UserInterface/TranscriptHistoryCell.h"
+#include "UserInterface/TranscriptHistoryTable.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
@@ -54,9 +56,79 @@ private:
     BorderlessButton& button_;
 };
 
+/// The list of transcripts with the rows in sight, from top to bottom.
+class AccessibleHistoryTable : public QAccessibleWidget {
+public:
+    explicit AccessibleHistoryTable(TranscriptHistoryTable& table)
+        : QAccessibleWidget(&table, QAccessible::List),
+          table_(table) {}
+
+    [[nodiscard]] int childCount() const override { return static_cast<int>(table_.visibleCells().size()); }
+
+    [[nodiscard]] QAccessibleInterface* child(int index) const override {
+        const auto cells = table_.visibleCells();
+        return index >= 0 && static_cast<std::size_t>(index) < cells.size()
+                   ? QAccessible::queryAccessibleInterface(cells[static_cast<std::size_t>(index)])
+                   : nullptr;
+    }
+
+    [[nodiscard]] int indexOfChild(const QAccessibleInterface* child) const override {
+        const auto cells = table_.visibleCells();
+        for (std::size_t index = 0; index < cells.size(); ++index) {
+            if (child && cells[index] == child->object()) {
+                return static_cast<int>(index);
+            }
+        }
+        return -1;
+    }
+
+    [[nodiscard]] QAccessibleInterface* focusChild() const override {
+        const auto row = table_.currentRow();
+        auto* cell = row && table_.hasFocus() ? table_.cellAt(*row) : nullptr;
+        return cell ? QAccessible::queryAccessibleInterface(cell) : QAccessibleWidget::focusChild();
+    }
+
+private:
+    TranscriptHistoryTable& table_;
+};
+
+/// A row of that list: pressing it copies it.
+class AccessibleHistoryCell : public QAccessibleWidget {
+public:
+    explicit AccessibleHistoryCell(TranscriptHistoryCell& cell)
+        : QAccessibleWidget(&cell, QAccessible::ListItem),
+          cell_(cell) {}
+
+    [[nodiscard]] QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.focusable = true;
+        state.focused = cell_.isCurrent() && cell_.parentWidget()->hasFocus();
+        state.selectable = true;
+        state.selected = cell_.isSelected();
+        return state;
+    }
+
+    [[nodiscard]] QStringList actionNames() const override { return {pressAction()}; }
+
+    void doAction(const QString& action) override {
+        if (action == pressAction()) {
+            emit cell_.copyClicked(cell_.row());
+        }
+    }
+
+private:
+    TranscriptHistoryCell& cell_;
+};
+
 QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
     if (auto* button = qobject_cast<BorderlessButton*>(object)) {
         return new AccessibleButton(*button);
+    }
+    if (auto* table = qobject_cast<TranscriptHistoryTable*>(object)) {
+        return new AccessibleHistoryTable(*table);
+    }
+    if (auto* cell = qobject_cast<TranscriptHistoryCell*>(object)) {
+        return new AccessibleHistoryCell(*cell);
     }
     if (qobject_cast<SymbolView*>(object) || qobject_cast<ApplicationIconView*>(object)) {
         return new QAccessibleWidget(qobject_cast<QWidget*>(object), QAccessible::Graphic);

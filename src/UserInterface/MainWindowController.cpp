@@ -17,6 +17,7 @@
 #include "UserInterface/SymbolImage.h"
 #include "UserInterface/Theme.h"
 #include "UserInterface/ToastView.h"
+#include "UserInterface/TranscriptHistorySection.h"
 #include "UserInterface/WindowSystem.h"
 
 #include <QVBoxLayout>
@@ -32,6 +33,7 @@ constexpr int kMenuGap = 4;
 MainWindowController::MainWindowController(const Collaborators& collaborators,
                                            const MainWindowContents& contents)
     : with_(collaborators),
+      reloadTranscriptHistoryMenu_(contents.reloadTranscriptHistoryMenu),
       window_(std::make_unique<FixedWidthWindow>(with_.clock, with_.queue)),
       accordion_(std::make_unique<Accordion>(with_.clock, with_.queue,
                                              [this](bool animated) { updateMainWindowHeight(animated); })) {
@@ -75,6 +77,10 @@ void MainWindowController::buildSections(const MainWindowContents& contents) {
 }
 
 QWidget* MainWindowController::contentOf(const SectionHeader& section, const MainWindowContents& contents) {
+    if (section.title == kHistorySection) {
+        history_ = new TranscriptHistorySection(with_.clock, with_.queue, contents.history);
+        return history_;
+    }
     if (section.title != kPermissionsSection) {
         return makeSectionNote(section.title);
     }
@@ -131,7 +137,12 @@ void MainWindowController::showSavedToast(const std::string& text) {
     view_->toast().showSavedToast(QString::fromStdString(text));
 }
 
-void MainWindowController::reloadHistoryTable() {}
+void MainWindowController::reloadHistoryTable() {
+    history_->reload();
+    if (reloadTranscriptHistoryMenu_) {
+        reloadTranscriptHistoryMenu_();
+    }
+}
 
 void MainWindowController::refreshPermissions() {
     permissions_->refresh();

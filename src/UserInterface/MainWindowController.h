@@ -21,6 +21,7 @@ namespace tovik {
 
 class MainWindowView;
 class PermissionsSection;
+class TranscriptHistorySection;
 
 /// The main window: built once, hidden when closed, presented again on request. Main thread.
 class MainWindowController : public MainWindow {
@@ -60,9 +61,11 @@ private:
     void updateMainWindowHeight(bool animated);
 
     const Collaborators with_;
+    const std::function<void()> reloadTranscriptHistoryMenu_;
     std::unique_ptr<FixedWidthWindow> window_;
     MainWindowView* view_ = nullptr;
     PermissionsSection* permissions_ = nullptr;
+    TranscriptHistorySection* history_ = nullptr;
     std::unique_ptr<Accordion> accordion_;
     Lifetime lifetime_;
 };

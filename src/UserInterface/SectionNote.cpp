@@ -30,9 +30,6 @@ QString noteFor(const std::string& title) {
         {kTranslationSection,
          "This version has no translator yet: transcripts are pasted as they were spoken, also while "
          "\"TranslationEnabled\" is true in the settings file ~/.config/tovik-record/defaults.json."},
-        {kHistorySection,
-         "The latest transcripts are in the status menu under \"Transcript History\"; choosing one pastes it "
-         "again."},
     };
     const auto found = notes.find(title);
     return found == notes.end() ? QString() : QString::fromUtf8(found->second);

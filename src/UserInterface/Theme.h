@@ -128,6 +128,37 @@ inline constexpr double kHintTextSize = 10;
 inline constexpr double kHintTextAlpha = 0.52;
 inline constexpr int kHintMaxLines = 3;
 
+// Transcript history.
+inline constexpr Rgba kHistoryHighlight{0.94, 0.92, 1.0};
+inline constexpr double kHistoryHighlightAlpha = 0.82;
+inline constexpr double kHistoryHighlightRadius = 10;
+inline constexpr int kHistoryHighlightSideInset = 2;
+inline constexpr int kHistoryHighlightEndInset = 3;
+inline constexpr Seconds kHistoryFlashIn{0.18};
+inline constexpr Seconds kHistoryFlashShown{0.68};
+inline constexpr Seconds kHistoryFlashOut{0.48};
+inline constexpr double kHistoryTextSize = 12;
+inline constexpr double kHistoryDateSize = 10;
+inline constexpr int kHistoryTextLines = 2;
+inline constexpr int kHistoryTextToDate = 2;
+inline constexpr int kHistoryTextToButton = 5;
+inline constexpr int kHistoryRowHeight = 60;
+inline constexpr int kHistoryRowSide = 12;
+inline constexpr int kHistoryTableHeight = 270;
+inline constexpr int kHistoryButtonSize = 24;
+inline constexpr double kHistoryButtonSymbolSize = 15;
+inline constexpr int kHistorySpacing = 8;
+inline constexpr double kHistorySelectionAlpha = 0.08;
+inline constexpr Rgba kHistoryDeleteGround{0.85, 0.16, 0.16};
+inline constexpr Rgba kHistoryDeleteText = Rgba::white(1);
+
+// Fields to type in.
+inline constexpr Rgba kFieldBackground = Rgba::white(1);
+inline constexpr Rgba kFieldBorder{0.82, 0.81, 0.9};
+inline constexpr double kFieldCornerRadius = 7;
+inline constexpr int kFieldHeight = 28;
+inline constexpr double kFieldTextSize = 12;
+
 [[nodiscard]] QColor color(const Rgba& rgba);
 [[nodiscard]] Rgba rgba(const QColor& color);
 

@@ -5,14 +5,18 @@
 #include "Permissions/Installation.h"
 #include "Permissions/PermissionChecklist.h"
 #include "Permissions/PermissionRequests.h"
+#include "Speech/TranscriptHistoryBrowser.h"
+#include "Speech/TranscriptHistoryStore.h"
 #include "UserInterface/MainWindowController.h"
 #include "support/FakeAlert.h"
 #include "support/FakeAuthorization.h"
 #include "support/FakeFiles.h"
+#include "support/FakePasteboard.h"
 #include "support/FakeProcessLauncher.h"
 #include "support/FakeScreens.h"
 #include "support/FakeWorkspace.h"
 #include "support/ManualTime.h"
+#include "support/MemoryUserDefaults.h"
 #include "support/RecordingLog.h"
 
 #include <QPoint>
@@ -42,7 +46,10 @@ struct WindowStage {
     FakeProcessLauncher launcher;
     FakeAlert alert;
     RecordingLog log;
+    MemoryUserDefaults defaults;
+    FakePasteboard pasteboard;
     Forward forward;
+    int historyMenuReloads = 0;
     std::vector<QPoint> menuPopUps;
     std::vector<std::string> openedLinks;
 
@@ -50,6 +57,8 @@ struct WindowStage {
     Installation installation{{authorization, files, workspace, launcher, alert, time, forward, [] {}},
                               macInstallLocations()};
     PermissionRequests requests{{authorization, time, log, workspace, forward, checklist, installation}};
+    TranscriptHistoryStore history{defaults, time};
+    TranscriptHistoryBrowser historyBrowser{history, pasteboard, forward};
     std::unique_ptr<MainWindowController> controller;
 
     /// The desktop that the window asks for the front: the fake one, unless a test brings another.
@@ -63,7 +72,8 @@ struct WindowStage {
         controller = std::make_unique<MainWindowController>(
             MainWindowController::Collaborators{time, time, screens, desktop,
                                                 [this](const QPoint& at) { menuPopUps.push_back(at); }},
-            MainWindowContents{checklist, requests, nullptr, [this] { openedLinks.emplace_back("updates"); },
+            MainWindowContents{checklist, requests, historyBrowser, [this] { ++historyMenuReloads; }, nullptr,
+                               [this] { openedLinks.emplace_back("updates"); },
                                [this] { openedLinks.emplace_back("website"); }});
         forward.target = controller.get();
     }
