@@ -23,6 +23,7 @@
 #include "Speech/TranscriptHistoryBrowser.h"
 #include "Speech/TranscriptHistoryStore.h"
 #include "Speech/TranscriptionDictionary.h"
+#include "Speech/TranslationManager.h"
 
 namespace tovik {
 
@@ -35,6 +36,7 @@ struct AppDelegate::Parts {
           dictionary(p.defaults, p.log),
           history(p.defaults, p.clock),
           chain(p.defaults, p.log),
+          translation({p.mainQueue, p.log, p.defaults, p.translationService, p.hasVisibleWindow}),
           permissions(p.authorization, p.installLocations),
           installation({p.authorization, p.files, p.workspace, p.processLauncher, p.alert, p.mainQueue,
                         window, p.terminate},
@@ -51,6 +53,7 @@ struct AppDelegate::Parts {
     TranscriptionDictionary dictionary;
     TranscriptHistoryStore history;
     FinalTextChain chain;
+    TranslationManager translation;
     MainWindowSlot window;
     PermissionChecklist permissions;
     Installation installation;
@@ -144,7 +147,7 @@ void AppDelegate::createSession() {
         .permissionRequests = parts_->permissionRequests,
         .dictionary = parts_->dictionary,
         .history = parts_->history,
-        .translator = platform_.translator,
+        .translator = parts_->translation,
         .mainWindow = parts_->window,
         .pasteboard = platform_.pasteboard,
         .poster = platform_.keyEventPoster,

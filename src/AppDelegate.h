@@ -19,7 +19,7 @@
 #include "Platform/Screens.h"
 #include "Platform/SpeechService.h"
 #include "Platform/SystemLog.h"
-#include "Platform/TextTranslator.h"
+#include "Platform/TranslationService.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/UserInterface.h"
 #include "Platform/Workspace.h"
@@ -47,12 +47,14 @@ struct Platform {
     AudioHardware& audioHardware;
     SpeechService& speechService;
     Authorization& authorization;
-    TextTranslator& translator;
+    TranslationService& translationService;
     Screens& screens;
     Alert& alert;
     ProcessLauncher& processLauncher;
     UserInterface& userInterface;
     std::function<void()> terminate;
+    /// Whether any window of the program is on the screen.
+    std::function<bool()> hasVisibleWindow;
     /// Where programs of this user keep their data, and the trace of this one's launches.
     std::string dataFolder;
     std::string debugLogFile;

@@ -9,6 +9,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <utility>
@@ -33,6 +34,11 @@ void hideOwnWindows() {
             window->hide();
         }
     }
+}
+
+bool hasVisibleWindow() {
+    const auto windows = QApplication::topLevelWidgets();
+    return std::ranges::any_of(windows, [](const QWidget* window) { return window->isVisible(); });
 }
 
 bool isSelf(const std::optional<RunningApplication>& application) {
@@ -64,7 +70,7 @@ LinuxPlatform::LinuxPlatform()
       engine_(soundServer_, devices_.directory()),
       microphoneAccess_(soundServer_, devices_.directory()),
       speech_(log_, speechModel(defaults_)),
-      translator_(queue_, log_),
+      translation_(queue_),
       session_(X11Session::examine()),
       authorization_(queue_, alert_, authorizationAnswers()),
       settingsPanes_(
@@ -138,12 +144,13 @@ Platform LinuxPlatform::describe(UserInterface& userInterface, std::function<voi
         .audioHardware = devices_,
         .speechService = speech_,
         .authorization = authorization_,
-        .translator = translator_,
+        .translationService = translation_,
         .screens = screens_,
         .alert = alert_,
         .processLauncher = launcher_,
         .userInterface = userInterface,
         .terminate = std::move(terminate),
+        .hasVisibleWindow = hasVisibleWindow,
         .dataFolder = folders_.applicationSupport(),
         .debugLogFile = folders_.debugLogFile(),
         .processIdentifier = getpid(),

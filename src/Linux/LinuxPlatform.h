@@ -6,7 +6,7 @@
 #include "Linux/Authorization/LinuxAuthorization.h"
 #include "Linux/Authorization/SettingsPanes.h"
 #include "Linux/Authorization/SettingsWorkspace.h"
-#include "Linux/MissingTranslator.h"
+#include "Linux/MissingTranslationService.h"
 #include "Linux/PocketSphinx/PocketSphinxService.h"
 #include "Linux/PulseAudio/PulseAudioDevices.h"
 #include "Linux/PulseAudio/PulseAudioEngine.h"
@@ -79,7 +79,7 @@ private:
     PulseAudioEngine engine_;
     PulseAudioMicrophoneAccess microphoneAccess_;
     PocketSphinxService speech_;
-    MissingTranslator translator_;
+    MissingTranslationService translation_;
     const X11Session session_;
     LinuxAuthorization authorization_;
     SettingsPanes settingsPanes_;

@@ -26,8 +26,8 @@ public:
     /// answer may change while the program runs.
     [[nodiscard]] virtual std::optional<std::string> whyUnavailable() const = 0;
 
-    /// Calls completion exactly once on the main thread, without a result when translation is off,
-    /// unavailable or failed.
+    /// Calls completion on the main thread, now or later, without a result when translation is off,
+    /// unavailable or failed. It is called once, or never when the service that took the text never answers.
     virtual void translate(const std::string& text,
                            std::function<void(const std::optional<TranslationResult>&)> completion) = 0;
 };

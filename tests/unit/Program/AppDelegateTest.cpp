@@ -14,7 +14,7 @@
 #include "support/FakeProcessLauncher.h"
 #include "support/FakeScreens.h"
 #include "support/FakeSpeechService.h"
-#include "support/FakeTextTranslator.h"
+#include "support/FakeTranslationService.h"
 #include "support/FakeUserInterface.h"
 #include "support/FakeWorkspace.h"
 #include "support/ManualTime.h"
@@ -52,12 +52,13 @@ protected:
             .audioHardware = hardware,
             .speechService = speech,
             .authorization = authorization,
-            .translator = translator,
+            .translationService = translation,
             .screens = screens,
             .alert = alert,
             .processLauncher = launcher,
             .userInterface = userInterface,
             .terminate = [this] { ++terminations; },
+            .hasVisibleWindow = [] { return true; },
             .dataFolder = "/home/ada/.local/share",
             .debugLogFile = kDebugLog,
             .processIdentifier = 4242,
@@ -86,7 +87,7 @@ protected:
     test::FakeAudioHardware hardware;
     test::FakeSpeechService speech;
     test::FakeAuthorization authorization;
-    test::FakeTextTranslator translator;
+    test::FakeTranslationService translation{time};
     test::FakeScreens screens;
     test::FakeAlert alert;
     test::FakeProcessLauncher launcher;
@@ -178,6 +179,24 @@ TEST_F(AppDelegateTest, holdingTheKeyAndSpeaking_bringsTheTextToTheEditor) {
     EXPECT_EQ(workspace.activated.back().application, editor);
     EXPECT_EQ(poster.posted.size(), 2u);
     EXPECT_EQ(defaults.value("transcription.history")->size(), 1u);
+}
+
+TEST_F(AppDelegateTest, withTranslationOn_bringsTheTranslationAndKeepsBoth) {
+    defaults.set("TranslationEnabled", true);
+    translation.answers.emplace(TranslationPair{"en", "es"}, TranslationAvailability::installed);
+    translation.phrases = std::map<std::string, std::string>{{"good morning", "buenos días"}};
+    launch();
+    workspace.bringToFront(editor);
+    keyMonitor.pressTalkKey();
+    keyMonitor.releaseTalkKey();
+    recognise("good morning");
+    time.advance(Seconds(0.28));
+    EXPECT_EQ(pasteboard.contents(), "buenos días");
+    EXPECT_EQ(poster.posted.size(), 2u);
+    EXPECT_EQ(defaults.value("transcription.history")->at(0).at("text"), "good morning");
+    // "Paste Last Transcript".
+    userInterface.statusItem->menu()->items().at(3).action();
+    EXPECT_EQ(pasteboard.contents(), "buenos días\n[good morning]");
 }
 
 TEST_F(AppDelegateTest, wordsSpokenDuringTheGuardTime_areTheBeginningOfTheRecording) {

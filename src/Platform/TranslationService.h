@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Result.h"
+#include "Platform/Subscription.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tovik {
+
+/// From one language to another, by the identifiers of the program's language table.
+struct TranslationPair {
+    std::string source;
+    std::string target;
+
+    auto operator<=>(const TranslationPair&) const = default;
+};
+
+enum class TranslationAvailability {
+    installed,
+    /// Possible in principle, but something has yet to be fetched.
+    supported,
+    unsupported,
+};
+
+/// Translates texts of one pair.
+class TranslationSession {
+public:
+    virtual ~TranslationSession() = default;
+
+    /// Calls completion exactly once, later, on the main thread; also when the session is dropped meanwhile.
+    /// The service sees to it that the answer does not take for ever. Line breaks and characters that the
+    /// service does not know survive.
+    virtual void translate(const std::string& text,
+                           std::function<void(const Result<std::string>&)> completion) = 0;
+};
+
+/// What translates on this desktop. Main thread.
+class TranslationService {
+public:
+    using SessionHandler = std::function<void(std::shared_ptr<TranslationSession>)>;
+
+    virtual ~TranslationService() = default;
+
+    /// Why nothing can be translated here at all, as a sentence for the user; nothing when there is a
+    /// service.
+    [[nodiscard]] virtual std::optional<std::string> whyUnavailable() const = 0;
+
+    /// True for a service that works only while one of the program's windows is visible.
+    [[nodiscard]] virtual bool needsVisibleWindow() const = 0;
+
+    /// Calls completion exactly once, later. An error: the service could not be asked.
+    virtual void availability(const TranslationPair& pair,
+                              std::function<void(const Result<TranslationAvailability>&)> completion) = 0;
+
+    /// Hands over a session for the pair, later: usually once, possibly again and again, possibly never.
+    /// Dropping the token ends the handing over, and leaves what is being translated alone.
+    [[nodiscard]] virtual Subscription offerSessions(const TranslationPair& pair, SessionHandler handler) = 0;
+};
+
+} // namespace tovik
