@@ -9,13 +9,22 @@
 #include <sphinxbase/err.h>
 #include <sphinxbase/feat.h>
 
-#include <array>
+#include <string_view>
 
 namespace tovik {
 
 namespace {
 
 constexpr const char* kNoSpeech = "No speech detected";
+
+// The search keeps every path since its beginning, so that an hour in one piece would take ever more memory
+// and, at each look at the hypothesis, time. After half a minute it begins anew in the next pause, and after
+// one and a half without any.
+constexpr std::size_t kFramesInOnePiece = 3000;
+constexpr std::size_t kFramesAtMost = 9000;
+constexpr std::size_t kFramesBetweenLooks = 25;
+constexpr int kPauseFrames = 30;
+constexpr std::string_view kQuiet = "<sil>";
 
 struct ModelPaths {
     std::string acousticModel;
@@ -32,6 +41,10 @@ cmd_ln_t* makeConfiguration(const ModelPaths& paths) {
                        "-mmap", "no",
                        // The second pass over the whole utterance begins only at its end: too late.
                        "-fwdflat", "no", nullptr);
+}
+
+std::string joined(const std::string& earlier, const std::string& later) {
+    return earlier.empty() || later.empty() ? earlier + later : earlier + ' ' + later;
 }
 
 } // namespace
@@ -153,6 +166,7 @@ Result<void> PocketSphinxDecoder::begin(const std::vector<std::string>& contextu
     frontEnd_->begin();
     mean_.begin();
     searched_ = 0;
+    earlierWords_.clear();
     return call([this] { return ps_start_utt(decoder_); });
 }
 
@@ -186,21 +200,65 @@ Result<void> PocketSphinxDecoder::search(std::span<const Cepstrum> frames) {
             return result;
         }
         ++searched_;
+        const bool looks = searched_ >= kFramesInOnePiece && searched_ % kFramesBetweenLooks == 0;
+        if (looks && (searched_ >= kFramesAtMost || isPausing())) {
+            if (auto afresh = searchAfresh(); !afresh) {
+                return afresh;
+            }
+        }
     }
     return {};
 }
 
-std::string PocketSphinxDecoder::hypothesis() {
-    // Of a noise the library makes words, too.
-    if (!voice_.heardVoice()) {
-        return {};
+// The last frames wait for three more, which give their features the right-hand side.
+Result<void> PocketSphinxDecoder::searchPadding() {
+    for (int frame = 0; frame < 3; ++frame) {
+        auto* row = last_.data();
+        if (auto result = call([&] { return ps_process_cep(decoder_, &row, 1, FALSE, FALSE); }); !result) {
+            return result;
+        }
     }
+    return {};
+}
+
+bool PocketSphinxDecoder::isPausing() {
+    int quiet = 0;
+    const auto looked = call([&] {
+        for (auto* segment = ps_seg_iter(decoder_); segment != nullptr; segment = ps_seg_next(segment)) {
+            int first = 0;
+            int last = 0;
+            ps_seg_frames(segment, &first, &last);
+            quiet = ps_seg_word(segment) == kQuiet ? last - first + 1 : 0;
+        }
+        return 0;
+    });
+    return looked && quiet >= kPauseFrames;
+}
+
+Result<void> PocketSphinxDecoder::searchAfresh() {
+    if (auto padded = searchPadding(); !padded) {
+        return padded;
+    }
+    if (auto ended = call([this] { return ps_end_utt(decoder_); }); !ended) {
+        return ended;
+    }
+    earlierWords_ = joined(earlierWords_, newWords());
+    searched_ = 0;
+    return call([this] { return ps_start_utt(decoder_); });
+}
+
+std::string PocketSphinxDecoder::newWords() {
     const char* text = nullptr;
     const auto result = call([&] {
         text = ps_get_hyp(decoder_, nullptr);
         return 0;
     });
     return result && text != nullptr ? vocabulary_.spelled(text) : "";
+}
+
+std::string PocketSphinxDecoder::hypothesis() {
+    // Of a noise the library makes words, too.
+    return voice_.heardVoice() ? joined(earlierWords_, newWords()) : "";
 }
 
 Result<std::string> PocketSphinxDecoder::finish() {
@@ -213,9 +271,7 @@ Result<std::string> PocketSphinxDecoder::finish() {
         searched = searchReady();
     }
     if (searched && searched_ > 0) {
-        // The last frames wait for three more, which give their features the right-hand side.
-        const std::array<Cepstrum, 3> padding{last_, last_, last_};
-        searched = search(padding);
+        searched = searchPadding();
     }
     if (auto ended = call([this] { return ps_end_utt(decoder_); }); searched && !ended) {
         searched = ended;

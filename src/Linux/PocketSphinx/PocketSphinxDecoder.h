@@ -44,6 +44,13 @@ private:
     /// Searches what is ready, from the start of the utterance if need be.
     Result<void> searchReady();
     Result<void> search(std::span<const Cepstrum> frames);
+    Result<void> searchPadding();
+    /// Whether the newest words are followed by quiet.
+    [[nodiscard]] bool isPausing();
+    /// Keeps the words so far and searches on from here.
+    Result<void> searchAfresh();
+    /// The words since searchAfresh(), as the user spells them.
+    [[nodiscard]] std::string newWords();
 
     const ModelFiles files_;
     ps_decoder_s* decoder_;
@@ -54,6 +61,7 @@ private:
     std::vector<Cepstrum> heard_;
     CepstralMean::Output ready_;
     std::size_t searched_ = 0;
+    std::string earlierWords_;
     Cepstrum last_{};
     bool unusable_ = false;
 };

@@ -12,6 +12,7 @@
 #include <fstream>
 #include <ostream>
 #include <random>
+#include <string_view>
 
 namespace tovik::test {
 namespace {
@@ -70,6 +71,34 @@ TEST(PocketSphinxDecoder, whenQuietComesFirst_hearsTheSameWords) {
         sound.insert(sound.end(), speech.begin(), speech.end());
         EXPECT_EQ(decode(*decoder, sound), "go forward ten meters") << frames;
     }
+}
+
+TEST(PocketSphinxDecoder, whenSomebodySpeaksForLong_keepsEveryWordInItsPlace) {
+    const auto decoder = loadDecoder();
+    ASSERT_NE(decoder, nullptr);
+    const auto sentence = readRecording(kGoForward);
+    const std::vector<float> pause(8000);
+    // Longer than the search goes on in one piece.
+    constexpr int times = 15;
+    std::vector<float> sound;
+    for (int turn = 0; turn < times; ++turn) {
+        sound.insert(sound.end(), sentence.begin(), sentence.end());
+        sound.insert(sound.end(), pause.begin(), pause.end());
+    }
+    ASSERT_GT(sound.size(), std::size_t{16000} * 40);
+    std::string expected;
+    for (int turn = 0; turn < times; ++turn) {
+        expected += turn == 0 ? "" : " ";
+        expected += "go forward ten";
+    }
+    auto text = decode(*decoder, sound);
+    // How the last word of the sentence is heard depends on what came before.
+    for (const auto* last : {" meters", " years"}) {
+        for (auto found = text.find(last); found != std::string::npos; found = text.find(last)) {
+            text.erase(found, std::string_view(last).size());
+        }
+    }
+    EXPECT_EQ(text, expected);
 }
 
 TEST(PocketSphinxDecoder, makesNoWordsOfNoise) {
