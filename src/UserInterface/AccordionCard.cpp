@@ -133,7 +133,8 @@ void AccordionCard::setContentAlpha(double alpha) {
 }
 
 void AccordionCard::setCollapsedHeightActive(bool active) {
-    setMinimumHeight(theme::kCardHeaderHeight);
+    // Open, the content says how low the card may be; a height of its own would let the content be crushed.
+    setMinimumHeight(active ? theme::kCardHeaderHeight : 0);
     setMaximumHeight(active ? theme::kCardHeaderHeight : QWIDGETSIZE_MAX);
 }
 

@@ -24,6 +24,8 @@ namespace tovik {
 namespace {
 
 constexpr int kScrollStep = 20;
+/// Keeps the scroll bar out of the rounded corners.
+constexpr int kBarInset = 4;
 /// Wheels count in eighths of a degree; a notch of 15 degrees is worth this many pixels.
 constexpr double kPixelsPerNotch = 60;
 constexpr double kNotch = 120;
@@ -320,8 +322,8 @@ void TranscriptHistoryTable::focusOutEvent(QFocusEvent* event) {
 void TranscriptHistoryTable::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     const int barWidth = overlayBar_->sizeHint().width();
-    overlayBar_->setGeometry(
-        QStyle::visualRect(layoutDirection(), rect(), QRect(width() - barWidth, 0, barWidth, height())));
+    const QRect bar(width() - barWidth, kBarInset, barWidth, height() - 2 * kBarInset);
+    overlayBar_->setGeometry(QStyle::visualRect(layoutDirection(), rect(), bar));
     showRows();
 }
 

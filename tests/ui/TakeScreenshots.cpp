@@ -16,6 +16,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLocale>
 #include <QPainter>
 #include <QScreen>
 
@@ -190,9 +191,27 @@ void takeWindow(Photographer& photographer, test::WindowStage& stage, const QStr
     photographer.takeScreen(name, stage.controller->window().frameGeometry(), showsWindow);
 }
 
+/// What somebody may have said over a day or two; the last one is the newest.
+void fillHistory(test::WindowStage& stage) {
+    for (const char* text :
+         {"Remind me to water the plants on Friday.", "The invoice is due on March 5 and comes to $1,250.",
+          "Could you send me the notes from this morning? I would like to read them again before the "
+          "meeting, "
+          "and I think that the numbers on the second page are not the ones that we agreed on last week.",
+          "Go forward 10 meters.", "First line of a list\nsecond line of a list",
+          "Let's meet at 1:30 PM, in front of the main entrance.",
+          "I have been thinking about what you said, and you are right: it is better to finish the small "
+          "things first.",
+          "Thank you, see you tomorrow."}) {
+        stage.history.add(text);
+        stage.time.pause(Seconds{3725});
+    }
+}
+
 void takeWindows(Photographer& photographer, const QString& prefix, const QStringList& sectionsToOpen) {
     test::WindowStage granted;
     fillScreen(granted.screens);
+    fillHistory(granted);
     granted.build();
     takeWindow(photographer, granted, prefix + QStringLiteral("collapsed"));
     for (const SectionHeader& section : mainWindowSections(false)) {
@@ -201,7 +220,8 @@ void takeWindows(Photographer& photographer, const QString& prefix, const QStrin
             continue;
         }
         granted.controller->accordion().setAccordion(title, true, false);
-        granted.controller->view().setScrollOffset(section.title == kPermissionsSection ? 1000 : 0);
+        const bool isLow = section.title == kPermissionsSection || section.title == kHistorySection;
+        granted.controller->view().setScrollOffset(isLow ? 1000 : 0);
         takeWindow(photographer, granted,
                    prefix + QStringLiteral("open-") +
                        title.toLower().replace(QLatin1Char(' '), QLatin1Char('-')));
@@ -242,6 +262,7 @@ QPalette darkPalette() {
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setStyle(QStringLiteral("Fusion"));
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() != 3) {
         std::fprintf(stderr, "usage: %s FOLDER SUFFIX\n", argv[0]);
@@ -251,7 +272,8 @@ int main(int argc, char** argv) {
     tovik::takePills(photographer);
     tovik::takeWindows(photographer, QStringLiteral("window-"), tovik::allSections());
     QApplication::setPalette(tovik::darkPalette());
-    tovik::takeWindows(photographer, QStringLiteral("window-dark-"),
-                       {QString::fromLatin1(tovik::kPermissionsSection)});
+    tovik::takeWindows(
+        photographer, QStringLiteral("window-dark-"),
+        {QString::fromLatin1(tovik::kPermissionsSection), QString::fromLatin1(tovik::kHistorySection)});
     return 0;
 }

@@ -30,6 +30,16 @@ TEST_F(TranscriptHistorySectionTest, atFirst_listsAllNewestFirstWithTheirCount) 
                 testing::UnorderedElementsAre("3 of 3", "Double-click to copy · Right-click to delete"));
 }
 
+TEST_F(TranscriptHistorySectionTest, whateverElseIsOpen_itHasAllTheHeightItNeeds) {
+    buildNumbered(10);
+    for (const char* title : {kCorrectionsSection, kCleanupSection, kPermissionsSection}) {
+        stage.controller->accordion().setAccordion(QString::fromLatin1(title), true, false);
+        QCoreApplication::processEvents();
+        EXPECT_GE(section->height(), section->sizeHint().height()) << title;
+        EXPECT_GT(table().y(), section->historySearchField().geometry().bottom()) << title;
+    }
+}
+
 TEST_F(TranscriptHistorySectionTest, withoutTranscripts_isEmptyAndSaysSo) {
     build({});
     EXPECT_THAT(shown(), IsEmpty());

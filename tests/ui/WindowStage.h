@@ -21,6 +21,7 @@
 
 #include <QPoint>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -50,6 +51,8 @@ struct WindowStage {
     FakePasteboard pasteboard;
     Forward forward;
     int historyMenuReloads = 0;
+    /// What the status menu does when the history has changed, if there is one.
+    std::function<void()> reloadHistoryMenu;
     std::vector<QPoint> menuPopUps;
     std::vector<std::string> openedLinks;
 
@@ -72,8 +75,14 @@ struct WindowStage {
         controller = std::make_unique<MainWindowController>(
             MainWindowController::Collaborators{time, time, screens, desktop,
                                                 [this](const QPoint& at) { menuPopUps.push_back(at); }},
-            MainWindowContents{checklist, requests, historyBrowser, [this] { ++historyMenuReloads; }, nullptr,
-                               [this] { openedLinks.emplace_back("updates"); },
+            MainWindowContents{checklist, requests, historyBrowser,
+                               [this] {
+                                   ++historyMenuReloads;
+                                   if (reloadHistoryMenu) {
+                                       reloadHistoryMenu();
+                                   }
+                               },
+                               nullptr, [this] { openedLinks.emplace_back("updates"); },
                                [this] { openedLinks.emplace_back("website"); }});
         forward.target = controller.get();
     }
