@@ -76,6 +76,23 @@ class Desktop:
         bits = self._display.query_keymap()
         return [index * 8 + bit for index, byte in enumerate(bits) for bit in range(8) if byte >> bit & 1]
 
+    def type(self, text: str) -> None:
+        """Types letters of the keyboard's first level and spaces."""
+        for letter in text:
+            self.tap("space" if letter == " " else letter)
+
+    # The pointer
+
+    def move_pointer(self, x: int, y: int) -> None:
+        xtest.fake_input(self._display, X.MotionNotify, x=x, y=y)
+        self._display.sync()
+
+    def click(self, x: int, y: int, button: int = 1) -> None:
+        self.move_pointer(x, y)
+        for kind in (X.ButtonPress, X.ButtonRelease):
+            xtest.fake_input(self._display, kind, button)
+        self._display.sync()
+
     def _key(self, kind: int, key: str) -> None:
         code = self._display.keysym_to_keycode(XK.string_to_keysym(key))
         if code == 0:
@@ -92,6 +109,12 @@ class Desktop:
     def active_window(self) -> int:
         found = self._property(self._root, "_NET_ACTIVE_WINDOW")
         return found[0] if found else 0
+
+    def place(self, window: int) -> tuple[int, int, int, int]:
+        """Where a window is on the screen, without its frame: x, y, width, height."""
+        target = self._display.create_resource_object("window", window)
+        shape, corner = target.get_geometry(), target.translate_coords(self._root, 0, 0)
+        return -corner.x, -corner.y, shape.width, shape.height
 
     def title(self, window: int) -> str:
         target = self._display.create_resource_object("window", window)

@@ -161,6 +161,25 @@ TEST_F(TranscriptHistoryMenuTest, aLongText_isCutInTheTitleOnly) {
     EXPECT_EQ(menu.menu()->items()[0].representedText, tooLong);
 }
 
+TEST_F(TranscriptHistoryMenuTest, withoutTheRightToPressKeys_theTextIsOnTheClipboardAllTheSame) {
+    authorization.setTrusted(false);
+    history.add("kept");
+    const TranscriptHistoryMenu menu(history, delivery);
+    choose(*menu.menu(), 0);
+    EXPECT_EQ(pasteboard.contents(), "kept");
+    EXPECT_THAT(poster.posted, IsEmpty());
+}
+
+TEST_F(TranscriptHistoryMenuTest, anEmptyText_isNotPasted) {
+    defaults.set(TranscriptHistoryStore::storageKey,
+                 PropertyValue::array({{{"text", ""}, {"createdAt", 1740837909.0}}}));
+    history.load();
+    const TranscriptHistoryMenu menu(history, delivery);
+    choose(*menu.menu(), 0);
+    EXPECT_EQ(pasteboard.contents(), std::nullopt);
+    EXPECT_EQ(delivery.lastTranscript(), std::nullopt);
+}
+
 TEST_F(TranscriptHistoryMenuTest, choosingATextOfSeveralLines_pastesItUnchanged) {
     history.add("one\ntwo");
     const TranscriptHistoryMenu menu(history, delivery);
@@ -263,6 +282,16 @@ TEST_F(MakerLinksTest, whenNothingOpensThem_saySo) {
     workspace.openingWorks = false;
     links.openTovikVoiceUpdates();
     EXPECT_THAT(mainWindow.toasts(), ElementsAre("Could not open updates"));
+}
+
+TEST_F(MakerLinksTest, withAHostThatNoAddressCanName_theUpdatesAreUnavailable) {
+    for (const char* host : {"", "not a host", "tovik.example/other"}) {
+        MakerLinks broken(workspace, mainWindow, host);
+        broken.openTovikVoiceUpdates();
+        broken.openTovikAIWebsite();
+        EXPECT_EQ(mainWindow.toasts().back(), "Update link unavailable") << host;
+    }
+    EXPECT_THAT(workspace.openedUrls, IsEmpty());
 }
 
 TEST_F(MakerLinksTest, theWebSite_isOpenedWithoutAWord) {
