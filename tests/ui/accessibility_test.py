@@ -12,6 +12,8 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(FOLDER, "..", "desktop", "Program"))
 
 from harness import ProgramTest, main  # noqa: E402
+from staging.lines import Lines  # noqa: E402
+from staging.waiting import wait_until  # noqa: E402
 
 BUTTON = "push button"
 
@@ -51,10 +53,14 @@ def row(title: str, detail: str, status: str, help_text: str) -> list[tuple]:
 
 
 class AccessibilityTest(ProgramTest):
-    def tree(self) -> list[list]:
-        program = self.start(QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+    def tree(self, *presses: str) -> list[list]:
+        """Of pairs of names: what is pressed first, and what shows then."""
+        self.program = self.start(QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", LC_ALL="en_GB.UTF-8", TZ="UTC")
+        return self.look(*presses)
+
+    def look(self, *presses: str) -> list[list]:
         seen = subprocess.run(["/usr/bin/python3", os.path.join(FOLDER, "accessible_tree.py"),
-                               str(program.process.pid)],
+                               str(self.program.process.pid), *presses],
                               env=self.stage.environment, capture_output=True, text=True, timeout=60)
         self.assertEqual(seen.returncode, 0, seen.stderr)
         return json.loads(seen.stdout)
@@ -89,6 +95,58 @@ class AccessibilityTest(ProgramTest):
             "Refresh Accessibility permission status"
         )
         self.assertEqual(named[len(HEADER):len(HEADER) + len(permissions)], permissions)
+
+    def keep_history(self, *texts: str) -> None:
+        folder = os.path.join(self.stage.environment["XDG_CONFIG_HOME"], "tovik-record")
+        os.makedirs(folder, mode=0o700)
+        with open(os.path.join(folder, "defaults.json"), "w") as file:
+            json.dump({"transcription.history": [{"text": text, "createdAt": 1740837909 - 60 * age}
+                                                 for age, text in enumerate(texts)]}, file)
+
+    def test_the_history__is_a_list_of_transcripts_that_can_be_searched_and_copied(self) -> None:
+        self.set_stage()
+        self.keep_history("see you tomorrow", "go forward ten meters")
+        tree = self.tree("Transcript History section", "Search transcripts")
+        begin = next(index for index, part in enumerate(tree) if part[2] == "Search transcripts")
+        told = [part[1:] for part in tree[begin:] if part[2]]
+        copy = [BUTTON, "Copy transcript", "Copy this transcript to the clipboard"]
+        self.assertEqual([part[:3] for part in told[:11]], [
+            ["text", "Search transcripts", "Filter transcript history by text"],
+            ["label", "2 of 2", ""],
+            ["list", "Transcript History", "Double-click to copy · Right-click to delete"],
+            ["list item", "see you tomorrow", "01/03/2025 14:05"],
+            ["label", "see you tomorrow", ""], ["label", "01/03/2025 14:05", ""], copy,
+            ["list item", "go forward ten meters", "01/03/2025 14:04"],
+            ["label", "go forward ten meters", ""], ["label", "01/03/2025 14:04", ""], copy,
+        ])
+        self.assertEqual(told[11][:2], ["label", "Double-click to copy · Right-click to delete"])
+        for role, name, _, focusable in told[:11]:
+            if role in ("text", "list", "list item"):
+                self.assertTrue(focusable, name)
+
+        self.look("go forward ten meters", "Copied")
+        wait_until(lambda: self.desktop.selection_text("CLIPBOARD") == "go forward ten meters", "the copy")
+
+    def test_the_status_menu__is_told_row_by_row_as_the_keyboard_moves(self) -> None:
+        self.set_stage()
+        self.start(QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+        process = self.stage.spawn("listener", ["/usr/bin/python3", os.path.join(FOLDER, "accessible_focus.py")],
+                                   stdout=subprocess.PIPE, text=True)
+        said = Lines(process, "the listener")
+        said.wait_for(lambda line: line == "listening", "the listener", 10)
+
+        def press(key: str, role: str, name: str) -> None:
+            start = len(said.all())
+            self.desktop.tap(key)
+            said.wait_for(lambda line: line.startswith("[") and json.loads(line) == [role, name],
+                          f"{name!r} to be told", 10, start)
+
+        press("Tab", BUTTON, "More options")
+        self.desktop.tap("space")
+        press("Down", "menu item", "Input Device")
+        for row in ("Dictation Language", "Paste Last Transcript", "Transcript History"):
+            press("Down", "menu item", row)
+        press("Up", "menu item", "Paste Last Transcript")
 
 
 if __name__ == "__main__":

@@ -1,6 +1,8 @@
 # SPDX-FileCopyrightText: 2026 The Tovik Record authors
 # SPDX-License-Identifier: MIT
-"""Prints what assistive programs see of a program: `accessible_tree.py PROCESS-ID`, inside a stage.
+"""Prints what assistive programs see of a program: `accessible_tree.py PROCESS-ID [PRESS AWAIT]...`, inside a stage.
+
+Before it looks, it presses what is named PRESS and waits until something named AWAIT shows, for each such pair.
 
 One JSON list of [depth, role, name, description, focusable] for what is showing, parents before children. Waits for
 the program to appear, and ends with 1 when it does not.
@@ -47,11 +49,41 @@ def walk(node, depth: int, found: list) -> None:
         walk(child, depth + 1, found)
 
 
+def showing(node, name: str):
+    """The first thing of this name that shows."""
+    for child in children(node):
+        if not child.get_state_set().contains(Atspi.StateType.SHOWING):
+            continue
+        if child.get_name() == name:
+            return child
+        if found := showing(child, name):
+            return found
+    return None
+
+
+def wait_for(program, name: str):
+    deadline = time.monotonic() + PATIENCE
+    while (found := showing(program, name)) is None:
+        if time.monotonic() > deadline:
+            raise SystemExit(f"nothing named {name!r} shows")
+        time.sleep(0.05)
+    return found
+
+
+def press(node) -> None:
+    """Does what assistive programs offer first."""
+    if not Atspi.Action.do_action(node, 0):
+        raise SystemExit(f"{node.get_name()!r} cannot be pressed")
+
+
 def main() -> int:
     program = application(int(sys.argv[1]))
     if program is None:
         print(f"no accessible program with the process {sys.argv[1]}", file=sys.stderr)
         return 1
+    for pressed, awaited in zip(sys.argv[2::2], sys.argv[3::2]):
+        press(wait_for(program, pressed))
+        wait_for(program, awaited)
     found: list = []
     walk(program, 0, found)
     json.dump(found, sys.stdout)
