@@ -70,7 +70,10 @@ LinuxPlatform::LinuxPlatform()
       engine_(soundServer_, devices_.directory()),
       microphoneAccess_(soundServer_, devices_.directory()),
       speech_(log_, speechModel(defaults_)),
-      translation_(queue_),
+      secrets_(queue_),
+      translationServer_({.queue = queue_, .log = log_, .defaults = defaults_, .secrets = secrets_}),
+      apertium_(queue_),
+      translation_(translationServer_, apertium_, [this] { return translationServer_.isChosen(); }),
       session_(X11Session::examine()),
       authorization_(queue_, alert_, authorizationAnswers()),
       settingsPanes_(

@@ -3,10 +3,11 @@
 #pragma once
 
 #include "AppDelegate.h"
+#include "Linux/Apertium/ApertiumService.h"
 #include "Linux/Authorization/LinuxAuthorization.h"
 #include "Linux/Authorization/SettingsPanes.h"
 #include "Linux/Authorization/SettingsWorkspace.h"
-#include "Linux/MissingTranslationService.h"
+#include "Linux/LibreTranslate/LibreTranslateService.h"
 #include "Linux/PocketSphinx/PocketSphinxService.h"
 #include "Linux/PulseAudio/PulseAudioDevices.h"
 #include "Linux/PulseAudio/PulseAudioEngine.h"
@@ -15,6 +16,7 @@
 #include "Linux/Qt/QtMainQueue.h"
 #include "Linux/Qt/QtPasteboard.h"
 #include "Linux/Qt/QtScreens.h"
+#include "Linux/Secrets/LibsecretStore.h"
 #include "Linux/Storage/JsonUserDefaults.h"
 #include "Linux/Storage/LocalFiles.h"
 #include "Linux/Storage/PosixProcessLauncher.h"
@@ -22,6 +24,7 @@
 #include "Linux/Storage/SystemClock.h"
 #include "Linux/Storage/XdgFolders.h"
 #include "Linux/Timings/TimedPorts.h"
+#include "Linux/TranslationChoice.h"
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11KeyEventPoster.h"
 #include "Linux/X11/X11KeyMonitor.h"
@@ -79,7 +82,10 @@ private:
     PulseAudioEngine engine_;
     PulseAudioMicrophoneAccess microphoneAccess_;
     PocketSphinxService speech_;
-    MissingTranslationService translation_;
+    LibsecretStore secrets_;
+    LibreTranslateService translationServer_;
+    ApertiumService apertium_;
+    TranslationChoice translation_;
     const X11Session session_;
     LinuxAuthorization authorization_;
     SettingsPanes settingsPanes_;

@@ -28,8 +28,8 @@ QString noteFor(const std::string& title) {
          "~/.config/tovik-record/defaults.json. \"TovikVoiceFillerWords\" holds the words, separated by "
          "commas."},
         {kTranslationSection,
-         "This version has no translator yet: transcripts are pasted as they were spoken, also while "
-         "\"TranslationEnabled\" is true in the settings file ~/.config/tovik-record/defaults.json."},
+         "Transcripts are translated while \"TranslationEnabled\" is true in the settings file "
+         "~/.config/tovik-record/defaults.json."},
     };
     const auto found = notes.find(title);
     return found == notes.end() ? QString() : QString::fromUtf8(found->second);

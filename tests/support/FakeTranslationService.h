@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
 #include "Platform/TranslationService.h"
 
@@ -26,11 +27,11 @@ public:
 
     void availability(const TranslationPair& pair,
                       std::function<void(const Result<TranslationAvailability>&)> completion) override {
-        queue_.async([this, pair, completion = std::move(completion)] {
+        queue_.async(lifetime_.guard([this, pair, completion = std::move(completion)] {
             asked.push_back(pair);
             const auto found = answers.find(pair);
             completion(found == answers.end() ? TranslationAvailability::unsupported : found->second);
-        });
+        }));
     }
 
     [[nodiscard]] Subscription offerSessions(const TranslationPair& pair, SessionHandler handler) override {
@@ -38,7 +39,7 @@ public:
         offers_[number] = std::move(handler);
         offered.push_back(pair);
         if (phrases) {
-            queue_.async([this, number] { handOver(number); });
+            queue_.async(lifetime_.guard([this, number] { handOver(number); }));
         }
         return Subscription([this, number] { offers_.erase(number); });
     }
@@ -97,14 +98,15 @@ private:
             return;
         }
         const auto found = phrases->find(text);
-        queue_.async([outcome = found == phrases->end() ? text : found->second,
-                      completion = std::move(completion)] { completion(outcome); });
+        queue_.async(lifetime_.guard([outcome = found == phrases->end() ? text : found->second,
+                                      completion = std::move(completion)] { completion(outcome); }));
     }
 
     MainQueue& queue_;
     int nextOffer_ = 0;
     std::map<int, SessionHandler> offers_;
     std::vector<std::function<void(const Result<std::string>&)>> waiting_;
+    Lifetime lifetime_;
 };
 
 } // namespace tovik::test
