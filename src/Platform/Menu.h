@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Subscription.h"
+
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -33,25 +36,40 @@ struct MenuItem {
     }
 };
 
-/// A menu as the program describes it; whoever shows it follows its changes. Main thread.
+/// A menu as the program describes it; all that show it follow its changes. Main thread.
 class Menu {
 public:
+    Menu() = default;
+    Menu(const Menu&) = delete;
+    Menu& operator=(const Menu&) = delete;
+
     [[nodiscard]] const std::vector<MenuItem>& items() const { return items_; }
 
     void setItems(std::vector<MenuItem> items) {
         items_ = std::move(items);
-        if (onChanged) {
-            onChanged();
+        // Whoever is told may begin or cease to show the menu.
+        const auto viewers = *viewers_;
+        for (const auto& [number, changed] : viewers) {
+            changed();
         }
     }
 
-    /// Set by whoever shows the menu.
-    std::function<void()> onChanged;
+    /// For whoever shows the menu: told of each change until the token is dropped, which may be after the
+    /// menu has gone. A change that is just being told may still reach it then.
+    [[nodiscard]] Subscription observe(std::function<void()> changed) {
+        const int number = ++lastViewer_;
+        viewers_->emplace(number, std::move(changed));
+        return Subscription([viewers = viewers_, number] { viewers->erase(number); });
+    }
+
     /// Set by whoever fills the menu; called each time before it opens.
     std::function<void()> onWillOpen;
 
 private:
     std::vector<MenuItem> items_;
+    std::shared_ptr<std::map<int, std::function<void()>>> viewers_ =
+        std::make_shared<std::map<int, std::function<void()>>>();
+    int lastViewer_ = 0;
 };
 
 } // namespace tovik

@@ -12,26 +12,34 @@ namespace tovik {
 
 namespace {
 
-/// As it stands: an ampersand marks no shortcut letter, and nothing in it starts another column or line.
-QString plainTitle(const std::string& title) {
+/// As it stands: nothing in it marks a shortcut letter or starts another column or line.
+QString plainTitle(const std::string& title, QtMenu::ShownBy shownBy) {
     auto text = QString::fromStdString(title);
-    text.replace('&', "&&");
     for (const char separator : {'\t', '\n', '\r'}) {
         text.replace(separator, ' ');
     }
-    return text;
+    if (shownBy == QtMenu::ShownBy::qt) {
+        return text.replace('&', "&&");
+    }
+    // Panels take an underscore for the mark. Qt gives them one for the first ampersand and leaves the others
+    // alone: so the first is one of ours, before a letter that may well be marked.
+    text.replace('_', "__");
+    return text.contains('&') ? '&' + text : text;
 }
 
 } // namespace
 
-QtMenu::QtMenu(std::shared_ptr<Menu> menu) : menu_(std::move(menu)), widget_(new QMenu) {
+QtMenu::QtMenu(std::shared_ptr<Menu> menu, ShownBy shownBy)
+    : menu_(std::move(menu)),
+      shownBy_(shownBy),
+      widget_(new QMenu) {
     QObject::connect(widget_, &QMenu::aboutToShow, widget_, lifetime_.guard([this] {
         // Filling the menu may replace the very function that fills it.
         if (const auto willOpen = menu_->onWillOpen) {
             willOpen();
         }
     }));
-    menu_->onChanged = lifetime_.guard([this] { rebuild(); });
+    changes_ = menu_->observe(lifetime_.guard([this] { rebuild(); }));
     rebuild();
 }
 
@@ -59,7 +67,7 @@ void QtMenu::rebuild() {
 }
 
 QAction* QtMenu::addItem(const MenuItem& item, std::map<Menu*, std::unique_ptr<QtMenu>>& oldSubmenus) {
-    auto* const action = new QAction(plainTitle(item.title), widget_);
+    auto* const action = new QAction(plainTitle(item.title, shownBy_), widget_);
     action->setCheckable(item.isChecked);
     action->setChecked(item.isChecked);
     action->setEnabled(item.isEnabled && (item.action || item.submenu));
@@ -72,7 +80,7 @@ QAction* QtMenu::addItem(const MenuItem& item, std::map<Menu*, std::unique_ptr<Q
         if (const auto old = oldSubmenus.find(item.submenu.get()); old != oldSubmenus.end() && old->second) {
             submenu = std::move(old->second);
         } else if (!submenu) {
-            submenu = std::make_unique<QtMenu>(item.submenu);
+            submenu = std::make_unique<QtMenu>(item.submenu, shownBy_);
         }
         action->setMenu(&submenu->widget());
     } else if (item.action) {

@@ -65,11 +65,24 @@ void QtStatusItem::setToolTip(const std::string& text) {
 }
 
 void QtStatusItem::setMenu(std::shared_ptr<Menu> menu) {
-    auto shown = menu ? std::make_unique<QtMenu>(std::move(menu)) : nullptr;
-    if (icon_) {
-        icon_->setContextMenu(shown ? &shown->widget() : nullptr);
+    auto shown = menu ? std::make_unique<QtMenu>(menu) : nullptr;
+    // The icon lets go of the old menu before that goes.
+    std::swap(menu_, shown);
+    auto oldPanelMenu = std::move(panelMenu_);
+    described_ = std::move(menu);
+    giveIconItsMenu();
+}
+
+void QtStatusItem::giveIconItsMenu() {
+    if (!icon_) {
+        return;
     }
-    menu_ = std::move(shown);
+    if (isNotifierItem_ && described_) {
+        panelMenu_ = std::make_unique<QtMenu>(described_, QtMenu::ShownBy::notifierPanel);
+        icon_->setContextMenu(&panelMenu_->widget());
+    } else {
+        icon_->setContextMenu(menu_ ? &menu_->widget() : nullptr);
+    }
 }
 
 QMenu* QtStatusItem::menu() const {
@@ -95,12 +108,12 @@ void QtStatusItem::sayThatThereIsNoTray() {
 
 void QtStatusItem::createIcon() {
     settling_->stop();
+    // Qt, too, decides now, and for all time.
+    isNotifierItem_ = watch_.hasNotifierHost();
     icon_ = std::make_unique<QSystemTrayIcon>();
     icon_->setToolTip(toolTip_.isEmpty() ? QGuiApplication::applicationDisplayName() : toolTip_);
     icon_->setIcon(renderImage_(image_.value_or(StatusImage{})));
-    if (menu_) {
-        icon_->setContextMenu(&menu_->widget());
-    }
+    giveIconItsMenu();
     QObject::connect(icon_.get(), &QSystemTrayIcon::activated, icon_.get(),
                      [this](QSystemTrayIcon::ActivationReason reason) {
                          if (reason == QSystemTrayIcon::Trigger) {

@@ -44,13 +44,18 @@ private:
     void trayAppeared();
     void sayThatThereIsNoTray();
     void createIcon();
+    void giveIconItsMenu();
     void showMenu();
 
     const ImageRenderer renderImage_;
     SystemLog& log_;
     std::optional<StatusImage> image_;
     QString toolTip_;
+    std::shared_ptr<Menu> described_;
     std::unique_ptr<QtMenu> menu_;
+    /// The same menu for a panel of status notifier items.
+    std::unique_ptr<QtMenu> panelMenu_;
+    bool isNotifierItem_ = false;
     std::unique_ptr<QTimer> settling_;
     std::unique_ptr<QSystemTrayIcon> icon_;
     TrayWatch watch_;

@@ -128,7 +128,7 @@ class NotifierItem:
 
     def _row(self, described) -> Row:
         number, properties, children = described
-        label = "---" if properties.get("type") == "separator" else properties.get("label", "")
+        label = "---" if properties.get("type") == "separator" else _shown(properties.get("label", ""))
         return Row(number, label, properties.get("toggle-state", 0) == 1, properties.get("enabled", True),
                    [self._row(child) for child in children])
 
@@ -138,3 +138,8 @@ class NotifierItem:
     def _call(self, path: str, interface: str, method: str, parameters: GLib.Variant):
         return self._connection.call_sync(self._name, path, interface, method, parameters, None,
                                           Gio.DBusCallFlags.NONE, CALL_MILLISECONDS, None).unpack()
+
+
+def _shown(label: str) -> str:
+    """A label as panels show it: an underscore marks the letter after it, two stand for one."""
+    return "_".join(part.replace("_", "") for part in label.split("__"))

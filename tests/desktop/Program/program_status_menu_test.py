@@ -99,6 +99,12 @@ class InAPanelOfNotifierItems(StatusMenuTest):
         item.choose("Transcript History", shown[1].label)
         self.assert_pasted(editor, ("one\ntwo " + "three " * 20))
 
+    def test_titlesShowAsTheyStand(self) -> None:
+        titles = ["snake_case and __init__", "salt & pepper & more && less", "_", "&", "a_&b&_c"]
+        self.keep_history(*titles)
+        item = self.show()
+        self.assertEqual([row.label for row in item.open("Transcript History")], titles)
+
     def test_theWindowComesBackAndTheProgramEnds(self) -> None:
         item = self.show()
         self.desktop.close(self.program.windows(self.desktop)[0])

@@ -52,6 +52,22 @@ TEST_F(QtMenuTest, whenATitleHoldsSpecialCharacters_itShowsAsItStands) {
     EXPECT_THAT(titlesIn(shown.widget()), ElementsAre("Rock && Roll \"x\" line", "🌐 Auto-detect"));
 }
 
+TEST_F(QtMenuTest, whenTwoShowTheSameMenu_bothFollowItsChanges) {
+    auto second = std::make_unique<QtMenu>(menu);
+    menu->setItems({item("One")});
+    EXPECT_THAT(titlesIn(shown.widget()), ElementsAre("One"));
+    EXPECT_THAT(titlesIn(second->widget()), ElementsAre("One"));
+    second.reset();
+    menu->setItems({item("Two")});
+    EXPECT_THAT(titlesIn(shown.widget()), ElementsAre("Two"));
+}
+
+TEST_F(QtMenuTest, whenAPanelShowsIt_titlesAreMarkedForThePanel) {
+    const QtMenu forPanel(menu, QtMenu::ShownBy::notifierPanel);
+    menu->setItems({item("snake_case"), item("salt & pepper & more"), item("Plain")});
+    EXPECT_THAT(titlesIn(forPanel.widget()), ElementsAre("snake__case", "&salt & pepper & more", "Plain"));
+}
+
 TEST_F(QtMenuTest, whenAnItemIsChosen_itsActionRuns) {
     int count = 0;
     menu->setItems({item("One", [&] { ++count; })});
