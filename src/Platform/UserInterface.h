@@ -13,9 +13,13 @@
 
 namespace tovik {
 
+class FillerWords;
 class PermissionChecklist;
 class PermissionRequests;
 class TranscriptHistoryBrowser;
+class TextTranslator;
+class TranscriptionDictionary;
+class UserDefaults;
 
 /// What the main window shows and leads to. All of it outlives the window.
 struct MainWindowContents {
@@ -24,6 +28,10 @@ struct MainWindowContents {
     TranscriptHistoryBrowser& history;
     /// The status menu shows the newest transcripts too.
     std::function<void()> reloadTranscriptHistoryMenu;
+    UserDefaults& defaults;
+    TranscriptionDictionary& dictionary;
+    FillerWords& fillerWords;
+    const TextTranslator& translator;
     std::shared_ptr<Menu> statusMenu;
     std::function<void()> openTovikVoiceUpdates;
     std::function<void()> openTovikAIWebsite;

@@ -6,6 +6,8 @@
 #include "Permissions/PermissionRequests.h"
 #include "UserInterface/AccessibleViews.h"
 #include "UserInterface/AccordionCard.h"
+#include "UserInterface/CleanupSection.h"
+#include "UserInterface/CorrectionsSection.h"
 #include "UserInterface/FlippedDocumentView.h"
 #include "UserInterface/FooterView.h"
 #include "UserInterface/HeaderView.h"
@@ -13,11 +15,11 @@
 #include "UserInterface/MainWindowGeometry.h"
 #include "UserInterface/MainWindowView.h"
 #include "UserInterface/PermissionsSection.h"
-#include "UserInterface/SectionNote.h"
 #include "UserInterface/SymbolImage.h"
 #include "UserInterface/Theme.h"
 #include "UserInterface/ToastView.h"
 #include "UserInterface/TranscriptHistorySection.h"
+#include "UserInterface/TranslationSection.h"
 #include "UserInterface/WindowSystem.h"
 
 #include <QVBoxLayout>
@@ -66,6 +68,8 @@ MainWindowController::MainWindowController(const Collaborators& collaborators,
 }
 
 MainWindowController::~MainWindowController() {
+    corrections_->endEditing();
+    cleanup_->endEditing();
     // The accordion speaks to cards that the window owns.
     accordion_.reset();
 }
@@ -77,18 +81,50 @@ void MainWindowController::buildSections(const MainWindowContents& contents) {
 }
 
 QWidget* MainWindowController::contentOf(const SectionHeader& section, const MainWindowContents& contents) {
-    if (section.title == kHistorySection) {
-        history_ = new TranscriptHistorySection(with_.clock, with_.queue, contents.history);
-        return history_;
+    if (section.title == kPermissionsSection) {
+        return buildPermissionsSection(contents);
     }
-    if (section.title != kPermissionsSection) {
-        return makeSectionNote(section.title);
+    if (section.title == kCorrectionsSection) {
+        return buildCorrectionsSection(contents);
     }
+    if (section.title == kCleanupSection) {
+        return buildCleanupSection(contents);
+    }
+    if (section.title == kTranslationSection) {
+        return buildTranslationSection(contents);
+    }
+    history_ = new TranscriptHistorySection(with_.clock, with_.queue, contents.history);
+    return history_;
+}
+
+QWidget* MainWindowController::buildPermissionsSection(const MainWindowContents& contents) {
     permissions_ =
         new PermissionsSection(contents.permissions, [&requests = contents.permissionRequests](int index) {
             requests.permissionActionClicked(index);
         });
     return permissions_;
+}
+
+QWidget* MainWindowController::buildCorrectionsSection(const MainWindowContents& contents) {
+    corrections_ = new CorrectionsSection(contents.dictionary, contents.defaults,
+                                          [this](const std::string& text) { showSavedToast(text); });
+    QObject::connect(corrections_, &CorrectionsSection::heightChanged, window_.get(),
+                     [this] { updateMainWindowHeight(false); });
+    return corrections_;
+}
+
+QWidget* MainWindowController::buildCleanupSection(const MainWindowContents& contents) {
+    cleanup_ = new CleanupSection(CleanupSettings(contents.fillerWords, contents.defaults,
+                                                  [this](const std::string& text) { showSavedToast(text); }));
+    return cleanup_;
+}
+
+QWidget* MainWindowController::buildTranslationSection(const MainWindowContents& contents) {
+    translation_ = new TranslationSection(TranslationSettings(
+        contents.translator, contents.defaults, [this](const std::string& text) { showSavedToast(text); }));
+    QObject::connect(translation_, &TranslationSection::heightChanged, window_.get(),
+                     [this] { updateMainWindowHeight(false); });
+    return translation_;
 }
 
 void MainWindowController::connectHeaderAndFooter(const MainWindowContents& contents) {

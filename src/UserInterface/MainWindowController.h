@@ -19,9 +19,12 @@ class QPoint;
 
 namespace tovik {
 
+class CleanupSection;
+class CorrectionsSection;
 class MainWindowView;
 class PermissionsSection;
 class TranscriptHistorySection;
+class TranslationSection;
 
 /// The main window: built once, hidden when closed, presented again on request. Main thread.
 class MainWindowController : public MainWindow {
@@ -49,10 +52,17 @@ public:
     [[nodiscard]] FixedWidthWindow& window() { return *window_; }
     [[nodiscard]] MainWindowView& view() { return *view_; }
     [[nodiscard]] Accordion& accordion() { return *accordion_; }
+    [[nodiscard]] CorrectionsSection& corrections() { return *corrections_; }
+    [[nodiscard]] CleanupSection& cleanup() { return *cleanup_; }
+    [[nodiscard]] TranslationSection& translation() { return *translation_; }
 
 private:
     void buildSections(const MainWindowContents& contents);
     [[nodiscard]] QWidget* contentOf(const SectionHeader& section, const MainWindowContents& contents);
+    [[nodiscard]] QWidget* buildPermissionsSection(const MainWindowContents& contents);
+    [[nodiscard]] QWidget* buildCorrectionsSection(const MainWindowContents& contents);
+    [[nodiscard]] QWidget* buildCleanupSection(const MainWindowContents& contents);
+    [[nodiscard]] QWidget* buildTranslationSection(const MainWindowContents& contents);
     void connectHeaderAndFooter(const MainWindowContents& contents);
     void showStatusMenuFromWindow();
     void presentMainWindow();
@@ -66,6 +76,9 @@ private:
     MainWindowView* view_ = nullptr;
     PermissionsSection* permissions_ = nullptr;
     TranscriptHistorySection* history_ = nullptr;
+    CorrectionsSection* corrections_ = nullptr;
+    CleanupSection* cleanup_ = nullptr;
+    TranslationSection* translation_ = nullptr;
     std::unique_ptr<Accordion> accordion_;
     Lifetime lifetime_;
 };

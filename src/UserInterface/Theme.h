@@ -158,6 +158,43 @@ inline constexpr Rgba kFieldBorder{0.82, 0.81, 0.9};
 inline constexpr double kFieldCornerRadius = 7;
 inline constexpr int kFieldHeight = 28;
 inline constexpr double kFieldTextSize = 12;
+// Settings: fields, switches and pop-ups.
+inline constexpr Rgba kSeparator{0.62, 0.61, 0.7};
+inline constexpr Rgba kShellBackground = Rgba::white(1);
+inline constexpr double kShellBorderWidth = 0.5;
+inline constexpr double kShellCornerRadius = 6;
+inline constexpr int kShellHeight = 28;
+inline constexpr int kShellSide = 8;
+inline constexpr int kShellEnd = 4;
+inline constexpr double kSettingTextSize = 12;
+inline constexpr double kSettingTextAlpha = 0.92;
+inline constexpr double kSettingDisabledAlpha = 0.4;
+inline constexpr double kSettingNoteSize = 10;
+inline constexpr double kSettingNoteAlpha = 0.5;
+inline constexpr int kCleanupSpacing = 10;
+inline constexpr int kCheckBoxSize = 14;
+inline constexpr double kCheckBoxRadius = 4;
+inline constexpr int kCheckBoxToText = 7;
+inline constexpr int kPopUpWidth = 120;
+inline constexpr int kPopUpSymbolSize = 10;
+inline constexpr int kLanguageRowHeight = 28;
+inline constexpr int kLanguageRowSpacing = 8;
+inline constexpr int kLanguageLabelWidth = 44;
+inline constexpr double kLanguageLabelAlpha = 0.68;
+
+// Corrections.
+inline constexpr Rgba kIndigo{0.345, 0.337, 0.839};
+inline constexpr double kAddCorrectionAlpha = 0.85;
+inline constexpr double kCaptionTextSize = 10;
+inline constexpr double kCaptionAlpha = 0.5;
+inline constexpr int kCaptionHeight = 16;
+inline constexpr int kCorrectionsSpacing = 6;
+inline constexpr int kCorrectionGap = 32;
+inline constexpr int kVariationSpacing = 4;
+inline constexpr int kGroupSpacing = 8;
+inline constexpr int kCorrectionButtonSize = 18;
+inline constexpr double kCorrectionSymbolSize = 10;
+inline constexpr double kCorrectionSymbolAlpha = 0.5;
 
 [[nodiscard]] QColor color(const Rgba& rgba);
 [[nodiscard]] Rgba rgba(const QColor& color);

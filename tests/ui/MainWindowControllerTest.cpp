@@ -170,7 +170,7 @@ TEST_F(MainWindowControllerTest, whenASectionOpens_theWindowGrowsDownwardsOverTh
 TEST_F(MainWindowControllerTest, theHeightFitsWhatItShows) {
     build();
     EXPECT_EQ(window().frame().height, view().stackFittingHeight() + 76 + 20);
-    controller().accordion().setAccordion(QStringLiteral("Corrections"), true, false);
+    controller().accordion().setAccordion(QStringLiteral("Cleanup"), true, false);
     EXPECT_EQ(window().frame().height, view().stackFittingHeight() + 76 + 20);
     QCoreApplication::processEvents();
     // All of it is there: there is nothing to scroll.

@@ -1,7 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
+#include "Speech/TranslationLanguage.h"
 #include "UserInterface/Accordion.h"
 #include "UserInterface/Compositing.h"
+#include "UserInterface/CorrectionsSection.h"
 #include "UserInterface/FloatingPanel.h"
 #include "UserInterface/MainWindowController.h"
 #include "UserInterface/MainWindowSections.h"
@@ -208,10 +210,48 @@ void fillHistory(test::WindowStage& stage) {
     }
 }
 
+/// What somebody who has used the program for a while has in it.
+void fillSettings(test::WindowStage& stage) {
+    stage.dictionary.setDictionary({{"bot to bot", "Tovik Record"},
+                                    {"toe vic record", "Tovik Record"},
+                                    {"brindle pad", "Brindlepad"},
+                                    {"cooper netties", "Kubernetes"},
+                                    {"cube or nettys", "Kubernetes"},
+                                    {"kubernetes'", "Kubernetes"},
+                                    {"post gress", "PostgreSQL"},
+                                    {"quill on a i", "Quillon AI"}});
+    stage.defaults.set(FillerWords::removeKey, true);
+    stage.defaults.set(kTranslationEnabledKey, true);
+    stage.defaults.set(kTranslationTargetLanguageKey, "pt-BR");
+}
+
+/// The editor just after a correction was added.
+void takeEditing(Photographer& photographer, test::WindowStage& stage, const QString& prefix) {
+    MainWindowController& window = *stage.controller;
+    window.accordion().setAccordion(QString::fromLatin1(kCorrectionsSection), true, false);
+    Photographer::settle();
+    window.corrections().editor().addCorrectionRow();
+    stage.time.advance(Seconds{0.2});
+    takeWindow(photographer, stage, prefix + QStringLiteral("corrections-editing"));
+    stage.time.advance(Seconds{2});
+    window.view().setFocus(Qt::OtherFocusReason);
+    window.accordion().setAccordion(QString::fromLatin1(kCorrectionsSection), false, false);
+}
+
+void takeMissingTranslator(Photographer& photographer, test::WindowStage& stage, const QString& prefix) {
+    const QString section = QString::fromLatin1(kTranslationSection);
+    stage.translator.missing =
+        "This version has no translator yet: transcripts are pasted as they were spoken.";
+    stage.controller->accordion().setAccordion(section, true, false);
+    takeWindow(photographer, stage, prefix + QStringLiteral("translation-missing"));
+    stage.controller->accordion().setAccordion(section, false, false);
+}
+
 void takeWindows(Photographer& photographer, const QString& prefix, const QStringList& sectionsToOpen) {
     test::WindowStage granted;
     fillScreen(granted.screens);
     fillHistory(granted);
+    fillSettings(granted);
     granted.build();
     takeWindow(photographer, granted, prefix + QStringLiteral("collapsed"));
     for (const SectionHeader& section : mainWindowSections(false)) {
@@ -227,6 +267,8 @@ void takeWindows(Photographer& photographer, const QString& prefix, const QStrin
                        title.toLower().replace(QLatin1Char(' '), QLatin1Char('-')));
         granted.controller->accordion().setAccordion(title, false, false);
     }
+    takeEditing(photographer, granted, prefix);
+    takeMissingTranslator(photographer, granted, prefix);
     granted.controller->showSavedToast("Input device saved");
     granted.time.advance(Seconds{0.2});
     takeWindow(photographer, granted, prefix + QStringLiteral("toast"));
@@ -272,8 +314,6 @@ int main(int argc, char** argv) {
     tovik::takePills(photographer);
     tovik::takeWindows(photographer, QStringLiteral("window-"), tovik::allSections());
     QApplication::setPalette(tovik::darkPalette());
-    tovik::takeWindows(
-        photographer, QStringLiteral("window-dark-"),
-        {QString::fromLatin1(tovik::kPermissionsSection), QString::fromLatin1(tovik::kHistorySection)});
+    tovik::takeWindows(photographer, QStringLiteral("window-dark-"), tovik::allSections());
     return 0;
 }

@@ -5,8 +5,10 @@
 #include "Permissions/Installation.h"
 #include "Permissions/PermissionChecklist.h"
 #include "Permissions/PermissionRequests.h"
+#include "Speech/FillerWords.h"
 #include "Speech/TranscriptHistoryBrowser.h"
 #include "Speech/TranscriptHistoryStore.h"
+#include "Speech/TranscriptionDictionary.h"
 #include "UserInterface/MainWindowController.h"
 #include "support/FakeAlert.h"
 #include "support/FakeAuthorization.h"
@@ -14,6 +16,7 @@
 #include "support/FakePasteboard.h"
 #include "support/FakeProcessLauncher.h"
 #include "support/FakeScreens.h"
+#include "support/FakeTextTranslator.h"
 #include "support/FakeWorkspace.h"
 #include "support/ManualTime.h"
 #include "support/MemoryUserDefaults.h"
@@ -49,6 +52,9 @@ struct WindowStage {
     RecordingLog log;
     MemoryUserDefaults defaults;
     FakePasteboard pasteboard;
+    TranscriptionDictionary dictionary{defaults, log};
+    FillerWords fillerWords{defaults, log};
+    FakeTextTranslator translator;
     Forward forward;
     int historyMenuReloads = 0;
     /// What the status menu does when the history has changed, if there is one.
@@ -75,15 +81,23 @@ struct WindowStage {
         controller = std::make_unique<MainWindowController>(
             MainWindowController::Collaborators{time, time, screens, desktop,
                                                 [this](const QPoint& at) { menuPopUps.push_back(at); }},
-            MainWindowContents{checklist, requests, historyBrowser,
-                               [this] {
-                                   ++historyMenuReloads;
-                                   if (reloadHistoryMenu) {
-                                       reloadHistoryMenu();
-                                   }
-                               },
-                               nullptr, [this] { openedLinks.emplace_back("updates"); },
-                               [this] { openedLinks.emplace_back("website"); }});
+            MainWindowContents{.permissions = checklist,
+                               .permissionRequests = requests,
+                               .history = historyBrowser,
+                               .reloadTranscriptHistoryMenu =
+                                   [this] {
+                                       ++historyMenuReloads;
+                                       if (reloadHistoryMenu) {
+                                           reloadHistoryMenu();
+                                       }
+                                   },
+                               .defaults = defaults,
+                               .dictionary = dictionary,
+                               .fillerWords = fillerWords,
+                               .translator = translator,
+                               .statusMenu = nullptr,
+                               .openTovikVoiceUpdates = [this] { openedLinks.emplace_back("updates"); },
+                               .openTovikAIWebsite = [this] { openedLinks.emplace_back("website"); }});
         forward.target = controller.get();
     }
 
