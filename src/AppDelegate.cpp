@@ -177,7 +177,7 @@ void AppDelegate::createMenuAndWindow() {
         .defaults = platform_.defaults,
         .dictionary = parts_->dictionary,
         .fillerWords = parts_->chain.fillerWords(),
-        .translator = platform_.translator,
+        .translator = parts_->translation,
         .statusMenu = menu,
         .openTovikVoiceUpdates = [this] { parts_->links.openTovikVoiceUpdates(); },
         .openTovikAIWebsite = [this] { parts_->links.openTovikAIWebsite(); },
