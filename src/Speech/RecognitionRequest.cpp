@@ -6,10 +6,10 @@
 
 namespace tovik {
 
-RecognitionRequest::RecognitionRequest(RecognitionSettings settings, double sampleRate)
+RecognitionRequest::RecognitionRequest(RecognitionSettings settings, double sampleRate, double capacity)
     : settings_(std::move(settings)),
       sampleRate_(sampleRate),
-      capacity_(static_cast<std::size_t>(sampleRate * capacitySeconds)),
+      capacity_(static_cast<std::size_t>(sampleRate * capacity)),
       // Left uninitialised: the pages of a ring that is mostly empty are never touched.
       ring_(std::make_unique_for_overwrite<float[]>(capacity_)) {}
 

@@ -35,8 +35,9 @@ class RecognitionRequest {
 public:
     static constexpr double capacitySeconds = 40;
 
-    /// sampleRate: frames a second of all sound that will be appended.
-    RecognitionRequest(RecognitionSettings settings, double sampleRate);
+    /// sampleRate: frames a second of all sound that will be appended. capacity: what may wait to be read, in
+    /// seconds.
+    RecognitionRequest(RecognitionSettings settings, double sampleRate, double capacity = capacitySeconds);
     ~RecognitionRequest();
     RecognitionRequest(const RecognitionRequest&) = delete;
     RecognitionRequest& operator=(const RecognitionRequest&) = delete;

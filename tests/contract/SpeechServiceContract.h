@@ -21,6 +21,8 @@ public:
     /// A sentence that the service recognises: its sound and its text.
     [[nodiscard]] virtual const std::vector<float>& sentence() const = 0;
     [[nodiscard]] virtual std::string text() const = 0;
+    /// Whether the service tells what it hears before the end.
+    [[nodiscard]] virtual bool givesPartialResults() const { return true; }
     /// Frames a second of the sound.
     [[nodiscard]] virtual double sampleRate() const = 0;
 };
