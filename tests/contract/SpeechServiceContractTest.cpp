@@ -4,6 +4,7 @@
 
 #include "Linux/PocketSphinx/PocketSphinxService.h"
 #include "Linux/SpeechServer/SpeechServerService.h"
+#include "Linux/Vosk/VoskService.h"
 #include "Speech/RecognitionRequest.h"
 #include "support/FakeSpeechService.h"
 #include "support/HttpServer.h"
@@ -13,6 +14,7 @@
 #include "support/RecordingLog.h"
 #include "support/Recordings.h"
 #include "support/TemporaryFolder.h"
+#include "support/VoskFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -78,6 +80,23 @@ private:
                                   .isAllowed = [](const ServerAddress&) { return true; },
                                   .embedded = nullptr}};
     const std::vector<float> sentence_ = std::vector<float>(48000, 0.25F);
+};
+
+/// Vosk with a library of ours, which hears a sentence in any sound.
+class VoskWorld : public SpeechWorld {
+public:
+    VoskWorld() { folder_.addModel("vosk-model-small-en-us-0.15", {text()}); }
+
+    [[nodiscard]] SpeechService& service() override { return service_; }
+    [[nodiscard]] const std::vector<float>& sentence() const override { return sentence_; }
+    [[nodiscard]] std::string text() const override { return "go forward ten meters"; }
+    [[nodiscard]] double sampleRate() const override { return 44100; }
+
+private:
+    const VoskFolder folder_;
+    RecordingLog log_;
+    VoskService service_{log_, {VoskFolder::library()}, {folder_.models()}};
+    const std::vector<float> sentence_ = std::vector<float>(44100, 0.25F);
 };
 
 class SpeechServiceContract : public testing::TestWithParam<SpeechWorldKind> {
@@ -261,6 +280,7 @@ INSTANTIATE_TEST_SUITE_P(
     Services, SpeechServiceContract,
     testing::Values(SpeechWorldKind{"Fake", [] { return std::make_unique<FakeWorld>(); }},
                     SpeechWorldKind{"SpeechServer", [] { return std::make_unique<SpeechServerWorld>(); }},
+                    SpeechWorldKind{"Vosk", [] { return std::make_unique<VoskWorld>(); }},
                     SpeechWorldKind{"PocketSphinx", [] { return std::make_unique<PocketSphinxWorld>(); }}),
     [](const auto& kind) { return kind.param.name; });
 
