@@ -45,12 +45,6 @@ bool isSelf(const std::optional<RunningApplication>& application) {
     return application && application->processIdentifier == getpid();
 }
 
-/// The model of the Debian package, unless the user has another one.
-ModelFiles speechModel(const UserDefaults& defaults) {
-    const auto folder = defaults.string("platform.speechModel");
-    return folder ? ModelFiles::in(*folder) : ModelFiles::unitedStatesEnglish();
-}
-
 } // namespace
 
 LinuxPlatform::LinuxPlatform()
@@ -69,8 +63,12 @@ LinuxPlatform::LinuxPlatform()
       devices_(soundServer_, queue_, defaults_),
       engine_(soundServer_, devices_.directory()),
       microphoneAccess_(soundServer_, devices_.directory()),
-      speech_(log_, speechModel(defaults_)),
       secrets_(queue_),
+      speech_({.log = log_,
+               .defaults = defaults_,
+               .queue = queue_,
+               .secrets = &secrets_,
+               .dataFolder = folders_.applicationSupport()}),
       translationServer_({.queue = queue_, .log = log_, .defaults = defaults_, .secrets = secrets_}),
       apertium_(queue_),
       translation_(translationServer_, apertium_, [this] { return translationServer_.isChosen(); }),
@@ -83,7 +81,8 @@ LinuxPlatform::LinuxPlatform()
            .desktops = desktopNames(environment("XDG_CURRENT_DESKTOP")),
            .isInstalled =
                [](const std::string& program) { return isInSearchPath(program, environment("PATH")); },
-           .microphoneExplanation = [this] { return microphoneAccess_.explanation(); }}),
+           .microphoneExplanation = [this] { return microphoneAccess_.explanation(); },
+           .reconsiderSpeech = [this] { authorization_.askSpeechConsent(); }}),
       settingsWorkspace_(workspace_, settingsPanes_),
       usedLog_(&log_),
       usedKeyMonitor_(&keyMonitor_),
@@ -100,6 +99,10 @@ LinuxAuthorization::Answers LinuxPlatform::authorizationAnswers() {
     return {.microphoneStatus = [this] { return static_cast<int>(microphoneAccess_.status()); },
             .microphoneExplanation = [this] { return microphoneAccess_.explanation(); },
             .speechExplanation = [this] { return speech_.whyUnavailable().value_or(""); },
+            .needsSpeechConsent = [this] { return speech_.needsConsent(); },
+            .speechConsentText = [this] { return speech_.consentText(); },
+            .answerSpeechConsent = [this](bool isAllowed) { speech_.answerConsent(isAllowed); },
+            .isSpeechRefused = [this] { return speech_.isRefused(); },
             .isKeyboardUsable = [this] { return session_.usable(); },
             .keyboardExplanation = [this] { return session_.sentence; },
             .executablePath = runningExecutable(),

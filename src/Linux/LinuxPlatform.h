@@ -8,7 +8,6 @@
 #include "Linux/Authorization/SettingsPanes.h"
 #include "Linux/Authorization/SettingsWorkspace.h"
 #include "Linux/LibreTranslate/LibreTranslateService.h"
-#include "Linux/PocketSphinx/PocketSphinxService.h"
 #include "Linux/PulseAudio/PulseAudioDevices.h"
 #include "Linux/PulseAudio/PulseAudioEngine.h"
 #include "Linux/PulseAudio/PulseAudioMicrophoneAccess.h"
@@ -17,6 +16,7 @@
 #include "Linux/Qt/QtPasteboard.h"
 #include "Linux/Qt/QtScreens.h"
 #include "Linux/Secrets/LibsecretStore.h"
+#include "Linux/SpeechEngines.h"
 #include "Linux/Storage/JsonUserDefaults.h"
 #include "Linux/Storage/LocalFiles.h"
 #include "Linux/Storage/PosixProcessLauncher.h"
@@ -81,8 +81,8 @@ private:
     PulseAudioDevices devices_;
     PulseAudioEngine engine_;
     PulseAudioMicrophoneAccess microphoneAccess_;
-    PocketSphinxService speech_;
     LibsecretStore secrets_;
+    SpeechEngines speech_;
     LibreTranslateService translationServer_;
     ApertiumService apertium_;
     TranslationChoice translation_;

@@ -162,15 +162,18 @@ std::optional<ServerAddress> SpeechEngines::serverAddress() const {
                                                          : std::nullopt;
 }
 
-std::optional<std::string> SpeechEngines::consentQuestion() {
+std::string SpeechEngines::consentText() const {
+    const auto server = serverAddress();
+    return server ? SpeechConsent::question(*server) : "";
+}
+
+bool SpeechEngines::needsConsent() {
     const auto server = serverAddress();
     if (!server || consent_.answer(*server)) {
-        return std::nullopt;
+        return false;
     }
     // Nobody is asked about a server that another engine stands in front of.
-    const bool isLater = order().front() != Engine::server;
-    return isLater && vosk_.serves(wantedLocales().front()) ? std::nullopt
-                                                            : std::optional(SpeechConsent::question(*server));
+    return order().front() == Engine::server || !vosk_.serves(wantedLocales().front());
 }
 
 void SpeechEngines::answerConsent(bool isAllowed) {

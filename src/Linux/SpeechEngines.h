@@ -46,8 +46,9 @@ public:
     /// some can.
     [[nodiscard]] std::optional<std::string> whyUnavailable();
 
-    /// What the user has to be asked before a server may hear; nothing when there is nothing to ask.
-    [[nodiscard]] std::optional<std::string> consentQuestion();
+    /// Whether the user has yet to say whether a server may hear, and what he is asked.
+    [[nodiscard]] bool needsConsent();
+    [[nodiscard]] std::string consentText() const;
     void answerConsent(bool isAllowed);
     /// Whether there is no recognition because the user did not allow it.
     [[nodiscard]] bool isRefused();

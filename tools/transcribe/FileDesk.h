@@ -38,7 +38,8 @@ public:
 /// Nothing is ever due: what the audio manager queues is about microphones that come and go.
 class IdleMainQueue : public MainQueue {
 public:
-    void async(std::function<void()>) override {}
+    /// At once: there is nothing else that the work could disturb.
+    void async(std::function<void()> work) override { work(); }
     void asyncAfter(Seconds, std::function<void()>) override {}
     [[nodiscard]] Subscription after(Seconds, std::function<void()>) override { return {}; }
     [[nodiscard]] Subscription every(Seconds, std::function<void()>) override { return {}; }

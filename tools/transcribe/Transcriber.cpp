@@ -25,7 +25,11 @@ Transcriber::Transcriber(FileAudioEngine::Pace pace, OwnSettings::Values setting
     : settings_(std::move(settings)),
       chain_(settings_, log),
       dictionary_(settings_, log),
-      recognition_(log),
+      recognition_({.log = log,
+                    .defaults = settings_,
+                    .queue = queue_,
+                    .secrets = nullptr,
+                    .dataFolder = folders_.applicationSupport()}),
       watched_(recognition_),
       engine_(pace, [this](const std::stop_token& stopped) { return watched_.waitUntilKeptUp(stopped); }),
       manager_({clock_, queue_, log, settings_, engine_, devices_, hardware_, watched_},
@@ -36,7 +40,7 @@ Transcriber::Transcriber(FileAudioEngine::Pace pace, OwnSettings::Values setting
 std::optional<std::string> Transcriber::prepare() {
     const auto begin = std::chrono::steady_clock::now();
     if (!recognition_.waitUntilReady(kLoadAtMost)) {
-        return recognition_.whyUnavailable().value_or("The speech model takes too long to load");
+        return recognition_.whyUnavailable().value_or("No speech engine gets ready in time");
     }
     loadTime_ = std::chrono::steady_clock::now() - begin;
     return std::nullopt;

@@ -5,7 +5,8 @@
 #include "Audio/MacAudioManager.h"
 #include "FileAudioEngine.h"
 #include "FileDesk.h"
-#include "Linux/PocketSphinx/PocketSphinxService.h"
+#include "Linux/SpeechEngines.h"
+#include "Linux/Storage/XdgFolders.h"
 #include "OwnSettings.h"
 #include "Speech/FinalTextChain.h"
 #include "Speech/TranscriptionDictionary.h"
@@ -38,7 +39,7 @@ public:
     /// The settings by key, as in the user's own.
     Transcriber(FileAudioEngine::Pace pace, OwnSettings::Values settings, SystemLog& log);
 
-    /// Loads the recogniser's model; why it cannot be used when that fails.
+    /// Gets the engine ready that the settings choose; why it cannot be used when that fails.
     [[nodiscard]] std::optional<std::string> prepare();
 
     /// Blocks for as long as it takes.
@@ -57,7 +58,8 @@ private:
     NoAudioHardware hardware_;
     IdleMainQueue queue_;
     WallClock clock_;
-    PocketSphinxService recognition_;
+    const XdgFolders folders_;
+    SpeechEngines recognition_;
     WatchedSpeechService watched_;
     FileAudioEngine engine_;
     std::string cleaned_;

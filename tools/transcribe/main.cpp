@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Transcriber.h"
 
+#include <QCoreApplication>
+
 #include <cstdio>
 #include <iostream>
 #include <nlohmann/json.hpp>
@@ -23,7 +25,8 @@ constexpr std::string_view kHelp =
     R"(usage: tovik-transcribe [OPTION...] FILE.wav...
 
 Dictates recordings without a desktop: the program's recogniser and text rules, with the
-settings of the first day. Touches no settings and writes no files.
+settings of the first day. Touches no settings; only the sound that a speech server
+fails is kept in a file.
 
   --json      one JSON object a recording: file, text (as it would be pasted), recognised
               (the recogniser's own words), audio_seconds, final_ms (end of sound to final
@@ -158,6 +161,7 @@ int transcribeAll(const Options& options) {
 
 int main(int count, char** arguments) {
     std::ios::sync_with_stdio(true);
+    const QCoreApplication application(count, arguments);
     const auto options = parse(count, arguments);
     if (options.help) {
         std::cout << kHelp;

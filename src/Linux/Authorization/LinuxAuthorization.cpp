@@ -9,7 +9,10 @@ namespace tovik {
 namespace {
 
 constexpr int kNotDetermined = 0;
+constexpr int kSpeechDenied = 1;
 constexpr int kAuthorised = 3;
+constexpr int kAllowButton = 0;
+constexpr int kDoNotAllowButton = 1;
 constexpr int kCheckAgainButton = 0;
 
 } // namespace
@@ -27,7 +30,25 @@ int LinuxAuthorization::microphoneStatus() const {
 }
 
 int LinuxAuthorization::speechStatus() const {
+    if (needsSpeechConsent()) {
+        return kNotDetermined;
+    }
+    if (answers_.isSpeechRefused && answers_.isSpeechRefused()) {
+        return kSpeechDenied;
+    }
     return answers_.speechExplanation().empty() ? kAuthorised : kNotDetermined;
+}
+
+bool LinuxAuthorization::needsSpeechConsent() const {
+    return answers_.needsSpeechConsent && answers_.needsSpeechConsent();
+}
+
+void LinuxAuthorization::askSpeechConsent() {
+    const int button = alert_.runModal("May Tovik Record send your speech to a server?",
+                                       answers_.speechConsentText(), {"Allow", "Don't Allow"});
+    if (button == kAllowButton || button == kDoNotAllowButton) {
+        answers_.answerSpeechConsent(button == kAllowButton);
+    }
 }
 
 bool LinuxAuthorization::isProcessTrusted() const {
@@ -60,6 +81,16 @@ void LinuxAuthorization::ask(Question& question, std::function<void()> whenAnswe
 }
 
 void LinuxAuthorization::show(Question& question) {
+    if (&question == &speech_ && needsSpeechConsent()) {
+        askSpeechConsent();
+        // What he does not allow needs no explanation.
+        if (speechStatus() != kNotDetermined || needsSpeechConsent()) {
+            for (const auto& whenAnswered : std::exchange(question.waiting, {})) {
+                whenAnswered();
+            }
+            return;
+        }
+    }
     for (auto wrong = question.explanation(); !wrong.empty(); wrong = question.explanation()) {
         if (alert_.runModal(question.message, wrong, {"Check Again", "Close"}) != kCheckAgainButton) {
             break;

@@ -28,6 +28,12 @@ public:
         std::function<std::string()> microphoneExplanation;
         /// Empty as long as there is an engine with a model.
         std::function<std::string()> speechExplanation;
+        /// Whether the user still has to say whether speech may leave this machine, what he is asked, what he
+        /// said, and whether there is no recognition because he said no. None where speech never leaves it.
+        std::function<bool()> needsSpeechConsent = nullptr;
+        std::function<std::string()> speechConsentText = nullptr;
+        std::function<void(bool isAllowed)> answerSpeechConsent = nullptr;
+        std::function<bool()> isSpeechRefused = nullptr;
         /// Whether this session shows the talk key and lets keys be pressed.
         std::function<bool()> isKeyboardUsable;
         std::function<std::string()> keyboardExplanation;
@@ -44,10 +50,14 @@ public:
     /// There is nothing to ask: answers with how it stands, after the question when that is not well.
     void requestMicrophoneAccess(std::function<void(bool granted)> answer) override;
 
-    /// Not determined until there is an engine with a model.
+    /// Not determined until there is an engine with a model, and as long as the user has not said whether a
+    /// server may hear; denied when he said no and there is no other engine.
     [[nodiscard]] int speechStatus() const override;
     /// The question offers to look again, for as long as the user wishes.
     void requestSpeechAuthorization(std::function<void(int status)> answer) override;
+
+    /// Asks whether speech may leave this machine, at once; closing the question answers nothing.
+    void askSpeechConsent();
 
     [[nodiscard]] bool isProcessTrusted() const override;
     bool isProcessTrustedWithPrompt() override;
@@ -64,6 +74,7 @@ private:
         std::vector<std::function<void()>> waiting;
     };
 
+    [[nodiscard]] bool needsSpeechConsent() const;
     void ask(Question& question, std::function<void()> whenAnswered);
     void show(Question& question);
 

@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::string_view kPanePrefix = "x-apple.systempreferences:com.apple.preference.security?";
 constexpr std::string_view kMicrophoneAnchor = "Privacy_Microphone";
+constexpr std::string_view kSpeechAnchor = "Privacy_SpeechRecognition";
 constexpr std::string_view kAccessibilityAnchor = "Privacy_Accessibility";
 constexpr int kOpenSettingsButton = 0;
 
@@ -79,6 +80,12 @@ bool SettingsPanes::launch(const SettingsCommand& command) {
 }
 
 bool SettingsPanes::open(const std::string& paneAddress) {
+    if (anchorOf(paneAddress) == kSpeechAnchor && services_.reconsiderSpeech) {
+        if (!std::exchange(isExplaining_, true)) {
+            services_.queue.async(lifetime_.guard([this] { reconsiderSpeech(); }));
+        }
+        return true;
+    }
     const auto command = settingsCommand(paneAddress, services_.desktops, services_.isInstalled);
     if (anchorOf(paneAddress) == kMicrophoneAnchor && !services_.microphoneExplanation().empty()) {
         // One question is enough, however often the talk key is pressed meanwhile.
@@ -88,6 +95,11 @@ bool SettingsPanes::open(const std::string& paneAddress) {
         return command.has_value();
     }
     return command && launch(*command);
+}
+
+void SettingsPanes::reconsiderSpeech() {
+    services_.reconsiderSpeech();
+    isExplaining_ = false;
 }
 
 void SettingsPanes::explainThenOpen(const std::optional<SettingsCommand>& command) {

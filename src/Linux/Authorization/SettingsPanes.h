@@ -41,6 +41,9 @@ public:
         std::function<bool(const std::string& program)> isInstalled;
         /// What is wrong with the microphone and how to mend it; empty when nothing is.
         std::function<std::string()> microphoneExplanation;
+        /// Stands for the page on speech recognition, which no desktop has: asks the user again what he did
+        /// not allow. May be none.
+        std::function<void()> reconsiderSpeech = nullptr;
     };
 
     /// The services outlive the panes.
@@ -53,6 +56,7 @@ public:
     bool open(const std::string& paneAddress);
 
 private:
+    void reconsiderSpeech();
     void explainThenOpen(const std::optional<SettingsCommand>& command);
     [[nodiscard]] bool launch(const SettingsCommand& command);
 

@@ -28,6 +28,10 @@ protected:
             .microphoneStatus = [this] { return microphoneStatus; },
             .microphoneExplanation = [this] { return microphoneExplanation; },
             .speechExplanation = [this] { return speechExplanation; },
+            .needsSpeechConsent = [this] { return hasServer && !consent; },
+            .speechConsentText = [] { return "It would go to a server."; },
+            .answerSpeechConsent = [this](bool isAllowed) { consent = isAllowed; },
+            .isSpeechRefused = [this] { return hasServer && consent == false; },
             .isKeyboardUsable = [this] { return keyboardUsable; },
             .keyboardExplanation = [this] { return keyboardExplanation; },
             .executablePath = "/usr/bin/tovik-record",
@@ -38,6 +42,8 @@ protected:
     int microphoneStatus = 3;
     std::string microphoneExplanation;
     std::string speechExplanation;
+    bool hasServer = false;
+    std::optional<bool> consent;
     bool keyboardUsable = true;
     std::string keyboardExplanation;
     ManualTime time;
@@ -46,6 +52,48 @@ protected:
     std::vector<int> statuses;
     std::vector<bool> grants;
 };
+
+// ----------------------------------------------------------------- speech that leaves the machine
+
+TEST_F(LinuxAuthorizationTest, untilTheUserHasSaidWhetherAServerMayHear_speechIsNotDetermined) {
+    hasServer = true;
+    EXPECT_EQ(authorization->speechStatus(), 0);
+    consent = true;
+    EXPECT_EQ(authorization->speechStatus(), 3);
+    consent = false;
+    EXPECT_EQ(authorization->speechStatus(), 1);
+}
+
+TEST_F(LinuxAuthorizationTest, whenTheUserAllowsTheServer_remembersItAndAsksNoMore) {
+    hasServer = true;
+    alert.answerNext(0);
+    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    time.runPending();
+    ASSERT_THAT(alert.questions(), SizeIs(1));
+    EXPECT_EQ(alert.questions().front().informativeText, "It would go to a server.");
+    EXPECT_THAT(alert.questions().front().buttons, ElementsAre("Allow", "Don't Allow"));
+    EXPECT_THAT(statuses, ElementsAre(3));
+    EXPECT_EQ(consent, true);
+}
+
+TEST_F(LinuxAuthorizationTest, whenTheUserDoesNotAllowTheServer_speechIsDenied) {
+    hasServer = true;
+    alert.answerNext(1);
+    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    time.runPending();
+    EXPECT_THAT(statuses, ElementsAre(1));
+    EXPECT_EQ(consent, false);
+    EXPECT_THAT(alert.questions(), SizeIs(1));
+}
+
+TEST_F(LinuxAuthorizationTest, whenTheQuestionAboutTheServerIsClosed_nothingIsDecided) {
+    hasServer = true;
+    alert.answerNext(-1);
+    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    time.runPending();
+    EXPECT_THAT(statuses, ElementsAre(0));
+    EXPECT_EQ(consent, std::nullopt);
+}
 
 // ------------------------------------------------------------------------------- how it stands
 

@@ -162,6 +162,7 @@ protected:
                 .desktops = {"GNOME"},
                 .isInstalled = [this](const std::string&) { return installed; },
                 .microphoneExplanation = [this] { return explanation; },
+                .reconsiderSpeech = [this] { ++reconsidered; },
             });
         }
         return *panes_;
@@ -169,6 +170,7 @@ protected:
     void destroyPanes() { panes_.reset(); }
 
     bool installed = true;
+    int reconsidered = 0;
     std::string explanation;
     ManualTime time;
     FakeAlert alert;
@@ -179,6 +181,18 @@ private:
 };
 
 const Launch kSoundSettings{"gnome-control-center", {"sound"}};
+
+TEST_F(SettingsPanesTest, forSpeech_asksTheUserAgainOnce) {
+    EXPECT_TRUE(panes().open(kSpeechPane));
+    EXPECT_TRUE(panes().open(kSpeechPane));
+    EXPECT_EQ(reconsidered, 0);
+    time.runPending();
+    EXPECT_EQ(reconsidered, 1);
+    EXPECT_THAT(launcher.launches(), IsEmpty());
+    EXPECT_TRUE(panes().open(kSpeechPane));
+    time.runPending();
+    EXPECT_EQ(reconsidered, 2);
+}
 
 TEST_F(SettingsPanesTest, whenNothingIsWrong_opensTheSettingsAtOnce) {
     EXPECT_TRUE(panes().open(kMicrophonePane));
@@ -261,7 +275,7 @@ TEST_F(SettingsPanesTest, whenTheSettingsDoNotStartAtOnce_theCallerIsTold) {
 TEST_F(SettingsPanesTest, whenAnotherPaneIsOpened_theMicrophoneIsNoSubject) {
     explanation = "No microphone was found.";
     EXPECT_TRUE(panes().open(kAccessibilityPane));
-    EXPECT_FALSE(panes().open(kSpeechPane));
+    EXPECT_TRUE(panes().open(kSpeechPane));
     time.runPending();
     EXPECT_THAT(alert.questions(), IsEmpty());
     EXPECT_THAT(launcher.launches(), ElementsAre(Launch{"gnome-control-center", {"keyboard"}}));
