@@ -2,17 +2,11 @@
 // SPDX-License-Identifier: MIT
 //
 // What a key press in the search field of the transcript history costs: 100 transcripts of 2,000 characters.
-#include "Linux/Qt/QtMenu.h"
-#include "Session/TargetTracker.h"
-#include "Session/TranscriptHistoryMenu.h"
 #include "Speech/TranscriptHistoryFilter.h"
-#include "Speech/TranscriptionDictionary.h"
 #include "UserInterface/MainWindowSections.h"
 #include "UserInterface/SearchField.h"
 #include "UserInterface/TranscriptHistorySection.h"
-#include "support/FakeKeyEventPoster.h"
-#include "support/FakeTextTranslator.h"
-#include "ui/WindowStage.h"
+#include "ui/StatusMenuStage.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -81,7 +75,6 @@ public:
         for (auto entry = texts.rbegin(); entry != texts.rend(); ++entry) {
             stage_.history.add(entry->text);
         }
-        stage_.reloadHistoryMenu = [this] { menu_.reloadTranscriptHistoryMenu(); };
         stage_.build();
         stage_.controller->accordion().setAccordion(QString::fromLatin1(kHistorySection), true, false);
         QCoreApplication::processEvents();
@@ -100,15 +93,7 @@ public:
 
 private:
     WindowStage stage_;
-    TranscriptionDictionary dictionary_{stage_.defaults, stage_.log};
-    FakeTextTranslator translator_;
-    FakeKeyEventPoster poster_;
-    TargetTracker targets_{stage_.workspace};
-    TranscriptDelivery delivery_{{stage_.time, stage_.log, stage_.defaults, stage_.requests, dictionary_,
-                                  stage_.history, translator_, stage_.forward, stage_.pasteboard, poster_,
-                                  stage_.workspace, targets_}};
-    TranscriptHistoryMenu menu_{stage_.history, delivery_};
-    QtMenu shownMenu_{menu_.menu()};
+    StatusMenuStage menu_{stage_};
     QLineEdit* search_ = nullptr;
 };
 

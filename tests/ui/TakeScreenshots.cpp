@@ -1,10 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Speech/TranslationLanguage.h"
+#include "StatusMenuStage.h"
 #include "UserInterface/Accordion.h"
+#include "UserInterface/BorderlessButton.h"
 #include "UserInterface/Compositing.h"
 #include "UserInterface/CorrectionsSection.h"
 #include "UserInterface/FloatingPanel.h"
+#include "UserInterface/HeaderView.h"
+#include "UserInterface/HoverFillButton.h"
 #include "UserInterface/MainWindowController.h"
 #include "UserInterface/MainWindowSections.h"
 #include "UserInterface/MainWindowView.h"
@@ -18,7 +22,9 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QLocale>
+#include <QMenu>
 #include <QPainter>
 #include <QScreen>
 
@@ -281,6 +287,38 @@ void takeWindows(Photographer& photographer, const QString& prefix, const QStrin
     takeWindow(photographer, pending, prefix + QStringLiteral("permissions-pending"));
 }
 
+/// The menu that the window's button opens, with each of its submenus.
+void takeMenus(Photographer& photographer, const QString& prefix) {
+    test::WindowStage stage;
+    fillScreen(stage.screens);
+    fillHistory(stage);
+    stage.build();
+    test::StatusMenuStage menu(stage);
+    menu.plugIn({{"internal", "Built-in Audio Analog Stereo"}, {"usb", "USB Headset"}});
+    struct Picture {
+        const char* name;
+        int row;
+    };
+    for (const Picture& picture : {Picture{"menu-input-devices", 0}, Picture{"menu-dictation-language", 1},
+                                   Picture{"menu-transcript-history", 4}}) {
+        stage.controller->view().header().moreOptionsButton().click();
+        QMenu& shown = menu.shown.widget();
+        shown.popup(stage.menuPopUps.back());
+        shown.setActiveAction(shown.actions().at(picture.row));
+        QKeyEvent intoSubmenu(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier);
+        QApplication::sendEvent(&shown, &intoSubmenu);
+        Photographer::settle();
+        const QRect frame = stage.controller->window().frameGeometry();
+        const QRect menus = shown.geometry().united(shown.activeAction()->menu()->geometry());
+        const QRect area(frame.left(), frame.top(),
+                         std::max(frame.right(), menus.right()) - frame.left() + kMargin,
+                         menus.bottom() - frame.top() + kMargin);
+        photographer.takeScreen(prefix + QString::fromLatin1(picture.name),
+                                area.intersected(QGuiApplication::primaryScreen()->geometry()), showsWindow);
+        shown.close();
+    }
+}
+
 QStringList allSections() {
     QStringList titles;
     for (const SectionHeader& section : mainWindowSections(false)) {
@@ -313,7 +351,9 @@ int main(int argc, char** argv) {
     tovik::Photographer photographer(arguments[1], arguments[2]);
     tovik::takePills(photographer);
     tovik::takeWindows(photographer, QStringLiteral("window-"), tovik::allSections());
+    tovik::takeMenus(photographer, {});
     QApplication::setPalette(tovik::darkPalette());
     tovik::takeWindows(photographer, QStringLiteral("window-dark-"), tovik::allSections());
+    tovik::takeMenus(photographer, QStringLiteral("dark-"));
     return 0;
 }

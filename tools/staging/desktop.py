@@ -149,6 +149,25 @@ class Desktop:
                 continue
         return found
 
+    def embedded_windows(self, process: int) -> list[int]:
+        """The visible windows of a process that lie within windows of others, such as an icon in a tray."""
+        found: list[int] = []
+
+        def look_into(parent, owner: int) -> None:
+            for window in parent.query_tree().children:
+                if window.get_attributes().map_state != X.IsViewable:
+                    continue
+                its_owner = self.process(window.id) or owner
+                if its_owner == process and owner not in (0, process):
+                    found.append(window.id)
+                look_into(window, its_owner)
+
+        try:
+            look_into(self._root, 0)
+        except error.XError:
+            return []  # A window has gone meanwhile.
+        return found
+
     def activate(self, window: int) -> None:
         """Brings the window to the front as a click in a task bar does, and waits until it is active."""
         message = xevent.ClientMessage(

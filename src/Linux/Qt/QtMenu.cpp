@@ -3,8 +3,11 @@
 #include "Linux/Qt/QtMenu.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QKeyEvent>
 #include <QKeySequence>
 #include <QMenu>
+#include <QPointer>
 
 #include <utility>
 
@@ -27,12 +30,51 @@ QString plainTitle(const std::string& title, QtMenu::ShownBy shownBy) {
     return text.contains('&') ? '&' + text : text;
 }
 
+/// Closes every menu that is open.
+void closeMenus() {
+    while (auto* const popup = QApplication::activePopupWidget()) {
+        popup->close();
+    }
+}
+
 } // namespace
+
+/// While it or one of its submenus is open, the keys that stand beside its items choose them. Qt leaves that
+/// to windows, which this menu may have none of.
+class QtMenu::Widget : public QMenu {
+public:
+    /// The menu that this one is a submenu of.
+    void setAbove(Widget* above) { above_ = above; }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const QKeySequence pressed(event->keyCombination());
+        for (const Widget* menu = this; menu; menu = menu->above_) {
+            for (const QPointer<QAction> action : menu->actions()) {
+                if (action->isEnabled() && !action->shortcut().isEmpty() && action->shortcut() == pressed) {
+                    closeMenus();
+                    if (action) {
+                        action->trigger();
+                    }
+                    return;
+                }
+            }
+        }
+        QMenu::keyPressEvent(event);
+    }
+
+private:
+    QPointer<Widget> above_;
+};
+
+QMenu& QtMenu::widget() const {
+    return *widget_;
+}
 
 QtMenu::QtMenu(std::shared_ptr<Menu> menu, ShownBy shownBy)
     : menu_(std::move(menu)),
       shownBy_(shownBy),
-      widget_(new QMenu) {
+      widget_(new Widget) {
     QObject::connect(widget_, &QMenu::aboutToShow, widget_, lifetime_.guard([this] {
         // Filling the menu may replace the very function that fills it.
         if (const auto willOpen = menu_->onWillOpen) {
@@ -82,7 +124,8 @@ QAction* QtMenu::addItem(const MenuItem& item, std::map<Menu*, std::unique_ptr<Q
         } else if (!submenu) {
             submenu = std::make_unique<QtMenu>(item.submenu, shownBy_);
         }
-        action->setMenu(&submenu->widget());
+        submenu->widget_->setAbove(widget_);
+        action->setMenu(submenu->widget_);
     } else if (item.action) {
         QObject::connect(action, &QAction::triggered, action,
                          [action, chosen = item.action, isChecked = item.isChecked] {

@@ -27,15 +27,17 @@ public:
     /// Harmless while an item of the menu is just being chosen.
     ~QtMenu();
 
-    [[nodiscard]] QMenu& widget() const { return *widget_; }
+    [[nodiscard]] QMenu& widget() const;
 
 private:
+    class Widget;
+
     void rebuild();
     QAction* addItem(const MenuItem& item, std::map<Menu*, std::unique_ptr<QtMenu>>& oldSubmenus);
 
     const std::shared_ptr<Menu> menu_;
     const ShownBy shownBy_;
-    QMenu* widget_;
+    Widget* widget_;
     std::map<Menu*, std::unique_ptr<QtMenu>> submenus_;
     Lifetime lifetime_;
     Subscription changes_;

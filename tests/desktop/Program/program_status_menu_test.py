@@ -126,34 +126,27 @@ class InAPanelOfNotifierItems(StatusMenuTest):
 
 
 class InATrayOfWindows(StatusMenuTest):
-    def show(self) -> tuple[int, int]:
-        """Starts a tray and the program; the place of the icon."""
-        before = self.desktop.mapped_children()
+    def show(self) -> int:
+        """Starts a tray and the program; the window of the icon."""
         self.stage.spawn("tray", ["trayer", "--edge", "top", "--align", "left", "--widthtype", "request",
                                   "--heighttype", "pixel", "--height", "24", "--SetDockType", "true"])
         wait_until(lambda: self.desktop.selection_owner("_NET_SYSTEM_TRAY_S0"), "the tray")
         self.program = self.start()
+        return wait_until(lambda: self.desktop.embedded_windows(self.program.process.pid), "the icon in the tray")[0]
 
-        def icon():
-            # The tray is as wide as its icons, and there is only ours.
-            return [child for child in self.desktop.mapped_children()
-                    if child[0] not in {known[0] for known in before} and child[4] <= 32 and child[3] >= 16]
-
-        _, x, y, width, height = wait_until(icon, "the icon in the tray")[0]
-        return x + width // 2, y + height // 2
-
-    def open_menu(self, place: tuple[int, int], button: int) -> None:
+    def open_menu(self, icon: int, button: int) -> None:
         before = self.desktop.mapped_children()
-        self.desktop.click(*place, button)
+        x, y, width, height = self.desktop.place(icon)
+        self.desktop.click(x + width // 2, y + height // 2, button)
         self.wait_for_popup(before)
 
     def test_eitherMouseButtonOpensTheMenu_andATranscriptIsPastedWhereTheUserIs(self) -> None:
         self.set_stage()
         self.keep_history("said before")
-        place = self.show()
+        icon = self.show()
         for button in (1, 3):
             editor = self.open_editor()
-            self.open_menu(place, button)
+            self.open_menu(icon, button)
             for _ in range(4):
                 self.desktop.tap("Down")
             before = self.desktop.mapped_children()
@@ -167,8 +160,8 @@ class InATrayOfWindows(StatusMenuTest):
 
     def test_theLastRowEndsTheProgram(self) -> None:
         self.set_stage()
-        place = self.show()
-        self.open_menu(place, 1)
+        icon = self.show()
+        self.open_menu(icon, 1)
         self.desktop.tap("Up")
         self.desktop.tap("Return")
         self.assertEqual(self.program.wait(), 0)
@@ -197,6 +190,16 @@ class WithoutATray(StatusMenuTest):
         self.desktop.tap("Return")
         self.program.wait_for_line(LANGUAGE_CHANGED + "fr-FR", 5)
         self.assertEqual(self.setting(self.program, "SelectedDictationLocale"), "fr-FR")
+
+    def test_whileTheMenuIsOpen_itsKeyEquivalentEndsTheProgram(self) -> None:
+        self.set_stage()
+        self.program = self.start()
+        before = self.desktop.mapped_children()
+        self.desktop.tap("Tab")
+        self.desktop.tap("space")
+        self.wait_for_popup(before)
+        self.desktop.tap("Control_L", "q")
+        self.assertEqual(self.program.wait(), 0)
 
 
 if __name__ == "__main__":
