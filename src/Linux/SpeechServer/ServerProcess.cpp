@@ -57,6 +57,10 @@ void ServerProcess::start() {
             ::_exit(1);
         }
     });
+    QObject::connect(process_.get(), &QProcess::started, process_.get(), [this] {
+        log_->logLine("[TovikVoice] The speech server " + command_.front() + " was started, process " +
+                      std::to_string(process_->processId()));
+    });
     QObject::connect(process_.get(), &QProcess::finished, process_.get(),
                      [this](int code, QProcess::ExitStatus status) {
                          ended(status == QProcess::NormalExit ? "ended with " + std::to_string(code)
@@ -74,10 +78,6 @@ void ServerProcess::start() {
     }
     runsWell_.start(milliseconds(pauses_.good));
     process_->start(QString::fromStdString(command_.front()), arguments);
-    if (process_ && process_->processId() != 0) {
-        log_->logLine("[TovikVoice] The speech server " + command_.front() + " was started, process " +
-                      std::to_string(process_->processId()));
-    }
 }
 
 void ServerProcess::ended(const std::string& how) {
