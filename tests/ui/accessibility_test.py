@@ -12,7 +12,7 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(FOLDER, "..", "desktop", "Program"))
 
 from harness import ProgramTest, main  # noqa: E402
-from staging.lines import Lines  # noqa: E402
+from keyboard_user import KeyboardUser  # noqa: E402
 from staging.waiting import wait_until  # noqa: E402
 
 BUTTON = "push button"
@@ -129,24 +129,14 @@ class AccessibilityTest(ProgramTest):
 
     def test_the_status_menu__is_told_row_by_row_as_the_keyboard_moves(self) -> None:
         self.set_stage()
+        user = KeyboardUser(self.stage, self.desktop)
         self.start(QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
-        process = self.stage.spawn("listener", ["/usr/bin/python3", os.path.join(FOLDER, "accessible_focus.py")],
-                                   stdout=subprocess.PIPE, text=True)
-        said = Lines(process, "the listener")
-        said.wait_for(lambda line: line == "listening", "the listener", 10)
-
-        def press(key: str, role: str, name: str) -> None:
-            start = len(said.all())
-            self.desktop.tap(key)
-            said.wait_for(lambda line: line.startswith("[") and json.loads(line) == [role, name],
-                          f"{name!r} to be told", 10, start)
-
-        press("Tab", BUTTON, "More options")
+        user.begin()
         self.desktop.tap("space")
-        press("Down", "menu item", "Input Device")
+        user.press("Down", "menu item", "Input Device")
         for row in ("Dictation Language", "Paste Last Transcript", "Transcript History"):
-            press("Down", "menu item", row)
-        press("Up", "menu item", "Paste Last Transcript")
+            user.press("Down", "menu item", row)
+        user.press("Up", "menu item", "Paste Last Transcript")
 
 
 if __name__ == "__main__":
