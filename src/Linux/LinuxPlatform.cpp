@@ -27,10 +27,12 @@ std::string environment(const char* variable) {
     return value == nullptr ? "" : value;
 }
 
-/// Those that the user works in. The pill and the hints take no input and fade on their own.
+/// Those that the user works in. The pill and the hints take no input and fade on their own; hiding a
+/// question or a menu would answer it on the user's behalf.
 void hideOwnWindows() {
     for (auto* window : QApplication::topLevelWidgets()) {
-        if (window->isVisible() && !window->windowFlags().testFlag(Qt::WindowTransparentForInput)) {
+        const bool asks = window->windowType() == Qt::Dialog || window->windowType() == Qt::Popup;
+        if (window->isVisible() && !asks && !window->windowFlags().testFlag(Qt::WindowTransparentForInput)) {
             window->hide();
         }
     }
@@ -53,7 +55,12 @@ LinuxPlatform::LinuxPlatform()
                   .ownBundleIdentifier = kBundleIdentifier,
                   .ownLocalizedName = "Tovik Record",
                   .hideOwnWindows = hideOwnWindows}),
-      poster_({.queue = queue_, .defaults = defaults_, .log = log_, .posted = postedKeys_}),
+      poster_({.queue = queue_,
+               .defaults = defaults_,
+               .log = log_,
+               .posted = postedKeys_,
+               .isTargetInFront = [this] { return workspace_.isActivatedInFront(); },
+               .bringTargetToFront = [this] { workspace_.activateAgain(); }}),
       keyMonitor_({.queue = queue_,
                    .defaults = defaults_,
                    .log = log_,

@@ -16,7 +16,7 @@ class AudioHardware {
 public:
     virtual ~AudioHardware() = default;
 
-    /// An error carries the sound system's numeric status.
+    /// Empty while there is no sound system. An error carries the sound system's numeric status.
     [[nodiscard]] virtual Result<std::vector<std::uint32_t>> deviceIds() const = 0;
     /// Nothing when the device is gone or has no name.
     [[nodiscard]] virtual std::optional<std::string> deviceName(std::uint32_t id) const = 0;

@@ -53,8 +53,9 @@ public:
     virtual void hideSelf() = 0;
     virtual void deactivateSelf() = 0;
 
-    /// Brings the application's window to the front; the remembered one where it still exists. False when
-    /// nothing could be asked for; true says only that the desktop was asked.
+    /// Brings the application's remembered window to the front, or one of its windows when none is
+    /// remembered. False when nothing could be asked for, as when that window is gone; true says only that
+    /// the desktop was asked.
     virtual bool activate(const RunningApplication& application, unsigned options) = 0;
 
     /// Hands an address to the desktop. False when nothing takes it.

@@ -52,7 +52,7 @@ public:
         for (const auto& device : devices_.devices()) {
             devices_.disconnect(device);
         }
-        hardware_.failWith({"Fake", 11, "gone"});
+        hardware_.setDevices({});
     }
     void runMainQueue() override {}
 
@@ -217,16 +217,14 @@ TEST_P(SoundDevicesContract, hardwareHasNoNameForADeviceThatIsNotThere) {
     EXPECT_EQ(world->hardware().deviceName(4000000001U), std::nullopt);
 }
 
-TEST_P(SoundDevicesContract, whenTheSoundSystemBreaksDown_allAreToldGoneAndHardwareGivesItsStatus) {
+TEST_P(SoundDevicesContract, whenTheSoundSystemBreaksDown_allAreToldGoneAndHardwareListsNothing) {
     world->plugIn(kDesk);
     ASSERT_TRUE(told({"+Desk Mike"}));
     world->breakDown();
     EXPECT_TRUE(told({"+Desk Mike", "-Desk Mike"}));
     EXPECT_TRUE(world->devices().devices().empty());
     EXPECT_EQ(world->devices().defaultDeviceId(), std::nullopt);
-    const auto ids = world->hardware().deviceIds();
-    ASSERT_FALSE(ids.ok());
-    EXPECT_NE(ids.error().code, 0);
+    EXPECT_TRUE(hardwareNames().empty());
 }
 
 template <SoundServer::Kind kind>

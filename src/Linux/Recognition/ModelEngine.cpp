@@ -65,8 +65,13 @@ ModelEngine::~ModelEngine() {
     ending_.notify_all();
     watch_.join();
     if (recognition_) {
-        for (const auto& utterance : recognition_->leave(limits_.goodbye)) {
-            utterance->answer(recognitionError(RecognitionCode::ended, "Recognition was ended"));
+        const auto unanswered = recognition_->leave(limits_.goodbye);
+        const auto why = recognitionError(RecognitionCode::ended, "Recognition was ended");
+        if (unanswered.current) {
+            unanswered.current->answer(why);
+        }
+        for (const auto& utterance : unanswered.waiting) {
+            utterance->answer(why);
         }
     }
     log_->close();
@@ -132,7 +137,11 @@ void ModelEngine::start(std::shared_ptr<Utterance> utterance) {
 void ModelEngine::watch() {
     std::unique_lock lock(mutex_);
     while (!ending_.wait_for(lock, limits_.look, [this] { return ends_; })) {
-        if (recognition_ && recognition_->silentFor() > limits_.silence) {
+        if (!recognition_) {
+            continue;
+        }
+        const auto limit = recognition_->isLoaded() ? limits_.silence : limits_.loading;
+        if (recognition_->silentFor() > limit) {
             replaceSilentThread();
         }
     }
@@ -142,13 +151,11 @@ void ModelEngine::replaceSilentThread() {
     log_->logLine("[TovikVoice] Speech recognition does not answer: it is started anew");
     auto unanswered = recognition_->leave(Seconds(0));
     recognition_ = makeThread();
-    if (unanswered.empty()) {
-        return;
+    if (unanswered.current) {
+        unanswered.current->answer(
+            recognitionError(RecognitionCode::notAnswering, "The recogniser does not answer"));
     }
-    unanswered.front()->answer(
-        recognitionError(RecognitionCode::notAnswering, "The recogniser does not answer"));
-    unanswered.pop_front();
-    for (auto& utterance : unanswered) {
+    for (auto& utterance : unanswered.waiting) {
         recognition_->add(std::move(utterance));
     }
 }

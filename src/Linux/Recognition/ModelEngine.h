@@ -27,6 +27,9 @@ public:
     struct Limits {
         /// How long the decoder may work without a sign of life.
         Seconds silence{15};
+        /// How long loading the model may take: a cold disk on a busy machine is slow, and a second try would
+        /// be no faster.
+        Seconds loading{180};
         /// How often that is looked at.
         Seconds look{2};
         /// How long the destruction waits for the decoder.

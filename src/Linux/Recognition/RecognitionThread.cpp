@@ -245,8 +245,13 @@ RecognitionThread::RecognitionThread(DecoderLoader loader, SteadyClock clock, st
 
 RecognitionThread::~RecognitionThread() {
     if (thread_.joinable()) {
-        for (const auto& utterance : leave(Seconds(0))) {
-            utterance->answer(recognitionError(RecognitionCode::ended, "Recognition was ended"));
+        const auto unanswered = leave(Seconds(0));
+        const auto why = recognitionError(RecognitionCode::ended, "Recognition was ended");
+        if (unanswered.current) {
+            unanswered.current->answer(why);
+        }
+        for (const auto& utterance : unanswered.waiting) {
+            utterance->answer(why);
         }
     }
 }
@@ -287,23 +292,26 @@ bool RecognitionThread::waitUntilReady(Seconds atMost) const {
     return isReady();
 }
 
+bool RecognitionThread::isLoaded() const {
+    const std::lock_guard lock(state_->mutex);
+    return state_->loaded;
+}
+
 Seconds RecognitionThread::silentFor() const {
     const std::lock_guard lock(state_->mutex);
     return state_->busySince ? Seconds(state_->clock() - *state_->busySince) : Seconds(0);
 }
 
-std::deque<std::shared_ptr<Utterance>> RecognitionThread::leave(Seconds atMost) {
-    std::deque<std::shared_ptr<Utterance>> unanswered;
+RecognitionThread::Unanswered RecognitionThread::leave(Seconds atMost) {
+    Unanswered unanswered;
     bool ended = false;
     {
         std::unique_lock lock(state_->mutex);
         state_->leaving = true;
         state_->wake.notify_all();
         ended = state_->ended.wait_for(lock, atMost, [this] { return state_->hasEnded; });
-        unanswered.swap(state_->waiting);
-        if (state_->current) {
-            unanswered.push_front(std::move(state_->current));
-        }
+        unanswered.waiting.swap(state_->waiting);
+        unanswered.current = std::move(state_->current);
     }
     if (ended) {
         thread_.join();

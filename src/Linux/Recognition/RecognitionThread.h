@@ -46,12 +46,22 @@ public:
     /// loaded, or is not ready in time. Any thread.
     [[nodiscard]] bool waitUntilReady(Seconds atMost) const;
 
+    /// Whether the decoder has been loaded. Any thread.
+    [[nodiscard]] bool isLoaded() const;
+
     /// How long the decoder has been at its present task without a sign of life; zero when it has none.
     [[nodiscard]] Seconds silentFor() const;
 
+    struct Unanswered {
+        /// The one that is being decoded; nothing when none is.
+        std::shared_ptr<Utterance> current;
+        /// Those of which nothing has been heard yet, in their order.
+        std::deque<std::shared_ptr<Utterance>> waiting;
+    };
+
     /// Ends the thread, or lets go of it when it does not end in time: then it touches nothing any more
     /// whenever it does. Returns the utterances that it has not answered.
-    [[nodiscard]] std::deque<std::shared_ptr<Utterance>> leave(Seconds atMost);
+    [[nodiscard]] Unanswered leave(Seconds atMost);
 
 private:
     struct State;

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 
@@ -21,7 +22,8 @@ namespace {
 
 /// Facility user, severity notice.
 constexpr auto kSyslogPriority = "<13>";
-constexpr int kStalledReaderMilliseconds = 1000;
+// A terminal that scrolls needs less; whoever holds the output with Ctrl+S must not hold the program.
+constexpr int kPatienceMilliseconds = 100;
 
 /// While it lives, writing to a pipe that nobody reads any more is an error in this thread, not the end of
 /// the program.
@@ -52,25 +54,27 @@ private:
     bool wasPending_ = false;
 };
 
-void writeLine(int fd, std::string_view line) {
-    const PipeSignalHeldBack heldBack;
-    std::string text(line);
-    text += '\n';
-    std::string_view rest = text;
-    while (!rest.empty()) {
-        const auto written = ::write(fd, rest.data(), rest.size());
+bool isWritable(int fd, int milliseconds) {
+    pollfd writable{fd, POLLOUT, 0};
+    int ready = 0;
+    do {
+        ready = ::poll(&writable, 1, milliseconds);
+    } while (ready < 0 && errno == EINTR);
+    return ready > 0;
+}
+
+/// Gives what was not taken. Pieces of this size never block where poll() has said that there is room.
+std::string_view writeAll(int fd, std::string_view rest, int milliseconds) {
+    while (!rest.empty() && isWritable(fd, milliseconds)) {
+        const auto written = ::write(fd, rest.data(), std::min<std::size_t>(rest.size(), PIPE_BUF));
         if (written > 0) {
             rest.remove_prefix(static_cast<std::size_t>(written));
-        } else if (written < 0 && errno == EAGAIN) {
-            // Somebody who shares the terminal or pipe has made it non-blocking.
-            pollfd writable{fd, POLLOUT, 0};
-            if (::poll(&writable, 1, kStalledReaderMilliseconds) <= 0) {
-                return;
-            }
-        } else if (written < 0 && errno != EINTR) {
-            return;
+        } else if (written < 0 && errno != EINTR && errno != EAGAIN) {
+            // Nobody will ever read this; that is no stall.
+            return {};
         }
     }
+    return rest;
 }
 
 /// As the log service wants it, whatever the user's language is: Nov  1 14:05:09.
@@ -107,20 +111,38 @@ UnixFd connectTo(const std::string& path) {
 StandardLog::StandardLog() : StandardLog(STDOUT_FILENO, STDERR_FILENO, "/dev/log") {}
 
 StandardLog::StandardLog(int outputFd, int errorFd, std::string syslogSocket)
-    : outputFd_(outputFd),
-      errorFd_(errorFd),
-      syslogSocket_(std::move(syslogSocket)),
-      copiesToError_(::isatty(errorFd) == 1) {}
+    : syslogSocket_(std::move(syslogSocket)),
+      copiesToError_(::isatty(errorFd) == 1),
+      output_{outputFd},
+      errors_{errorFd} {}
+
+void StandardLog::writeLine(Output& output, std::string_view line) {
+    const PipeSignalHeldBack heldBack;
+    // The wait is paid once, not for every line.
+    if (output.leftOut > 0 && !isWritable(output.fd, 0)) {
+        ++output.leftOut;
+        return;
+    }
+    std::string text = output.brokeOff ? "\n" : "";
+    if (output.leftOut > 0) {
+        text += "[TovikVoice] " + std::to_string(output.leftOut) + " lines are missing here\n";
+    }
+    text += line;
+    text += '\n';
+    const auto rest = writeAll(output.fd, text, kPatienceMilliseconds);
+    output.leftOut = rest.empty() ? 0 : output.leftOut + 1;
+    output.brokeOff = !rest.empty() && (rest.size() < text.size() || output.brokeOff);
+}
 
 void StandardLog::printLine(std::string_view line) {
     const std::lock_guard lock(mutex_);
-    writeLine(outputFd_, line);
+    writeLine(output_, line);
 }
 
 void StandardLog::logLine(std::string_view line) {
     const std::lock_guard lock(mutex_);
     if (!sendToSyslog(line) || copiesToError_) {
-        writeLine(errorFd_, line);
+        writeLine(errors_, line);
     }
 }
 

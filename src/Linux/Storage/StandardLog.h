@@ -5,14 +5,16 @@
 #include "Linux/Storage/UnixFd.h"
 #include "Platform/SystemLog.h"
 
+#include <cstddef>
 #include <mutex>
 #include <string>
 
 namespace tovik {
 
-/// Lines on standard output and in the machine's syslog (user facility). A reader that went away, a full log
-/// or a missing log service never stops the program: lines for a syslog that is not there go to standard
-/// error instead, and so do copies of the others where that is a terminal.
+/// Lines on standard output and in the machine's syslog (user facility). A reader that went away or stopped
+/// reading, a full log or a missing log service never stops the program: lines for a syslog that is not there
+/// go to standard error instead, and so do copies of the others where that is a terminal. What a reader does
+/// not take in time is left out, and how much that was is told when it reads again.
 class StandardLog : public SystemLog {
 public:
     StandardLog();
@@ -23,13 +25,22 @@ public:
     void logLine(std::string_view line) override;
 
 private:
+    /// A descriptor for lines, and what became of them.
+    struct Output {
+        const int fd;
+        /// What the reader has not taken: lines, of which the first may stand there in part.
+        std::size_t leftOut = 0;
+        bool brokeOff = false;
+    };
+
+    static void writeLine(Output& output, std::string_view line);
     [[nodiscard]] bool sendToSyslog(std::string_view line);
 
-    const int outputFd_;
-    const int errorFd_;
     const std::string syslogSocket_;
     const bool copiesToError_;
     std::mutex mutex_;
+    Output output_;
+    Output errors_;
     UnixFd socket_;
 };
 

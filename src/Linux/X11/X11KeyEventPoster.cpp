@@ -17,6 +17,7 @@ namespace {
 
 constexpr Seconds kLongestWait{2.0};
 constexpr Seconds kCheckInterval{0.02};
+constexpr int kChecksBetweenRequests = 10;
 
 } // namespace
 
@@ -42,10 +43,13 @@ std::optional<KeyEvent> X11KeyEventPoster::makeEvent(EventSourceState source, st
     return KeyEvent{source, keyCode, keyDown, 0};
 }
 
-void X11KeyEventPoster::post(const KeyEvent& event, EventTap) {
+void X11KeyEventPoster::post(const KeyEvent& event, EventTap tap) {
     if (!connection_ || event.keyCode != kVKeyCode || event.flags != kCommandFlag || !event.keyDown) {
         return;
     }
+    // What goes to the session goes to whatever is in front.
+    checksInVain_ = 0;
+    hasTarget_ = tap == EventTap::hid && services_.isTargetInFront != nullptr;
     ++waiting_;
     if (waiting_ == 1) {
         pasteWhenPossible();
@@ -53,22 +57,34 @@ void X11KeyEventPoster::post(const KeyEvent& event, EventTap) {
 }
 
 void X11KeyEventPoster::pasteWhenPossible() {
-    const auto pasteUnlessSpoiled = [this] {
-        const auto wanted = chord();
-        const bool possible = !presser_->isSpoiled(wanted);
-        if (possible) {
-            paste(wanted);
-        }
-        return possible;
-    };
-    if (pasteUnlessSpoiled()) {
+    if (pasteIfPossible()) {
         return;
     }
-    check_ = services_.queue.every(kCheckInterval, pasteUnlessSpoiled);
-    deadline_ = services_.queue.after(kLongestWait, [this] {
-        services_.log.printLine("[TovikVoice] Pasting although a modifier key is still held");
-        paste(chordForHeldKeys());
-    });
+    check_ = services_.queue.every(kCheckInterval, [this] { static_cast<void>(pasteIfPossible()); });
+    deadline_ = services_.queue.after(kLongestWait, [this] { pasteAllTheSame(); });
+}
+
+bool X11KeyEventPoster::pasteIfPossible() {
+    const auto wanted = chord();
+    if (presser_->isSpoiled(wanted)) {
+        return false;
+    }
+    // Letting go of Alt at the end of Alt+Tab brings yet another window to the front.
+    if (hasTarget_ && !services_.isTargetInFront()) {
+        if (checksInVain_++ % kChecksBetweenRequests == 0) {
+            services_.bringTargetToFront();
+        }
+        return false;
+    }
+    paste(wanted);
+    return true;
+}
+
+void X11KeyEventPoster::pasteAllTheSame() {
+    services_.log.printLine(presser_->isSpoiled(chord())
+                                ? "[TovikVoice] Pasting although a modifier key is still held"
+                                : "[TovikVoice] Pasting although the target app did not come to the front");
+    paste(chordForHeldKeys());
 }
 
 void X11KeyEventPoster::paste(const PasteChord& chord) {
@@ -90,6 +106,9 @@ PasteChord X11KeyEventPoster::chord() {
 // not arrive before the key is up, and by then the next text may have taken its place on the clipboard. The
 // keys held are not released on the user's behalf: that has left keys stuck in other programs.
 PasteChord X11KeyEventPoster::chordForHeldKeys() {
+    if (const auto usual = chord(); !presser_->isSpoiled(usual)) {
+        return usual;
+    }
     const auto besideControl =
         chords_->chordBesideControl(windows_->applicationIds(windows_->activeWindow()));
     return presser_->isSpoiled(besideControl) ? chord() : besideControl;

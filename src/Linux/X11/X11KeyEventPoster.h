@@ -6,6 +6,7 @@
 #include "Platform/KeyEventPoster.h"
 #include "Platform/MainQueue.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -20,10 +21,10 @@ class X11KeyPresser;
 class X11Windows;
 
 /// Pastes on behalf of the user: Command+V is all that it can press, and it presses whatever chord pastes
-/// into the window that has the keyboard. The whole chord is sent at the key-down event. While the user
-/// holds a modifier that would spoil the chord, it waits, up to 2 s, without holding up the main thread. Then
-/// it presses what pastes with Control held, where that is what is held, and the chord all the same
-/// otherwise.
+/// into the window that has the keyboard. The whole chord is sent at the key-down event. While another window
+/// than that of the dictation is in front, or the user holds a modifier that would spoil the chord, it waits,
+/// up to 2 s, without holding up the main thread. Then it presses what pastes with Control held, where that
+/// is what is held, and the chord all the same otherwise.
 class X11KeyEventPoster : public KeyEventPoster {
 public:
     struct Services {
@@ -32,6 +33,10 @@ public:
         SystemLog& log;
         /// Told of every key before it is pressed.
         PostedKeys& posted;
+        /// Whether the window that was last brought to the front for a paste is there; without it, none was.
+        std::function<bool()> isTargetInFront = nullptr;
+        /// Brings it there once more.
+        std::function<void()> bringTargetToFront = nullptr;
     };
 
     /// All services outlive the poster. An empty display name means the session's display.
@@ -44,6 +49,8 @@ public:
 
 private:
     void pasteWhenPossible();
+    [[nodiscard]] bool pasteIfPossible();
+    void pasteAllTheSame();
     void paste(const PasteChord& chord);
     [[nodiscard]] PasteChord chord();
     [[nodiscard]] PasteChord chordForHeldKeys();
@@ -55,6 +62,8 @@ private:
     std::unique_ptr<X11KeyPresser> presser_;
     /// Chords that wait for the user to let go of modifiers.
     int waiting_ = 0;
+    bool hasTarget_ = false;
+    int checksInVain_ = 0;
     Subscription check_;
     Subscription deadline_;
 };

@@ -108,6 +108,7 @@ Subscription X11Workspace::onActiveSpaceChanged(std::function<void()> handler) {
 }
 
 void X11Workspace::hideSelf() {
+    activated_.reset();
     if (services_.hideOwnWindows) {
         services_.hideOwnWindows();
     }
@@ -118,10 +119,12 @@ void X11Workspace::deactivateSelf() {
 }
 
 bool X11Workspace::activate(const RunningApplication& application, unsigned) {
+    activated_.reset();
     const auto window = windowToActivate(application);
     if (window == None) {
         return false;
     }
+    activated_ = application;
     if (windows_->managerSupports("_NET_ACTIVE_WINDOW")) {
         askWindowManager(window);
     } else {
@@ -129,6 +132,21 @@ bool X11Workspace::activate(const RunningApplication& application, unsigned) {
     }
     queries_->sync();
     return true;
+}
+
+bool X11Workspace::isActivatedInFront() const {
+    if (!activated_ || windowToActivate(*activated_) == None) {
+        return true;
+    }
+    const auto front = windows_->activeWindow();
+    return front == windowToActivate(*activated_) ||
+           (front != None && windows_->processIdentifier(front) == activated_->processIdentifier);
+}
+
+void X11Workspace::activateAgain() {
+    if (const auto again = activated_) {
+        activate(*again, 0);
+    }
 }
 
 bool X11Workspace::openUrl(const std::string& address) {

@@ -47,6 +47,11 @@ public:
     void deactivateSelf() override;
     bool activate(const RunningApplication& application, unsigned options) override;
 
+    /// Whether the application that was last activated is in front, or can no longer be. A window of its that
+    /// came up over the activated one counts.
+    [[nodiscard]] bool isActivatedInFront() const;
+    void activateAgain();
+
     bool openUrl(const std::string& address) override;
     bool openFile(const std::string& path) override;
 
@@ -72,6 +77,7 @@ private:
     unsigned long clockWindow_ = 0;
     /// The last that was told of. Numbers of windows are used again, so the window alone does not tell.
     std::optional<RunningApplication> front_;
+    std::optional<RunningApplication> activated_;
     unsigned long focusWatched_ = 0;
     std::shared_ptr<Observers> observers_;
 };

@@ -81,6 +81,24 @@ class Dictation(ProgramTest):
         self.assertEqual(first_words(text), SPOKEN_WORDS)
         self.assertEqual(self.desktop.active_window(), first.window)
 
+    def test_whenTheUserSwitchesWindowsRightAfterwards_goesToTheWindowInWhichItBegan(self) -> None:
+        other = self.stage.spawn("other", ["mousepad", "--disable-server", self.stage.path("home", "other.txt")])
+        wait_until(lambda: self.desktop.window_of(other.pid), "another window")
+        first = self.open_editor()
+        start = len(self.program.output())
+        self.desktop.press(TALK_KEY)
+        self.stage.microphone.speak(SPEECH).wait()
+        self.desktop.release(TALK_KEY)
+        self.program.wait_for_line("[TovikVoice] Activated target app", 20, start)
+        # The window manager brings the chosen window to the front when Alt goes up, after the target was activated.
+        self.desktop.press("Alt_L")
+        self.desktop.tap("Tab")
+        self.program.wait_for_line("[TovikVoice] Posted paste events", 20, start)
+        self.desktop.release("Alt_L")
+        _, text = first.wait_for_text_after("", 20)
+        self.assertEqual(first_words(text), SPOKEN_WORDS)
+        self.assertEqual(self.desktop.active_window(), first.window)
+
     def test_whenDone_leavesNoKeyPressed(self) -> None:
         editor = self.open_editor()
         self.dictate(self.program, editor)

@@ -151,7 +151,7 @@ TEST_P(PulseAudioDevicesOn, hardwareListsInputsAndOutputs_eachWithANumberOfItsOw
     EXPECT_EQ(rig->devices.deviceName(4000000001U), std::nullopt);
 }
 
-TEST_P(PulseAudioDevicesOn, whenTheServerIsAway_hardwareGivesItsNumber_andAllDevicesAreToldGone) {
+TEST_P(PulseAudioDevicesOn, whenTheServerIsAway_hardwareListsNothing_andAllDevicesAreToldGone) {
     server.plugIn("desk", "Desk Mike");
     connect();
     ASSERT_TRUE(told({"+Desk Mike"}));
@@ -159,8 +159,8 @@ TEST_P(PulseAudioDevicesOn, whenTheServerIsAway_hardwareGivesItsNumber_andAllDev
     EXPECT_TRUE(told({"+Desk Mike", "-Desk Mike"}));
     EXPECT_TRUE(rig->devices.devices().empty());
     const auto ids = rig->devices.deviceIds();
-    ASSERT_FALSE(ids.ok());
-    EXPECT_NE(ids.error().code, 0);
+    ASSERT_TRUE(ids.ok());
+    EXPECT_TRUE(ids.value().empty());
     const PulseAudioMicrophoneAccess access(rig->connection, rig->devices.directory());
     EXPECT_EQ(access.status(), 4);
     EXPECT_FALSE(access.explanation().empty());

@@ -47,7 +47,8 @@ protected:
 
     std::unique_ptr<X11KeyEventPoster> makePoster() {
         return std::make_unique<X11KeyEventPoster>(
-            X11KeyEventPoster::Services{time_, defaults_, log_, posted_});
+            X11KeyEventPoster::Services{time_, defaults_, log_, posted_, [this] { return targetInFront_; },
+                                        [this] { ++broughtToFront_; }});
     }
 
     void post() {
@@ -78,6 +79,8 @@ protected:
     MemoryUserDefaults defaults_;
     RecordingLog log_;
     PostedKeys posted_;
+    bool targetInFront_ = true;
+    int broughtToFront_ = 0;
     XUser user_;
     WindowProgram program_{"Editor", "text-editor"};
     std::unique_ptr<X11KeyEventPoster> poster_;
@@ -150,6 +153,53 @@ TEST_F(X11KeyEventPosterTest, whenControlIsNeverReleased_pastesAfterTwoSecondsWi
     EXPECT_TRUE(user_.heldKeys()[user_.keyCode("Control_R")]) << "what the user holds stays held";
     time_.advance(Seconds(10));
     EXPECT_THAT(pressed(), IsEmpty());
+}
+
+TEST_F(X11KeyEventPosterTest, whenAnotherWindowIsInFront_bringsTheTargetThereAndWaitsForIt) {
+    targetInFront_ = false;
+    post();
+    EXPECT_EQ(broughtToFront_, 1);
+    time_.advance(Seconds(0.1));
+    EXPECT_THAT(pressed(), IsEmpty());
+    targetInFront_ = true;
+    time_.advance(Seconds(0.02));
+    EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
+    EXPECT_EQ(broughtToFront_, 1);
+    EXPECT_THAT(log_.printed(), IsEmpty());
+}
+
+TEST_F(X11KeyEventPosterTest, whenTheTargetNeverComesToTheFront_pastesAfterTwoSecondsAllTheSame) {
+    targetInFront_ = false;
+    post();
+    time_.advance(Seconds(1.99));
+    EXPECT_THAT(pressed(), IsEmpty());
+    time_.advance(Seconds(0.01));
+    EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
+    EXPECT_THAT(log_.printed(),
+                ElementsAre("[TovikVoice] Pasting although the target app did not come to the front"));
+}
+
+TEST_F(X11KeyEventPosterTest, whenAModifierIsLetGoAndThatBringsAnotherWindow_waitsForTheTarget) {
+    user_.press("Alt_L");
+    (void)pressed();
+    post();
+    EXPECT_EQ(broughtToFront_, 0) << "nobody takes the window away from somebody who is choosing one";
+    targetInFront_ = false;
+    user_.release("Alt_L");
+    time_.advance(Seconds(0.02));
+    EXPECT_THAT(pressed(), IsEmpty());
+    EXPECT_EQ(broughtToFront_, 1);
+    targetInFront_ = true;
+    time_.advance(Seconds(0.02));
+    EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
+}
+
+TEST_F(X11KeyEventPosterTest, whenWhateverIsInFrontIsMeant_noTargetIsWaitedFor) {
+    targetInFront_ = false;
+    poster_->post({EventSourceState::combinedSession, kVKeyCode, true, kCommandFlag},
+                  EventTap::annotatedSession);
+    EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
+    EXPECT_EQ(broughtToFront_, 0);
 }
 
 TEST_F(X11KeyEventPosterTest, whenTwoPastesWait_bothFollow) {

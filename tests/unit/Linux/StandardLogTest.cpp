@@ -7,11 +7,13 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <filesystem>
 #include <sstream>
 #include <thread>
@@ -103,6 +105,30 @@ TEST_F(StandardLogTest, whenTheReaderOfStandardOutputIsGone_theProgramGoesOn) {
     output.reader.reset();
     log.printLine("nobody reads this");
     log.printLine("nor this");
+    sigset_t pending;
+    sigpending(&pending);
+    EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
+    log.logLine("but this");
+    EXPECT_EQ(errors.content(), "but this\n");
+}
+
+TEST_F(StandardLogTest,
+       whenTheReaderOfStandardOutputStopsReading_theProgramGoesOnAndLaterTellsWhatIsMissing) {
+    StandardLog log(output.writer.get(), errors.writer.get(), socketPath);
+    const std::string line(1000, 'x');
+    const auto begun = std::chrono::steady_clock::now();
+    // Many times what a pipe holds.
+    constexpr int lines = 1000;
+    for (int n = 0; n < lines; ++n) {
+        log.printLine(line);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(5));
+    const auto taken = output.content();
+    log.printLine("again");
+    const auto later = output.content();
+    EXPECT_GT(taken.size(), line.size());
+    EXPECT_LT(taken.size(), line.size() * lines / 2);
+    EXPECT_THAT(later, testing::MatchesRegex("\n?\\[TovikVoice\\] [0-9]+ lines are missing here\nagain\n"));
 }
 
 TEST_F(StandardLogTest, whenALogServiceListens_theLineReachesItAsAUserNoticeOfThisProgram) {

@@ -244,6 +244,23 @@ TEST_F(ModelEngineTest, whenTheDecoderHangs_givesItUpAndTheNextUtteranceIsRecogn
                 Contains("[TovikVoice] Speech recognition does not answer: it is started anew"));
 }
 
+TEST_F(ModelEngineTest, whenTheModelNeverLoads_itIsLoadedAnewAndWhatWasSaidIsRecognised) {
+    limits_.loading = Seconds(600);
+    script_->loading.close();
+    makeEngine();
+    const auto waiting = say(100);
+    script_->loading.waitForSomebody();
+    // Long for a decoder, not for a model on a slow disk.
+    *time_ = std::chrono::minutes(9);
+    EXPECT_FALSE(engine_->waitUntilReady(Seconds(0.1)));
+    EXPECT_EQ(script_->decoders(), 1);
+    *time_ = std::chrono::minutes(11);
+    script_->waitForDecoders(2);
+    script_->loading.open();
+    EXPECT_EQ(waiting.waitForText(), "100 samples");
+    EXPECT_EQ(waiting.all().size(), 1U);
+}
+
 TEST_F(ModelEngineTest, whenEndedWhileSomebodySpeaks_answersWithAnErrorOnce) {
     makeEngine();
     const auto request = makeRequest();

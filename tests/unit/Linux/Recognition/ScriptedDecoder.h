@@ -84,6 +84,12 @@ public:
     void decoderMade() {
         const std::lock_guard lock(mutex_);
         ++decoders_;
+        made_.notify_all();
+    }
+    /// Returns when so many decoders have been asked for.
+    void waitForDecoders(int count) {
+        std::unique_lock lock(mutex_);
+        made_.wait(lock, [&] { return decoders_ >= count; });
     }
     [[nodiscard]] int decoders() {
         const std::lock_guard lock(mutex_);
@@ -96,6 +102,7 @@ private:
     std::vector<std::vector<std::string>> contextualStrings_;
     std::vector<std::vector<std::string>> learned_;
     bool failsToLearn_ = false;
+    std::condition_variable made_;
     int decoders_ = 0;
 };
 
