@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/PocketSphinx/ModelFiles.h"
 
+#include "Linux/PocketSphinx/LanguageModelFile.h"
 #include "Linux/PocketSphinx/ModelDefinition.h"
 #include "Linux/Recognition/RecognitionError.h"
 
@@ -81,7 +82,10 @@ Result<void> ModelFiles::checkContent() const {
         return result;
     }
     const auto definition = acousticModel / "mdef";
-    return isWholeModelDefinition(definition) ? Result<void>() : broken(definition, "is damaged");
+    if (!isWholeModelDefinition(definition)) {
+        return broken(definition, "is damaged");
+    }
+    return isWholeLanguageModel(languageModel) ? Result<void>() : broken(languageModel, "is damaged");
 }
 
 } // namespace tovik
