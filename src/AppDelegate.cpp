@@ -71,6 +71,7 @@ struct AppDelegate::Parts {
     std::unique_ptr<TranscriptDelivery> delivery;
     std::unique_ptr<LanguageMenu> languages;
     std::unique_ptr<TranscriptHistoryMenu> historyMenu;
+    Subscription defaultsChanges;
 };
 
 AppDelegate::AppDelegate(const Platform& platform)
@@ -159,6 +160,8 @@ void AppDelegate::createSession() {
 void AppDelegate::createMenuAndWindow() {
     parts_->languages = std::make_unique<LanguageMenu>(platform_.defaults, platform_.log, parts_->window,
                                                        [this] { parts_->pushToTalk->restartRecording(); });
+    parts_->defaultsChanges =
+        platform_.defaultsChanges.observe(lifetime_.guard([this] { parts_->languages->showStoredChoice(); }));
     parts_->historyMenu = std::make_unique<TranscriptHistoryMenu>(parts_->history, *parts_->delivery);
     const auto menu = makeStatusMenu({
         .inputDevices = parts_->inputDevices->menu(),
@@ -175,6 +178,7 @@ void AppDelegate::createMenuAndWindow() {
         .history = parts_->historyBrowser,
         .reloadTranscriptHistoryMenu = [this] { parts_->historyMenu->reloadTranscriptHistoryMenu(); },
         .defaults = platform_.defaults,
+        .defaultsChanges = platform_.defaultsChanges,
         .dictionary = parts_->dictionary,
         .fillerWords = parts_->chain.fillerWords(),
         .translator = parts_->translation,

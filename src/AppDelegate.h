@@ -21,6 +21,7 @@
 #include "Platform/SystemLog.h"
 #include "Platform/TranslationService.h"
 #include "Platform/UserDefaults.h"
+#include "Platform/UserDefaultsChanges.h"
 #include "Platform/UserInterface.h"
 #include "Platform/Workspace.h"
 
@@ -37,6 +38,7 @@ struct Platform {
     MainQueue& mainQueue;
     SystemLog& log;
     UserDefaults& defaults;
+    UserDefaultsChanges& defaultsChanges;
     Files& files;
     Workspace& workspace;
     KeyMonitor& keyMonitor;

@@ -51,6 +51,7 @@ bool isSelf(const std::optional<RunningApplication>& application) {
 
 LinuxPlatform::LinuxPlatform()
     : defaults_(folders_.defaultsFile(), log_),
+      defaultsChanges_(folders_.defaultsFile(), log_),
       workspace_({.queue = queue_,
                   .ownBundleIdentifier = kBundleIdentifier,
                   .ownLocalizedName = "Tovik Record",
@@ -147,6 +148,7 @@ Platform LinuxPlatform::describe(UserInterface& userInterface, std::function<voi
         .mainQueue = queue_,
         .log = *usedLog_,
         .defaults = defaults_,
+        .defaultsChanges = defaultsChanges_,
         .files = files_,
         .workspace = settingsWorkspace_,
         .keyMonitor = *usedKeyMonitor_,

@@ -15,6 +15,7 @@
 #include "Linux/Qt/QtMainQueue.h"
 #include "Linux/Qt/QtPasteboard.h"
 #include "Linux/Qt/QtScreens.h"
+#include "Linux/Qt/QtUserDefaultsChanges.h"
 #include "Linux/Secrets/LibsecretStore.h"
 #include "Linux/SpeechEngines.h"
 #include "Linux/Storage/JsonUserDefaults.h"
@@ -67,6 +68,7 @@ private:
     QtMainQueue queue_;
     LocalFiles files_;
     JsonUserDefaults defaults_;
+    QtUserDefaultsChanges defaultsChanges_;
     PosixProcessLauncher launcher_;
     QtScreens screens_;
     QtAlert alert_;

@@ -20,6 +20,7 @@ class TranscriptHistoryBrowser;
 class TextTranslator;
 class TranscriptionDictionary;
 class UserDefaults;
+class UserDefaultsChanges;
 
 /// What the main window shows and leads to. All of it outlives the window.
 struct MainWindowContents {
@@ -29,6 +30,7 @@ struct MainWindowContents {
     /// The status menu shows the newest transcripts too.
     std::function<void()> reloadTranscriptHistoryMenu;
     UserDefaults& defaults;
+    UserDefaultsChanges& defaultsChanges;
     TranscriptionDictionary& dictionary;
     FillerWords& fillerWords;
     const TextTranslator& translator;

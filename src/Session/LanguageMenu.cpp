@@ -37,14 +37,24 @@ void LanguageMenu::languageMenuSelected(std::optional<std::string> localeIdentif
     } else {
         defaults_.remove(kSelectedDictationLocaleKey);
     }
-    auto items = menu_->items();
-    for (auto& item : items) {
-        item.isChecked = !item.isSeparator && item.representedText == localeIdentifier.value_or("");
-    }
-    menu_->setItems(std::move(items));
+    showStoredChoice();
     restartRecording_();
     log_.printLine("[TovikVoice] Dictation language changed to: " + localeIdentifier.value_or("Auto-detect"));
     mainWindow_.showSavedToast("Dictation language saved");
+}
+
+void LanguageMenu::showStoredChoice() {
+    const auto chosen = defaults_.string(kSelectedDictationLocaleKey).value_or("");
+    auto items = menu_->items();
+    bool changed = false;
+    for (auto& item : items) {
+        const bool isChecked = !item.isSeparator && item.representedText == chosen;
+        changed = changed || isChecked != item.isChecked;
+        item.isChecked = isChecked;
+    }
+    if (changed) {
+        menu_->setItems(std::move(items));
+    }
 }
 
 } // namespace tovik

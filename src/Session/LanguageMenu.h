@@ -27,6 +27,9 @@ public:
     /// item that holds the identifier is replaced meanwhile.
     void languageMenuSelected(std::optional<std::string> localeIdentifier);
 
+    /// Checks the language that is stored now.
+    void showStoredChoice();
+
 private:
     [[nodiscard]] MenuItem makeItem(const std::string& title,
                                     const std::optional<std::string>& localeIdentifier,

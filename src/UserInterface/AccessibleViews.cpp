@@ -4,6 +4,7 @@
 
 #include "UserInterface/BorderlessButton.h"
 #include "UserInterface/HeaderView.h"
+#include "UserInterface/LanguagePopUp.h"
 #include "UserInterface/SymbolView.h"
 #include "UserInterface/TranscriptHistoryCell.h"
 #include "UserInterface/TranscriptHistoryTable.h"
@@ -120,9 +121,48 @@ private:
     TranscriptHistoryCell& cell_;
 };
 
+/// A pop-up button by its own name. Qt would call it by the language that is selected; that is its help.
+class AccessiblePopUp : public QAccessibleWidget {
+public:
+    explicit AccessiblePopUp(LanguagePopUp& popUp)
+        : QAccessibleWidget(&popUp, QAccessible::ComboBox),
+          popUp_(popUp) {}
+
+    [[nodiscard]] QString text(QAccessible::Text kind) const override {
+        if (kind == QAccessible::Value || kind == QAccessible::Description) {
+            return popUp_.shownLanguage();
+        }
+        return QAccessibleWidget::text(kind);
+    }
+
+    [[nodiscard]] QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.hasPopup = true;
+        return state;
+    }
+
+    [[nodiscard]] QStringList actionNames() const override {
+        return popUp_.isEnabled() ? QStringList{showMenuAction(), setFocusAction()} : QStringList{};
+    }
+
+    void doAction(const QString& action) override {
+        if (action == showMenuAction()) {
+            popUp_.showPopup();
+        } else {
+            QAccessibleWidget::doAction(action);
+        }
+    }
+
+private:
+    LanguagePopUp& popUp_;
+};
+
 QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
     if (auto* button = qobject_cast<BorderlessButton*>(object)) {
         return new AccessibleButton(*button);
+    }
+    if (auto* popUp = qobject_cast<LanguagePopUp*>(object)) {
+        return new AccessiblePopUp(*popUp);
     }
     if (auto* table = qobject_cast<TranscriptHistoryTable*>(object)) {
         return new AccessibleHistoryTable(*table);

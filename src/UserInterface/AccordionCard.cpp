@@ -3,12 +3,12 @@
 #include "UserInterface/AccordionCard.h"
 
 #include "UserInterface/BorderlessButton.h"
+#include "UserInterface/FadeEffect.h"
 #include "UserInterface/HoverFillButton.h"
 #include "UserInterface/SymbolImage.h"
 #include "UserInterface/SymbolView.h"
 #include "UserInterface/Theme.h"
 
-#include <QGraphicsOpacityEffect>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -32,8 +32,7 @@ QColor label(double alpha) {
 
 AccordionCard::AccordionCard(const SectionHeader& header, QWidget* content, QWidget* parent)
     : QWidget(parent),
-      content_(content),
-      contentEffect_(new QGraphicsOpacityEffect(this)) {
+      content_(content) {
     setPalette(theme::cardPalette(QGuiApplication::palette()));
     setObjectName(QString::fromStdString(header.title));
 
@@ -49,6 +48,7 @@ AccordionCard::AccordionCard(const SectionHeader& header, QWidget* content, QWid
     layout->addWidget(contentPlace_);
     layout->addStretch();
 
+    contentEffect_ = new FadeEffect(*contentPlace_);
     contentPlace_->setGraphicsEffect(contentEffect_);
     setContentHidden(true);
     setContentAlpha(0);

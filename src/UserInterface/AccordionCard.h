@@ -6,11 +6,10 @@
 
 #include <QWidget>
 
-class QGraphicsOpacityEffect;
-
 namespace tovik {
 
 class BorderlessButton;
+class FadeEffect;
 
 /// A card with a header and, when expanded, content beneath it. Collapsed at first. It only shows the state
 /// that it is given; its shadow is painted by what it lies on.
@@ -53,7 +52,7 @@ private:
 
     QWidget* content_;
     QWidget* contentPlace_ = nullptr;
-    QGraphicsOpacityEffect* contentEffect_;
+    FadeEffect* contentEffect_ = nullptr;
     BorderlessButton* titleButton_ = nullptr;
     BorderlessButton* chevron_ = nullptr;
     double contentAlpha_ = 1;

@@ -34,6 +34,10 @@ void LanguagePopUp::select(const std::string& identifier) {
     update();
 }
 
+QString LanguagePopUp::shownLanguage() const {
+    return currentIndex() < 0 ? placeholderText() : currentText();
+}
+
 std::optional<std::string> LanguagePopUp::selectedIdentifier() const {
     const QVariant identifier = currentData();
     if (identifier.typeId() != QMetaType::QString) {
@@ -56,12 +60,11 @@ void LanguagePopUp::paintEvent(QPaintEvent* /*event*/) {
                    QRectF(QStyle::visualRect(layoutDirection(), rect(), symbolPlace)), ink);
 
     const QRect textPlace(theme::kShellSide, 0, symbolPlace.left() - 2 * theme::kShellSide + 2, height());
-    const QString shown = currentIndex() < 0 ? placeholderText() : currentText();
     painter.setFont(font());
     painter.setPen(ink);
     painter.drawText(QStyle::visualRect(layoutDirection(), rect(), textPlace),
                      static_cast<int>(Qt::AlignVCenter | Qt::AlignLeading),
-                     fontMetrics().elidedText(shown, Qt::ElideRight, textPlace.width()));
+                     fontMetrics().elidedText(shownLanguage(), Qt::ElideRight, textPlace.width()));
 }
 
 void LanguagePopUp::wheelEvent(QWheelEvent* event) {

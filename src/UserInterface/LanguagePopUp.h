@@ -19,6 +19,9 @@ public:
     /// Nothing is selected for an identifier that is not among the languages; it is shown all the same.
     void select(const std::string& identifier);
 
+    /// The name of the selected language, or the identifier that is none of them.
+    [[nodiscard]] QString shownLanguage() const;
+
     /// The selected language; nothing when none is.
     [[nodiscard]] std::optional<std::string> selectedIdentifier() const;
 

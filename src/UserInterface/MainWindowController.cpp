@@ -4,6 +4,7 @@
 
 #include "Permissions/PermissionChecklist.h"
 #include "Permissions/PermissionRequests.h"
+#include "Platform/UserDefaultsChanges.h"
 #include "UserInterface/AccessibleViews.h"
 #include "UserInterface/AccordionCard.h"
 #include "UserInterface/CleanupSection.h"
@@ -55,6 +56,10 @@ MainWindowController::MainWindowController(const Collaborators& collaborators,
 
     buildSections(contents);
     connectHeaderAndFooter(contents);
+    settingsChanges_ = contents.defaultsChanges.observe([this] {
+        cleanup_->refresh();
+        translation_->refresh();
+    });
     forceMainWindowFrame();
     if (contents.permissions.hasPendingPermissions()) {
         accordion_->setAccordion(QString::fromLatin1(kPermissionsSection), true, false);

@@ -7,6 +7,7 @@
 #include "Platform/MainQueue.h"
 #include "Platform/MainWindow.h"
 #include "Platform/Screens.h"
+#include "Platform/Subscription.h"
 #include "Platform/UserInterface.h"
 #include "Platform/Workspace.h"
 #include "UserInterface/Accordion.h"
@@ -80,6 +81,7 @@ private:
     CleanupSection* cleanup_ = nullptr;
     TranslationSection* translation_ = nullptr;
     std::unique_ptr<Accordion> accordion_;
+    Subscription settingsChanges_;
     Lifetime lifetime_;
 };
 

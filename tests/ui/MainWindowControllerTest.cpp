@@ -5,6 +5,9 @@
 #include "UserInterface/Accordion.h"
 #include "UserInterface/AccordionCard.h"
 #include "UserInterface/BorderlessButton.h"
+#include "UserInterface/CleanupSection.h"
+#include "UserInterface/CorrectionsSection.h"
+#include "UserInterface/FieldShell.h"
 #include "UserInterface/FlippedDocumentView.h"
 #include "UserInterface/FooterView.h"
 #include "UserInterface/HeaderView.h"
@@ -15,9 +18,11 @@
 #include "UserInterface/StickyHeaderFadeView.h"
 #include "UserInterface/ToastView.h"
 #include "UserInterface/TovikTinyWaveformView.h"
+#include "UserInterface/TranslationSection.h"
 #include "WindowStage.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QLabel>
 #include <QTest>
 
@@ -298,6 +303,82 @@ TEST_F(MainWindowControllerTest, everyButtonHasANameAndHelp) {
         EXPECT_FALSE(button->accessibleName().isEmpty()) << button->text().toStdString();
         EXPECT_FALSE(button->accessibleDescription().isEmpty()) << button->accessibleName().toStdString();
     }
+}
+
+TEST_F(MainWindowControllerTest, aSettingThatIsChanged_isSaidInAToast) {
+    build();
+    controller().accordion().setAccordion(QStringLiteral("Cleanup"), true, false);
+    controller().cleanup().cleanupToggleButton().click();
+    EXPECT_EQ(view().toast().findChild<QLabel*>()->text(), QStringLiteral("Cleanup on"));
+    controller().translation().translationToggleButton().click();
+    EXPECT_EQ(view().toast().findChild<QLabel*>()->text(), QStringLiteral("Translation on"));
+    controller().corrections().addButton().click();
+    EXPECT_EQ(view().toast().findChild<QLabel*>()->text(), QStringLiteral("Correction added"));
+}
+
+TEST_F(MainWindowControllerTest, whenClosedDuringAnEdit_theEditIsStored) {
+    build();
+    controller().accordion().setAccordion(QStringLiteral("Corrections"), true, false);
+    window().activateWindow();
+    controller().corrections().addButton().click();
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("typed and left"));
+    window().close();
+    EXPECT_EQ(stage.dictionary.getDictionary().at("typed and left"), "Replacement");
+}
+
+TEST_F(MainWindowControllerTest, whenTheProgramEndsDuringAnEdit_theEditIsStored) {
+    build();
+    controller().accordion().setAccordion(QStringLiteral("Corrections"), true, false);
+    window().activateWindow();
+    controller().corrections().addButton().click();
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("typed and left"));
+    stage.controller.reset();
+    EXPECT_EQ(stage.dictionary.getDictionary().at("typed and left"), "Replacement");
+}
+
+TEST_F(MainWindowControllerTest, whenASectionIsClosedDuringAnEdit_theEditIsStored) {
+    build();
+    controller().accordion().setAccordion(QStringLiteral("Cleanup"), true, false);
+    window().activateWindow();
+    FieldShell& field = controller().cleanup().fillerWordsField();
+    field.setFocus();
+    field.selectAll();
+    QTest::keyClicks(&field, QStringLiteral("well, like"));
+    controller().accordion().setAccordion(QStringLiteral("Cleanup"), false, false);
+    EXPECT_EQ(stage.defaults.string("TovikVoiceFillerWords"), "well, like");
+}
+
+TEST_F(MainWindowControllerTest, whenAnotherProcessChangesSettings_theSectionsShowThem) {
+    build();
+    EXPECT_FALSE(controller().cleanup().cleanupToggleButton().isChecked());
+    stage.defaults.set("TovikVoiceRemoveFillerWords", true);
+    stage.defaults.set("TovikVoiceFillerWords", "like");
+    stage.defaults.set("TranslationEnabled", true);
+    stage.defaultsChanges.announce();
+    EXPECT_TRUE(controller().cleanup().cleanupToggleButton().isChecked());
+    EXPECT_EQ(controller().cleanup().fillerWordsField().text(), QStringLiteral("like"));
+    EXPECT_TRUE(controller().translation().translationToggleButton().isChecked());
+}
+
+TEST_F(MainWindowControllerTest, whenItIsGone_nobodyAsksForSettings) {
+    build();
+    EXPECT_EQ(stage.defaultsChanges.observers(), 1U);
+    stage.controller.reset();
+    EXPECT_EQ(stage.defaultsChanges.observers(), 0U);
+}
+
+TEST_F(MainWindowControllerTest, aLongListOfCorrections_scrollsInsteadOfBeingSqueezed) {
+    TranscriptionDictionary::Mapping mapping;
+    for (int number = 0; number < 100; ++number) {
+        mapping.emplace("heard " + std::to_string(number), "Meant " + std::to_string(number));
+    }
+    stage.dictionary.setDictionary(mapping);
+    build();
+    controller().accordion().setAccordion(QStringLiteral("Corrections"), true, false);
+    QCoreApplication::processEvents();
+    EXPECT_GT(card("Corrections").height(), 3500);
+    view().setScrollOffset(1000);
+    EXPECT_EQ(view().scrollOffset(), 1000);
 }
 
 TEST_F(MainWindowControllerTest, inAnyWidth_theColumnStaysInTheMiddle) {

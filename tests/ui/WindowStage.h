@@ -17,6 +17,7 @@
 #include "support/FakeProcessLauncher.h"
 #include "support/FakeScreens.h"
 #include "support/FakeTextTranslator.h"
+#include "support/FakeUserDefaultsChanges.h"
 #include "support/FakeWorkspace.h"
 #include "support/ManualTime.h"
 #include "support/MemoryUserDefaults.h"
@@ -51,6 +52,7 @@ struct WindowStage {
     FakeAlert alert;
     RecordingLog log;
     MemoryUserDefaults defaults;
+    FakeUserDefaultsChanges defaultsChanges;
     FakePasteboard pasteboard;
     TranscriptionDictionary dictionary{defaults, log};
     FillerWords fillerWords{defaults, log};
@@ -92,6 +94,7 @@ struct WindowStage {
                                        }
                                    },
                                .defaults = defaults,
+                               .defaultsChanges = defaultsChanges,
                                .dictionary = dictionary,
                                .fillerWords = fillerWords,
                                .translator = translator,

@@ -69,7 +69,7 @@ class AccessibilityTest(ProgramTest):
         """What has something to say, without the frames around it. A label that is cut short repeats itself as its
         help; whether it is depends on the font."""
         return [(role, name, help_text if role == BUTTON else "")
-                for depth, role, name, help_text, _ in tree if name and depth > 0]
+                for depth, role, name, help_text, *_ in tree if name and depth > 0]
 
     def test_everything_granted__header_sections_and_footer_are_told_in_visual_order(self) -> None:
         self.set_stage()
@@ -77,7 +77,7 @@ class AccessibilityTest(ProgramTest):
         sections = [part for title in ("Corrections", "Cleanup", "Translation", "Transcript History", "Permissions")
                     for part in section(title)]
         self.assertEqual(self.named(tree), HEADER + sections + FOOTER)
-        for _, role, name, help_text, focusable in tree:
+        for _, role, name, help_text, focusable, _ in tree:
             if role == BUTTON:
                 self.assertTrue(focusable, name)
                 self.assertTrue(help_text, name)
@@ -97,11 +97,77 @@ class AccessibilityTest(ProgramTest):
         self.assertEqual(named[len(HEADER):len(HEADER) + len(permissions)], permissions)
 
     def keep_history(self, *texts: str) -> None:
+        self.keep({"transcription.history": [{"text": text, "createdAt": 1740837909 - 60 * age}
+                                             for age, text in enumerate(texts)]})
+
+    def keep(self, settings: dict) -> None:
+        """What another program does that changes settings: a new file takes the place of the old one."""
         folder = os.path.join(self.stage.environment["XDG_CONFIG_HOME"], "tovik-record")
-        os.makedirs(folder, mode=0o700)
-        with open(os.path.join(folder, "defaults.json"), "w") as file:
-            json.dump({"transcription.history": [{"text": text, "createdAt": 1740837909 - 60 * age}
-                                                 for age, text in enumerate(texts)]}, file)
+        os.makedirs(folder, mode=0o700, exist_ok=True)
+        file = os.path.join(folder, "defaults.json")
+        kept = {}
+        if os.path.exists(file):
+            with open(file) as stream:
+                kept = json.load(stream)
+        with open(file + ".edited", "w") as stream:
+            json.dump(kept | settings, stream)
+        os.rename(file + ".edited", file)
+
+    def section_of(self, tree: list[list], title: str, following: str) -> list[list]:
+        """The named things between the headers of two sections, as [role, name, help, focusable, value]."""
+        names = [part[2] for part in tree]
+        begin = len(names) - names[::-1].index(f"{title} section")
+        end = names.index(f"{following} section")
+        return [part[1:] for part in tree[begin:end] if part[2]]
+
+    def test_the_corrections__are_told_group_by_group_in_visual_order(self) -> None:
+        self.set_stage()
+        self.keep({"transcription.customDictionary": {"toe vic": "Tovik", "bot to bot": "Tovik",
+                                                      "brindle pad": "Brindlepad"}})
+        tree = self.tree("Corrections section", "Add correction")
+
+        def heard(phrase: str) -> list[list]:
+            return [["text", "Incorrect phrase", "Phrase Tovik Record should replace", True, phrase],
+                    [BUTTON, "Delete variation", "Delete this incorrect phrase", True, ""]]
+
+        def rest(replacement: str) -> list[list]:
+            return [[BUTTON, "Add variation", f"Add another incorrect phrase for {replacement}", True, ""],
+                    ["text", "Correct phrase", "Replacement text for this correction", True, replacement],
+                    [BUTTON, "Delete correction", "Delete this correction rule", True, ""]]
+
+        self.assertEqual(self.section_of(tree, "Corrections", "Cleanup"), [
+            ["label", "Incorrect", "", False, ""], ["label", "Correct", "", False, ""],
+            *heard("brindle pad"), *rest("Brindlepad"),
+            *heard("bot to bot"), *heard("toe vic"), *rest("Tovik"),
+            [BUTTON, "Add correction", "Add a new correction rule", True, ""]])
+
+        tree = self.look("Add correction", "Corrections section")
+        told = self.section_of(tree, "Corrections", "Cleanup")
+        self.assertIn(heard("new phrase")[0], told)
+        self.assertIn(rest("Replacement")[1], told)
+
+    def test_settings_that_another_program_changes__are_told_anew(self) -> None:
+        self.set_stage()
+        box = ["check box", "Remove filler words", "Remove configured filler words after dictation", True]
+        field = ["text", "Filler words", "Comma-separated filler words to remove after dictation", True]
+        note = ["label", "Comma-separated. Clear to restore defaults.", "", False, ""]
+        tree = self.tree("Cleanup section", "Filler words")
+        self.assertEqual(self.section_of(tree, "Cleanup", "Translation"),
+                         [[*box, ""], [*field, "kind of, sort of, um, uh, erm, hmm"], note])
+        self.keep({"TovikVoiceRemoveFillerWords": True, "TovikVoiceFillerWords": "like, well"})
+        wanted = [[*box, "checked"], [*field, "like, well"], note]
+        wait_until(lambda: self.section_of(self.look(), "Cleanup", "Translation") == wanted, "the new settings")
+
+    def test_the_translation__tells_switch_and_languages(self) -> None:
+        self.set_stage()
+        told = self.section_of(self.tree("Translation section", "Source language"), "Translation",
+                               "Transcript History")
+        self.assertEqual(told[0][0], "check box")
+        self.assertTrue(told[0][1].startswith("Translate after dictation"))
+        self.assertEqual(told[0][2], "Translate dictated text after transcription")
+        self.assertEqual([part[1:3] for part in told if part[0] == "combo box"],
+                         [["Source language", "English"], ["Target language", "Spanish"]])
+        self.assertEqual([part[1] for part in told if part[1] in ("From:", "To:")], ["From:", "To:"])
 
     def test_the_history__is_a_list_of_transcripts_that_can_be_searched_and_copied(self) -> None:
         self.set_stage()
@@ -120,7 +186,7 @@ class AccessibilityTest(ProgramTest):
             ["label", "go forward ten meters", ""], ["label", "01/03/2025 14:04", ""], copy,
         ])
         self.assertEqual(told[11][:2], ["label", "Double-click to copy · Right-click to delete"])
-        for role, name, _, focusable in told[:11]:
+        for role, name, _, focusable, _ in told[:11]:
             if role in ("text", "list", "list item"):
                 self.assertTrue(focusable, name)
 

@@ -4,8 +4,9 @@
 
 Before it looks, it presses what is named PRESS and waits until something named AWAIT shows, for each such pair.
 
-One JSON list of [depth, role, name, description, focusable] for what is showing, parents before children. Waits for
-the program to appear, and ends with 1 when it does not.
+One JSON list of [depth, role, name, description, focusable, value] for what is showing, parents before children. The
+value is the text of a text field, and "checked" of a check box that is. Waits for the program to appear, and ends with
+1 when it does not.
 """
 
 import json
@@ -39,13 +40,19 @@ def application(process: int):
     return None
 
 
+def value(node, states) -> str:
+    if node.get_role_name() == "text":
+        return Atspi.Text.get_text(node, 0, -1)
+    return "checked" if states.contains(Atspi.StateType.CHECKED) else ""
+
+
 def walk(node, depth: int, found: list) -> None:
     for child in children(node):
         states = child.get_state_set()
         if not states.contains(Atspi.StateType.SHOWING):
             continue
         found.append([depth, child.get_role_name(), child.get_name(), child.get_description(),
-                      states.contains(Atspi.StateType.FOCUSABLE)])
+                      states.contains(Atspi.StateType.FOCUSABLE), value(child, states)])
         walk(child, depth + 1, found)
 
 

@@ -15,6 +15,7 @@
 #include "support/FakeScreens.h"
 #include "support/FakeSpeechService.h"
 #include "support/FakeTranslationService.h"
+#include "support/FakeUserDefaultsChanges.h"
 #include "support/FakeUserInterface.h"
 #include "support/FakeWorkspace.h"
 #include "support/ManualTime.h"
@@ -42,6 +43,7 @@ protected:
             .mainQueue = time,
             .log = log,
             .defaults = defaults,
+            .defaultsChanges = defaultsChanges,
             .files = files,
             .workspace = workspace,
             .keyMonitor = keyMonitor,
@@ -77,6 +79,7 @@ protected:
     test::ManualTime time;
     test::RecordingLog log;
     test::MemoryUserDefaults defaults;
+    test::FakeUserDefaultsChanges defaultsChanges;
     test::FakeFiles files;
     test::FakeWorkspace workspace;
     test::FakeKeyMonitor keyMonitor;
