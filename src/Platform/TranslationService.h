@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 
 namespace tovik {
 
@@ -17,7 +18,10 @@ struct TranslationPair {
     std::string source;
     std::string target;
 
-    auto operator<=>(const TranslationPair&) const = default;
+    bool operator==(const TranslationPair&) const = default;
+    bool operator<(const TranslationPair& other) const {
+        return std::tie(source, target) < std::tie(other.source, other.target);
+    }
 };
 
 enum class TranslationAvailability {

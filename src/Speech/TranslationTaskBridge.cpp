@@ -12,7 +12,7 @@ TranslationTaskBridge::TranslationTaskBridge(std::string text, TranslationPair c
       configuration_(std::move(configuration)),
       continuation_(std::move(continuation)) {}
 
-void TranslationTaskBridge::receive(std::shared_ptr<TranslationSession> session) {
+void TranslationTaskBridge::receive(const std::shared_ptr<TranslationSession>& session) {
     if (hasResumed_) {
         return;
     }

@@ -23,7 +23,7 @@ public:
     [[nodiscard]] bool hasResumed() const { return hasResumed_; }
 
     /// Has the session translate the text, unless there is an outcome already.
-    void receive(std::shared_ptr<TranslationSession> session);
+    void receive(const std::shared_ptr<TranslationSession>& session);
 
     /// The first outcome counts, all later ones are dropped.
     void resume(const Result<std::string>& outcome);

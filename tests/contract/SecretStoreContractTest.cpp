@@ -154,5 +154,19 @@ TEST_F(LibsecretStoreTest, whenItEnds_nothingIsAnsweredAnyMore) {
     EXPECT_EQ(answers, 0);
 }
 
+TEST_F(LibsecretStoreTest, whileTheKeyRingHangs_canEndAllTheSame) {
+    ASSERT_TRUE(lookUp("anything"));
+    keyRing->ring->freeze();
+    auto answers = 0;
+    {
+        LibsecretStore brief(queue);
+        brief.lookUp("anything", [&](const Found&) { ++answers; });
+        brief.keep("anything", "secret", [&](const Result<void>&) { ++answers; });
+    }
+    keyRing->ring->thaw();
+    EXPECT_TRUE(lookUp("anything"));
+    EXPECT_EQ(answers, 0);
+}
+
 } // namespace
 } // namespace tovik::test

@@ -8,6 +8,8 @@
 #include <QDBusConnectionInterface>
 #include <QStringList>
 
+#include <signal.h>
+
 #include <stdexcept>
 
 namespace tovik::test {
@@ -95,6 +97,14 @@ void KeyRing::kill() {
     if (!runUntil([this] { return !answers(); })) {
         throw std::runtime_error("the test's key ring did not end");
     }
+}
+
+void KeyRing::freeze() {
+    ::kill(static_cast<pid_t>(keyRing_.processId()), SIGSTOP);
+}
+
+void KeyRing::thaw() {
+    ::kill(static_cast<pid_t>(keyRing_.processId()), SIGCONT);
 }
 
 std::string KeyRing::secretTool(const std::vector<std::string>& arguments, const std::string& input) const {

@@ -24,6 +24,9 @@ public:
     /// Ends the key ring, and leaves the bus without one.
     void kill();
     void start();
+    /// It neither answers nor ends until thaw().
+    void freeze();
+    void thaw();
 
     /// Runs the desktop's own tool for secrets with this input and gives its output. Throws when it fails.
     std::string secretTool(const std::vector<std::string>& arguments, const std::string& input = {}) const;

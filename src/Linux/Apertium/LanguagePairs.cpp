@@ -44,7 +44,8 @@ std::vector<std::string> modeNames(const TranslationPair& pair) {
     std::vector<std::string> names;
     for (const auto& target : codesOf(pair.target)) {
         for (const auto& source : codesOf(pair.source)) {
-            names.push_back(source + "-" + target);
+            names.push_back(source);
+            names.back().append("-").append(target);
         }
     }
     return names;

@@ -40,15 +40,22 @@ JsonTransfer::~JsonTransfer() {
     }
 }
 
+QNetworkAccessManager& JsonTransfer::network() {
+    if (!network_) {
+        network_ = std::make_unique<QNetworkAccessManager>();
+    }
+    return *network_;
+}
+
 void JsonTransfer::get(const QUrl& address, Completion completion) {
-    follow(network_.get(requestTo(address)), std::move(completion));
+    follow(network().get(requestTo(address)), std::move(completion));
 }
 
 void JsonTransfer::post(const QUrl& address, const nlohmann::json& content, Completion completion) {
     auto request = requestTo(address);
     request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json");
     const auto body = content.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-    follow(network_.post(request, QByteArray::fromStdString(body)), std::move(completion));
+    follow(network().post(request, QByteArray::fromStdString(body)), std::move(completion));
 }
 
 void JsonTransfer::follow(QNetworkReply* reply, Completion completion) {

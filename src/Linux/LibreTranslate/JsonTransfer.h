@@ -49,13 +49,15 @@ private:
         Subscription timeLimit;
     };
 
+    [[nodiscard]] QNetworkAccessManager& network();
     void follow(QNetworkReply* reply, Completion completion);
     void finish(std::uint64_t id);
     void fail(std::uint64_t id, const Error& error);
     [[nodiscard]] std::optional<Task> take(std::uint64_t id);
 
     MainQueue& queue_;
-    QNetworkAccessManager network_;
+    /// Made when it is needed first: most users name no server, and every launch would pay for it.
+    std::unique_ptr<QNetworkAccessManager> network_;
     std::uint64_t nextId_ = 1;
     std::map<std::uint64_t, Task> tasks_;
 };
