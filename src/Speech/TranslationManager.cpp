@@ -123,10 +123,8 @@ void TranslationManager::requestTranslation(const std::string& text, const Trans
         return;
     }
     // The bridge is on offer for its time, whatever has come of it by then.
-    hostings_.push_back(
-        ports_.service.offerSessions(pair, [bridge](std::shared_ptr<TranslationSession> session) {
-            bridge->receive(std::move(session));
-        }));
+    hostings_.push_back(ports_.service.offerSessions(
+        pair, [bridge](const std::shared_ptr<TranslationSession>& session) { bridge->receive(session); }));
     ports_.queue.asyncAfter(kBridgeLifetime, lifetime_.guard([this] { hostings_.pop_front(); }));
 }
 
