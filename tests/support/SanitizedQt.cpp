@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 //
-// For tests in which Qt or GLib has threads of its own. Those libraries are not built for the thread sanitizer, which
-// therefore sees what their threads touch and not how they wait for each other.
+// For tests in which Qt or GLib has threads of its own. Those libraries are not built for the thread
+// sanitizer, which therefore sees what their threads touch and not how they wait for each other.
 
 extern "C" const char* __tsan_default_suppressions();
 extern "C" const char* __tsan_default_suppressions() {
@@ -10,6 +10,8 @@ extern "C" const char* __tsan_default_suppressions() {
            "called_from_lib:libQt6Network.so.6\n"
            "called_from_lib:libQt6DBus.so.6\n"
            "called_from_lib:libdbus-1.so.3\n"
+           "called_from_lib:libcrypto.so\n"
+           "called_from_lib:libssl.so\n"
            "called_from_lib:libglib-2.0.so.0\n"
            "called_from_lib:libgio-2.0.so.0\n"
            "called_from_lib:libgobject-2.0.so.0\n"
@@ -20,7 +22,8 @@ extern "C" const char* __tsan_default_suppressions() {
            "race:libglib-2.0.so.0\n";
 }
 
-/// Qt starts processes by a kind of fork that shares the memory, and with it the sanitizer's mark for "forked".
+/// Qt starts processes by a kind of fork that shares the memory, and with it the sanitizer's mark for
+/// "forked".
 extern "C" const char* __tsan_default_options();
 extern "C" const char* __tsan_default_options() {
     return "die_after_fork=0";
