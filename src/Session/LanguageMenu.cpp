@@ -44,11 +44,13 @@ void LanguageMenu::languageMenuSelected(std::optional<std::string> localeIdentif
 }
 
 void LanguageMenu::showStoredChoice() {
-    const auto chosen = defaults_.string(kSelectedDictationLocaleKey).value_or("");
+    const auto chosen = defaults_.string(kSelectedDictationLocaleKey);
     auto items = menu_->items();
     bool changed = false;
     for (auto& item : items) {
-        const bool isChecked = !item.isSeparator && item.representedText == chosen;
+        // Only the first item, which detects the language, stands for no identifier.
+        const bool isChecked =
+            !item.isSeparator && (item.representedText.empty() ? !chosen : item.representedText == chosen);
         changed = changed || isChecked != item.isChecked;
         item.isChecked = isChecked;
     }

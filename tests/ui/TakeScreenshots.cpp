@@ -247,7 +247,7 @@ void takeEditing(Photographer& photographer, test::WindowStage& stage, const QSt
 void takeMissingTranslator(Photographer& photographer, test::WindowStage& stage, const QString& prefix) {
     const QString section = QString::fromLatin1(kTranslationSection);
     stage.translator.missing =
-        "This version has no translator yet: transcripts are pasted as they were spoken.";
+        "To translate on this machine, install the packages apertium and apertium-eng-spa.";
     stage.controller->accordion().setAccordion(section, true, false);
     takeWindow(photographer, stage, prefix + QStringLiteral("translation-missing"));
     stage.controller->accordion().setAccordion(section, false, false);

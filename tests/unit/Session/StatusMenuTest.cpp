@@ -123,6 +123,21 @@ TEST_F(LanguageMenuTest, choosingAutoDetect_removesTheStoredChoice) {
     EXPECT_THAT(log.printed(), ElementsAre("[TovikVoice] Dictation language changed to: Auto-detect"));
 }
 
+TEST_F(LanguageMenuTest, whenTheStoredChoiceChangesElsewhere_isCheckedAnew) {
+    auto menu = makeMenu();
+    defaults.set("SelectedDictationLocale", "de-DE");
+    menu.showStoredChoice();
+    EXPECT_THAT(checkedRows(*menu.menu()), ElementsAre(6u));
+    defaults.remove("SelectedDictationLocale");
+    menu.showStoredChoice();
+    EXPECT_THAT(checkedRows(*menu.menu()), ElementsAre(0u));
+    defaults.set("SelectedDictationLocale", "");
+    menu.showStoredChoice();
+    EXPECT_THAT(checkedRows(*menu.menu()), IsEmpty());
+    EXPECT_EQ(restarts, 0);
+    EXPECT_THAT(mainWindow.toasts(), IsEmpty());
+}
+
 // Transcript history.
 
 class TranscriptHistoryMenuTest : public test::SessionFixture {
