@@ -52,8 +52,10 @@ void TranscriptHistoryStore::add(std::string_view text) {
     if (kept.empty()) {
         return;
     }
-    // What is stored must be well-formed, whoever handed it in.
-    entries_.insert(entries_.begin(), {toUtf8(toUtf16(kept)), clock_.now()});
+    // What is stored must be well-formed, whoever handed it in. An entry equals itself when it is loaded
+    // again.
+    const auto createdAt = dateFromSecondsSince1970(secondsSince1970(clock_.now()));
+    entries_.insert(entries_.begin(), {toUtf8(toUtf16(kept)), createdAt});
     if (entries_.size() > maxEntries) {
         entries_.resize(maxEntries);
     }
@@ -71,6 +73,7 @@ bool TranscriptHistoryStore::remove(std::size_t index) {
 void TranscriptHistoryStore::load() {
     entries_.clear();
     const auto stored = defaults_.value(storageKey);
+    known_ = stored;
     const auto isMap = [](const PropertyValue& element) { return element.is_object(); };
     if (!stored || !stored->is_array() || !std::all_of(stored->begin(), stored->end(), isMap)) {
         storedHoldsMore_ = stored.has_value();
@@ -93,6 +96,16 @@ void TranscriptHistoryStore::save() {
         list.push_back({{kTextKey, entry.text}, {kCreatedAtKey, secondsSince1970(entry.createdAt)}});
     }
     defaults_.set(storageKey, std::move(list));
+    // A write that failed has left something else there: that is no change by others.
+    known_ = defaults_.value(storageKey);
+}
+
+bool TranscriptHistoryStore::loadIfChanged() {
+    if (defaults_.value(storageKey) == known_) {
+        return false;
+    }
+    load();
+    return true;
 }
 
 } // namespace tovik

@@ -7,6 +7,7 @@
 #include "Speech/TranscriptHistoryEntry.h"
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -34,6 +35,10 @@ public:
     /// is written.
     void load();
 
+    /// As load(), when something else is stored than this store has loaded or written last, as after a change
+    /// by another process. Whether it was.
+    bool loadIfChanged();
+
     /// Writes all entries. Before it overwrites stored elements that could not be loaded, they are kept aside
     /// (UserDefaults::keepAside).
     void save();
@@ -43,6 +48,8 @@ private:
     const Clock& clock_;
     std::vector<TranscriptHistoryEntry> entries_;
     bool storedHoldsMore_ = false;
+    /// What is stored, as far as this store knows.
+    std::optional<PropertyValue> known_;
 };
 
 } // namespace tovik

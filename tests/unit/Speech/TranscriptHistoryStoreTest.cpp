@@ -227,6 +227,41 @@ TEST(TranscriptHistoryStore, whenFarTooManyAreStored_loadsAllAndTrimsAtTheNextAd
     EXPECT_EQ(history.defaults.value(kKey)->size(), 100U);
 }
 
+TEST(TranscriptHistoryStore, whenAnotherProcessChangesWhatIsStored_loadsItOnce) {
+    History history;
+    auto store = history.loaded();
+    store.add("ours");
+    EXPECT_FALSE(store.loadIfChanged());
+    history.defaults.set(kKey, PropertyValue::array({element("theirs", 2.5), element("ours", 1.5)}));
+    EXPECT_TRUE(store.loadIfChanged());
+    EXPECT_THAT(textsOf(store), ElementsAre("theirs", "ours"));
+    EXPECT_FALSE(store.loadIfChanged());
+    history.defaults.remove(kKey);
+    EXPECT_TRUE(store.loadIfChanged());
+    EXPECT_THAT(store.entries(), IsEmpty());
+}
+
+TEST(TranscriptHistoryStore, anEntryLoadedAgain_isTheOneThatWasAdded) {
+    History history;
+    history.time.pause(Seconds(0.123456789));
+    auto store = history.loaded();
+    store.add("text");
+    EXPECT_EQ(history.loaded().entries(), store.entries());
+}
+
+TEST(TranscriptHistoryStore, whenAWriteFails_keepsWhatItHolds) {
+    class Broken : public MemoryUserDefaults {
+    public:
+        void set(std::string_view /*key*/, PropertyValue /*value*/) override {}
+    };
+    Broken defaults;
+    ManualTime time;
+    TranscriptHistoryStore store(defaults, time);
+    store.add("text");
+    EXPECT_FALSE(store.loadIfChanged());
+    EXPECT_THAT(textsOf(store), ElementsAre("text"));
+}
+
 } // namespace
 
 } // namespace tovik::test
