@@ -107,9 +107,11 @@ void TranscriptHistoryTable::showRows() {
             cell->hide();
         }
     }
+    const int barWidth = rows_.largestOffset() > 0 ? overlayBar_->sizeHint().width() : 0;
     for (int row = first; row < end; ++row) {
         auto* cell = cells_[static_cast<std::size_t>(row) % cells_.size()];
-        cell->setGeometry(0, rows_.topOf(row), width(), rows_.rowHeight);
+        const QRect place(0, rows_.topOf(row), width() - barWidth, rows_.rowHeight);
+        cell->setGeometry(QStyle::visualRect(layoutDirection(), rect(), place));
         cell->setContents(row, contentsOfRow_(row));
         cell->setSelected(showsSelection_ && selectedRow_ == row);
         cell->setCurrent(currentRow_ == row, currentRow_ == row && hasFocus());

@@ -13,7 +13,11 @@
 #include "UserInterface/MainWindowSections.h"
 #include "UserInterface/MainWindowView.h"
 #include "UserInterface/QtHintPanels.h"
+#include "UserInterface/RowSwipe.h"
+#include "UserInterface/SearchField.h"
 #include "UserInterface/Theme.h"
+#include "UserInterface/TranscriptHistorySection.h"
+#include "UserInterface/TranscriptHistoryTable.h"
 #include "WaveformOverlay.h"
 #include "WindowStage.h"
 #include "support/FakeScreens.h"
@@ -23,6 +27,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QLocale>
 #include <QMenu>
 #include <QPainter>
@@ -244,6 +249,26 @@ void takeEditing(Photographer& photographer, test::WindowStage& stage, const QSt
     window.accordion().setAccordion(QString::fromLatin1(kCorrectionsSection), false, false);
 }
 
+/// The history while it is searched, with a row just copied and another drawn aside.
+void takeSearching(Photographer& photographer, test::WindowStage& stage, const QString& prefix) {
+    MainWindowController& window = *stage.controller;
+    const QString section = QString::fromLatin1(kHistorySection);
+    auto& history = *window.window().findChild<TranscriptHistorySection*>();
+    auto& table = history.historyTableView();
+    window.accordion().setAccordion(section, true, false);
+    window.view().setScrollOffset(1000);
+    history.historySearchField().lineEdit().setText(QStringLiteral("the"));
+    table.setFocus(Qt::OtherFocusReason);
+    emit table.copyRequested(0);
+    table.cellAt(1)->setSwipeOffset(RowSwipe::kActionWidth);
+    stage.time.advance(Seconds{0.2});
+    takeWindow(photographer, stage, prefix + QStringLiteral("history-searching"));
+    stage.time.advance(Seconds{2});
+    history.historySearchField().lineEdit().clear();
+    window.view().setFocus(Qt::OtherFocusReason);
+    window.accordion().setAccordion(section, false, false);
+}
+
 void takeMissingTranslator(Photographer& photographer, test::WindowStage& stage, const QString& prefix) {
     const QString section = QString::fromLatin1(kTranslationSection);
     stage.translator.missing =
@@ -274,6 +299,7 @@ void takeWindows(Photographer& photographer, const QString& prefix, const QStrin
         granted.controller->accordion().setAccordion(title, false, false);
     }
     takeEditing(photographer, granted, prefix);
+    takeSearching(photographer, granted, prefix);
     takeMissingTranslator(photographer, granted, prefix);
     granted.controller->showSavedToast("Input device saved");
     granted.time.advance(Seconds{0.2});
@@ -299,8 +325,8 @@ void takeMenus(Photographer& photographer, const QString& prefix) {
         const char* name;
         int row;
     };
-    for (const Picture& picture : {Picture{"menu-input-devices", 0}, Picture{"menu-dictation-language", 1},
-                                   Picture{"menu-transcript-history", 4}}) {
+    for (const Picture& picture :
+         {Picture{"input-devices", 0}, Picture{"dictation-language", 1}, Picture{"transcript-history", 4}}) {
         stage.controller->view().header().moreOptionsButton().click();
         QMenu& shown = menu.shown.widget();
         shown.popup(stage.menuPopUps.back());
@@ -351,9 +377,9 @@ int main(int argc, char** argv) {
     tovik::Photographer photographer(arguments[1], arguments[2]);
     tovik::takePills(photographer);
     tovik::takeWindows(photographer, QStringLiteral("window-"), tovik::allSections());
-    tovik::takeMenus(photographer, {});
+    tovik::takeMenus(photographer, QStringLiteral("menu-"));
     QApplication::setPalette(tovik::darkPalette());
     tovik::takeWindows(photographer, QStringLiteral("window-dark-"), tovik::allSections());
-    tovik::takeMenus(photographer, QStringLiteral("dark-"));
+    tovik::takeMenus(photographer, QStringLiteral("menu-dark-"));
     return 0;
 }
