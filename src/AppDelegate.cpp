@@ -160,8 +160,12 @@ void AppDelegate::createSession() {
 void AppDelegate::createMenuAndWindow() {
     parts_->languages = std::make_unique<LanguageMenu>(platform_.defaults, platform_.log, parts_->window,
                                                        [this] { parts_->pushToTalk->restartRecording(); });
-    parts_->defaultsChanges =
-        platform_.defaultsChanges.observe(lifetime_.guard([this] { parts_->languages->showStoredChoice(); }));
+    parts_->defaultsChanges = platform_.defaultsChanges.observe(lifetime_.guard([this] {
+        parts_->languages->showStoredChoice();
+        if (parts_->history.loadIfChanged()) {
+            parts_->window.reloadHistoryTable();
+        }
+    }));
     parts_->historyMenu = std::make_unique<TranscriptHistoryMenu>(parts_->history, *parts_->delivery);
     const auto menu = makeStatusMenu({
         .inputDevices = parts_->inputDevices->menu(),

@@ -3,6 +3,7 @@
 """What a user does in the main window, with the keyboard, and what comes of it."""
 
 import json
+import os
 
 from harness import ProgramTest, first_words, main
 from keyboard_user import KeyboardUser
@@ -61,6 +62,28 @@ class MainWindow(ProgramTest):
         self.desktop.tap("Delete")
         wait_until(lambda: self.setting(program, "transcription.history") == [], "the transcript to be deleted")
         self.assertIsNone(program.process.poll())
+
+    def test_aTranscriptThatAnotherProcessStores_showsWhileTheWindowIsOpen(self) -> None:
+        self.set_stage()
+        user = KeyboardUser(self.stage, self.desktop)
+        program = self.start(QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+        user.begin()
+        user.tab_to("Transcript History section")
+        self.desktop.tap("space")
+        user.tab_to("Search transcripts")
+        with open(program.defaults) as file:
+            settings = json.load(file)
+        settings["transcription.history"] = [{"text": "said elsewhere", "createdAt": 1740837909.5}]
+        with open(program.defaults + ".new", "w") as file:
+            json.dump(settings, file)
+        os.replace(program.defaults + ".new", program.defaults)
+
+        def copied() -> bool:
+            self.desktop.tap("Down")
+            self.desktop.tap("Return")
+            return self.desktop.selection_text("CLIPBOARD") == "said elsewhere"
+
+        wait_until(copied, "the transcript to show", step=0.2)
 
 
 if __name__ == "__main__":

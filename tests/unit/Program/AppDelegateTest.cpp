@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppDelegate.h"
 
+#include "Speech/TranscriptHistoryBrowser.h"
 #include "support/FakeAlert.h"
 #include "support/FakeAudioEngine.h"
 #include "support/FakeAudioHardware.h"
@@ -312,6 +313,22 @@ TEST_F(AppDelegateTest, becomingActive_refreshesThePermissions) {
     const auto before = userInterface.mainWindow->permissionRefreshes();
     delegate->applicationDidBecomeActive();
     EXPECT_EQ(userInterface.mainWindow->permissionRefreshes(), before + 1);
+}
+
+TEST_F(AppDelegateTest, whenAnotherProcessChangesTheHistory_theWindowAndTheMenuShowIt) {
+    launch();
+    defaultsChanges.announce();
+    EXPECT_EQ(userInterface.mainWindow->historyReloads(), 0);
+    defaults.set("transcription.history",
+                 PropertyValue::array({{{"text", "said elsewhere"}, {"createdAt", 1740837909.5}}}));
+    defaultsChanges.announce();
+    defaultsChanges.announce();
+    EXPECT_EQ(userInterface.mainWindow->historyReloads(), 1);
+    userInterface.windowContents->history.reload();
+    ASSERT_TRUE(userInterface.windowContents->history.copyRow(0));
+    EXPECT_EQ(pasteboard.contents(), "said elsewhere");
+    userInterface.statusItem->openMenu("Transcript History");
+    EXPECT_TRUE(userInterface.statusItem->choose({"Transcript History", "said elsewhere"}));
 }
 
 TEST_F(AppDelegateTest, closingTheLastWindow_doesNotEndTheProgram) {
