@@ -59,6 +59,6 @@ struct ServerSettings {
 };
 
 /// What a bearer key is kept under in the desktop's key ring.
-inline constexpr auto kServerKeyName = "speech-server";
+inline constexpr auto kServerKeyName = "platform.speech.serverKey";
 
 } // namespace tovik

@@ -10,6 +10,12 @@
 
 namespace tovik {
 
+namespace {
+
+constexpr Seconds kLoading{300};
+
+} // namespace
+
 VoskService::VoskService(SystemLog& log, std::vector<std::string> libraries,
                          std::vector<std::string> modelFolders)
     : log_(log),
@@ -78,14 +84,17 @@ ModelEngine* VoskService::engineFor(const std::string& locale) {
         loaded_.splice(loaded_.begin(), loaded_, found);
         return loaded_.front().engine.get();
     }
+    // The big ones are read from the disk for a while.
+    ModelEngine::Limits limits;
+    limits.loading = kLoading;
     if (loaded_.size() == mostModels) {
         loaded_.pop_back();
     }
     loaded_.push_front(
-        {*folder, std::make_unique<ModelEngine>(
-                      log_, [folder = *folder] { return VoskModels::check(folder); },
-                      [library = library_, folder = *folder] { return VoskDecoder::load(library, folder); },
-                      ModelEngine::Limits{})});
+        {*folder,
+         std::make_unique<ModelEngine>(
+             log_, [folder = *folder] { return VoskModels::check(folder); },
+             [library = library_, folder = *folder] { return VoskDecoder::load(library, folder); }, limits)});
     loaded_.front().engine->prepare(contextualStrings_);
     return loaded_.front().engine.get();
 }
