@@ -40,7 +40,9 @@ cmd_ln_t* makeConfiguration(const ModelPaths& paths) {
                        // A file that shrinks while it is mapped would end the process.
                        "-mmap", "no",
                        // The second pass over the whole utterance begins only at its end: too late.
-                       "-fwdflat", "no", nullptr);
+                       "-fwdflat", "no",
+                       // Two thirds of the work, and no more words are wrong.
+                       "-maxhmmpf", "5000", "-topn", "2", nullptr);
 }
 
 std::string joined(const std::string& earlier, const std::string& later) {
