@@ -8,6 +8,7 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QGuiApplication>
 #include <QScrollArea>
 
 #include <algorithm>
@@ -36,6 +37,9 @@ CorrectionsListView::CorrectionsListView(CorrectionsEditor& editor, QWidget* par
 }
 
 void CorrectionsListView::reload() {
+    if (waitForRelease()) {
+        return;
+    }
     const auto focus = currentFocus();
     adoptGroups(editor_.groups());
     settleLayouts();
@@ -44,6 +48,17 @@ void CorrectionsListView::reload() {
     if (focus) {
         keepFocus(*focus);
     }
+}
+
+bool CorrectionsListView::waitForRelease() {
+    pressedField_.clear();
+    auto* field = qobject_cast<FieldShell*>(window()->focusWidget());
+    if (!field || !isAncestorOf(field) || QGuiApplication::mouseButtons() == Qt::NoButton) {
+        return false;
+    }
+    pressedField_ = field;
+    field->installEventFilter(this);
+    return true;
 }
 
 void CorrectionsListView::adoptGroups(std::vector<CorrectionGroup> groups) {
@@ -347,6 +362,10 @@ void CorrectionsListView::showEvent(QShowEvent* event) {
          ancestor = ancestor->parentWidget()) {
         ancestor->installEventFilter(this);
     }
+    // The release never came when the window went away under the pressed field.
+    if (pressedField_) {
+        reload();
+    }
     materialise();
 }
 
@@ -357,7 +376,10 @@ void CorrectionsListView::resizeEvent(QResizeEvent* event) {
 }
 
 bool CorrectionsListView::eventFilter(QObject* watched, QEvent* event) {
-    if (isVisible() && (event->type() == QEvent::Move || event->type() == QEvent::Resize)) {
+    if (watched == pressedField_ && event->type() == QEvent::MouseButtonRelease) {
+        watched->removeEventFilter(this);
+        QMetaObject::invokeMethod(this, &CorrectionsListView::reload, Qt::QueuedConnection);
+    } else if (isVisible() && (event->type() == QEvent::Move || event->type() == QEvent::Resize)) {
         materialise();
     }
     return QWidget::eventFilter(watched, event);

@@ -32,7 +32,8 @@ public:
     explicit CorrectionsListView(CorrectionsEditor& editor, QWidget* parent = nullptr);
 
     /// Shows what the editor has now. The keyboard stays where it is; when its control is gone, it goes to
-    /// what has taken its place.
+    /// what has taken its place. Waits while a field here is pressed with the mouse: rows that move away
+    /// under the pointer would have it select text.
     void reload();
 
     /// Stores what is being typed.
@@ -90,6 +91,7 @@ private:
     [[nodiscard]] QScrollArea* scrollArea() const;
     void bringIntoSight(QWidget& control);
     void settleLayouts();
+    [[nodiscard]] bool waitForRelease();
 
     CorrectionsEditor& editor_;
     std::vector<CorrectionGroup> groups_;
@@ -97,6 +99,8 @@ private:
     std::vector<int> tops_{0};
     /// By replacement.
     std::map<std::string, CorrectionGroupView*> views_;
+    /// Set: the field whose release the reload waits for.
+    QPointer<QWidget> pressedField_;
 };
 
 } // namespace tovik

@@ -81,7 +81,10 @@ struct CorrectionsSectionTest : testing::Test {
     [[nodiscard]] BorderlessButton& button(const std::string& heard, Control control) const {
         return *qobject_cast<BorderlessButton*>(groupOf(heard).controlAt({control, heard}));
     }
-    static void click(QWidget& control) { QTest::mouseClick(&control, Qt::LeftButton); }
+    static void click(QWidget& control) {
+        QTest::mouseClick(&control, Qt::LeftButton);
+        test::runPendingEvents();
+    }
     static void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         QTest::keyClick(QApplication::focusWidget(), key, modifiers);
         test::runPendingEvents();
@@ -293,6 +296,24 @@ TEST_F(CorrectionsSectionTest, aReplacementThatMovesItsGroup_keepsTheCaretWhereT
     EXPECT_EQ(QApplication::focusWidget(), &heardField("b"));
     QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("x"));
     EXPECT_EQ(heardField("b").text().length(), 2);
+}
+
+TEST_F(CorrectionsSectionTest, whileTheMouseIsPressedInAField_theRowsStayWhereTheyAre) {
+    build({{"a", "Alpha"}, {"b", "Beta"}});
+    typeInto(replacementField("a"), "Zulu");
+    FieldShell& field = heardField("b");
+    const QPoint place = field.mapTo(window.get(), QPoint(20, 14));
+    const int y = field.mapTo(section, QPoint(0, 0)).y();
+    QTest::mousePress(window->windowHandle(), Qt::LeftButton, Qt::NoModifier, place);
+    EXPECT_EQ(stored().at("a"), "Zulu");
+    EXPECT_EQ(field.mapTo(section, QPoint(0, 0)).y(), y);
+    QTest::mouseMove(window->windowHandle(), place + QPoint(1, 0));
+    QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, Qt::NoModifier, place + QPoint(1, 0));
+    test::runPendingEvents();
+    EXPECT_THAT(shownReplacements(), ElementsAre("Beta", "Zulu"));
+    EXPECT_LT(field.mapTo(section, QPoint(0, 0)).y(), y);
+    EXPECT_EQ(QApplication::focusWidget(), &field);
+    EXPECT_FALSE(field.hasSelectedText());
 }
 
 TEST_F(CorrectionsSectionTest, aReplacementThatJoinsAnotherGroup_leadsTheKeyboardThere) {
