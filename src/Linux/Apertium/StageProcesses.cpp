@@ -16,8 +16,6 @@
 #include <cstring>
 #include <utility>
 
-extern char** environ; // NOLINT(readability-redundant-declaration)
-
 namespace tovik {
 
 namespace {
