@@ -81,6 +81,7 @@ int main(int argc, char** argv) {
     // The window shows how the permissions stand, and the sound server tells within milliseconds.
     desktop.whenSoundIsKnown([&] {
         delegate.applicationDidFinishLaunching();
+        desktop.onPermissionsChanged([&delegate] { delegate.applicationDidBecomeActive(); });
         instance.onRequest([&delegate] { delegate.applicationShouldHandleReopen(true); });
     });
     desktop.log().logLine("[TovikVoice] Set delegate, calling app.run()");

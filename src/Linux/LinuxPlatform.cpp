@@ -21,6 +21,7 @@ namespace {
 constexpr auto kBundleIdentifier = "tovik-record";
 constexpr auto kInstalledExecutable = "/usr/bin/tovik-record";
 constexpr Seconds kLongestWaitForSound{0.15};
+constexpr Seconds kLongestWaitForPortal{1.0};
 
 std::string environment(const char* variable) {
     const char* value = std::getenv(variable);
@@ -71,6 +72,18 @@ LinuxPlatform::LinuxPlatform()
       devices_(soundServer_, queue_, defaults_),
       engine_(soundServer_, devices_.directory()),
       microphoneAccess_(soundServer_, devices_.directory()),
+      microphonePortal_([] { return QDBusConnection::sessionBus(); }),
+      microphone_(Sandbox::recognise(SandboxSigns::ofThisProcess()),
+                  {.log = log_,
+                   .portal = microphonePortal_,
+                   .serverStatus = [this] { return static_cast<int>(microphoneAccess_.status()); },
+                   .serverExplanation = [this] { return microphoneAccess_.explanation(); },
+                   .changed =
+                       [this] {
+                           if (permissionsChanged_) {
+                               permissionsChanged_();
+                           }
+                       }}),
       secrets_(queue_),
       speech_({.log = log_,
                .defaults = defaults_,
@@ -89,7 +102,7 @@ LinuxPlatform::LinuxPlatform()
            .desktops = desktopNames(environment("XDG_CURRENT_DESKTOP")),
            .isInstalled =
                [](const std::string& program) { return isInSearchPath(program, environment("PATH")); },
-           .microphoneExplanation = [this] { return microphoneAccess_.explanation(); },
+           .microphoneExplanation = [this] { return microphone_.explanation(); },
            .reconsiderSpeech = [this] { authorization_.askSpeechConsent(); }}),
       settingsWorkspace_(workspace_, settingsPanes_),
       usedLog_(&log_),
@@ -104,8 +117,10 @@ LinuxPlatform::LinuxPlatform()
 }
 
 LinuxAuthorization::Answers LinuxPlatform::authorizationAnswers() {
-    return {.microphoneStatus = [this] { return static_cast<int>(microphoneAccess_.status()); },
-            .microphoneExplanation = [this] { return microphoneAccess_.explanation(); },
+    return {.microphoneStatus = [this] { return microphone_.status(); },
+            .microphoneExplanation = [this] { return microphone_.explanation(); },
+            .askForMicrophone =
+                [this](std::function<void(bool)> answered) { microphone_.ask(std::move(answered)); },
             .speechExplanation = [this] { return speech_.whyUnavailable().value_or(""); },
             .needsSpeechConsent = [this] { return speech_.needsConsent(); },
             .speechConsentText = [this] { return speech_.consentText(); },
@@ -123,11 +138,15 @@ void LinuxPlatform::whenSoundIsKnown(std::function<void()> callback) {
             callback();
         }
     };
-    devices_.directory()->observe(soundServer_, [this, once] { queue_.async(once); });
-    if (devices_.directory()->listing().known) {
-        queue_.async(once);
-    }
-    queue_.asyncAfter(kLongestWaitForSound, once);
+    const auto onceKnown = [this, once] {
+        if (devices_.directory()->listing().known && microphone_.isKnown()) {
+            once();
+        }
+    };
+    devices_.directory()->observe(soundServer_, [this, onceKnown] { queue_.async(onceKnown); });
+    permissionsChanged_ = [this, onceKnown] { queue_.async(onceKnown); };
+    queue_.async(onceKnown);
+    queue_.asyncAfter(microphone_.isKnown() ? kLongestWaitForSound : kLongestWaitForPortal, once);
 }
 
 LinuxPlatform::~LinuxPlatform() = default;

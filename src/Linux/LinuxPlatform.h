@@ -4,7 +4,9 @@
 
 #include "AppDelegate.h"
 #include "Linux/Apertium/ApertiumService.h"
+#include "Linux/Authorization/DBusMicrophonePortal.h"
 #include "Linux/Authorization/LinuxAuthorization.h"
+#include "Linux/Authorization/SandboxedMicrophone.h"
 #include "Linux/Authorization/SettingsPanes.h"
 #include "Linux/Authorization/SettingsWorkspace.h"
 #include "Linux/LibreTranslate/LibreTranslateService.h"
@@ -32,7 +34,9 @@
 #include "Linux/X11/X11Session.h"
 #include "Linux/X11/X11Workspace.h"
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace tovik {
 
@@ -48,9 +52,12 @@ public:
     /// The ports, joined with the program's windows. terminate asks the program to end.
     [[nodiscard]] Platform describe(UserInterface& userInterface, std::function<void()> terminate);
 
-    /// Calls back on the main queue when the sound server has told its devices, or when it is taking longer
-    /// than a user should wait for the program.
+    /// Calls back on the main queue when the sound server has told its devices, and the desktop's portal who
+    /// decides about the microphone, or when they are taking longer than a user should wait for the program.
     void whenSoundIsKnown(std::function<void()> callback);
+
+    /// Calls back whenever a permission has changed by itself, from the next change on.
+    void onPermissionsChanged(std::function<void()> callback) { permissionsChanged_ = std::move(callback); }
 
     [[nodiscard]] SystemLog& log() { return *usedLog_; }
     [[nodiscard]] Clock& clock() { return clock_; }
@@ -83,6 +90,9 @@ private:
     PulseAudioDevices devices_;
     PulseAudioEngine engine_;
     PulseAudioMicrophoneAccess microphoneAccess_;
+    std::function<void()> permissionsChanged_;
+    DBusMicrophonePortal microphonePortal_;
+    SandboxedMicrophone microphone_;
     LibsecretStore secrets_;
     SpeechEngines speech_;
     LibreTranslateService translationServer_;

@@ -18,18 +18,6 @@ namespace {
 
 constexpr auto kConnectionName = "key ring of the test";
 
-/// No folder of services: nothing is started on this bus but what the test starts.
-constexpr auto kBusConfiguration = R"(<busconfig>
-  <type>session</type>
-  <listen>unix:path=%1</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-)";
-
 QStringList stringList(const std::vector<std::string>& texts) {
     QStringList list;
     for (const auto& text : texts) {
@@ -45,33 +33,21 @@ void end(QProcess& process) {
 
 } // namespace
 
-KeyRing::KeyRing() : address_("unix:path=" + folder_ / "bus") {
-    const auto configuration = folder_ / "bus.conf";
-    writeFile(configuration,
-              QString(kBusConfiguration).arg(QString::fromStdString(folder_ / "bus")).toStdString());
-    bus_.setProcessChannelMode(QProcess::SeparateChannels);
-    bus_.setStandardErrorFile(QProcess::nullDevice());
-    bus_.start("dbus-daemon",
-               {"--nofork", "--print-address", "--config-file", QString::fromStdString(configuration)});
-    if (!runUntil([this] { return bus_.canReadLine(); })) {
-        throw std::runtime_error("the test's session bus did not start");
-    }
-    ::setenv("DBUS_SESSION_BUS_ADDRESS", address_.c_str(), 1);
-    QDBusConnection::connectToBus(QString::fromStdString(address_), kConnectionName);
+KeyRing::KeyRing() {
+    QDBusConnection::connectToBus(QString::fromStdString(bus_.address()), kConnectionName);
     start();
 }
 
 KeyRing::~KeyRing() {
     QDBusConnection::disconnectFromBus(kConnectionName);
     end(keyRing_);
-    end(bus_);
 }
 
 void KeyRing::start() {
     auto environment = QProcessEnvironment::systemEnvironment();
     for (const auto* variable :
          {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"}) {
-        environment.insert(variable, QString::fromStdString(folder_.path()));
+        environment.insert(variable, QString::fromStdString(bus_.folder().path()));
     }
     environment.remove("DISPLAY");
     keyRing_.setProcessEnvironment(environment);
@@ -79,7 +55,7 @@ void KeyRing::start() {
     keyRing_.setStandardErrorFile(QProcess::nullDevice());
     keyRing_.start("gnome-keyring-daemon",
                    {"--foreground", "--unlock", "--components=secrets", "--control-directory",
-                    QString::fromStdString(folder_ / "control")});
+                    QString::fromStdString(bus_.folder() / "control")});
     keyRing_.write("password of the test");
     keyRing_.closeWriteChannel();
     if (!runUntil([this] { return answers(); })) {

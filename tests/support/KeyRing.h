@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "support/TemporaryFolder.h"
+#include "support/SessionBus.h"
 
 #include <QProcess>
 
@@ -10,9 +10,8 @@
 
 namespace tovik::test {
 
-/// A session bus of a test's own with a real, unlocked key ring on it, in a temporary folder; the user's own
-/// key ring is never touched. Needs a QCoreApplication, dbus-daemon and gnome-keyring. It becomes this
-/// process's session bus, so there can be one in a process, made before anything uses the bus.
+/// A real, unlocked key ring on a session bus of a test's own, in a temporary folder; the user's own key ring
+/// is never touched. Needs what the bus needs, and gnome-keyring.
 class KeyRing {
 public:
     /// Returns when it answers. Throws when it does not.
@@ -34,9 +33,7 @@ public:
 private:
     [[nodiscard]] bool answers() const;
 
-    TemporaryFolder folder_;
-    std::string address_;
-    QProcess bus_;
+    SessionBus bus_;
     QProcess keyRing_;
 };
 

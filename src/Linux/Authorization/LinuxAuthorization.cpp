@@ -56,6 +56,20 @@ bool LinuxAuthorization::isProcessTrusted() const {
 }
 
 void LinuxAuthorization::requestMicrophoneAccess(std::function<void(bool granted)> answer) {
+    if (!answers_.askForMicrophone) {
+        explainMicrophone(std::move(answer));
+        return;
+    }
+    answers_.askForMicrophone(lifetime_.guard([this, answer = std::move(answer)](bool isRefused) {
+        if (isRefused) {
+            answer(false);
+        } else {
+            explainMicrophone(answer);
+        }
+    }));
+}
+
+void LinuxAuthorization::explainMicrophone(std::function<void(bool granted)> answer) {
     ask(microphone_,
         [this, answer = std::move(answer)] { answer(answers_.microphoneStatus() == kAuthorised); });
 }

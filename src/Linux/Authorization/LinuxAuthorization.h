@@ -15,9 +15,10 @@ namespace tovik {
 
 /// What a Linux desktop lets this program do, put together from what each mechanism says of itself.
 ///
-/// No desktop asks the user on a program's behalf here. What is missing is a package, a device or another
-/// kind of session, so a request says in a question of its own what is wrong and how to mend it, and looks
-/// again when the user says that it is done. Requests return at once; their questions come on the main queue.
+/// Outside of sandboxes no desktop asks the user on a program's behalf. What is missing is a package, a
+/// device or another kind of session, so a request says in a question of its own what is wrong and how to
+/// mend it, and looks again when the user says that it is done. Requests return at once; their questions come
+/// on the main queue.
 class LinuxAuthorization : public Authorization {
 public:
     /// Who knows, on the main thread and at once. Explanations are sentences for the user: what is wrong and
@@ -26,6 +27,9 @@ public:
         /// As Authorization::microphoneStatus().
         std::function<int()> microphoneStatus;
         std::function<std::string()> microphoneExplanation;
+        /// Asks whoever decides about the microphone, and calls back on the main thread; isRefused: the user
+        /// has just said no. None where nobody could be asked.
+        std::function<void(std::function<void(bool isRefused)>)> askForMicrophone = nullptr;
         /// Empty as long as there is an engine with a model.
         std::function<std::string()> speechExplanation;
         /// Whether the user still has to say whether speech may leave this machine, what he is asked, what he
@@ -47,7 +51,8 @@ public:
     LinuxAuthorization(MainQueue& queue, Alert& alert, Answers answers);
 
     [[nodiscard]] int microphoneStatus() const override;
-    /// There is nothing to ask: answers with how it stands, after the question when that is not well.
+    /// Answers with how it stands once those have been asked who decide, and after the question when that is
+    /// not well. A user who has just said no needs no explanation.
     void requestMicrophoneAccess(std::function<void(bool granted)> answer) override;
 
     /// Not determined until there is an engine with a model, and as long as the user has not said whether a
@@ -75,6 +80,7 @@ private:
     };
 
     [[nodiscard]] bool needsSpeechConsent() const;
+    void explainMicrophone(std::function<void(bool granted)> answer);
     void ask(Question& question, std::function<void()> whenAnswered);
     void show(Question& question);
 

@@ -128,6 +128,42 @@ TEST_F(LinuxAuthorizationTest, theBundleIsTheProgramsFile) {
 
 // --------------------------------------------------------------------------------- the requests
 
+struct AskedRow {
+    const char* name;
+    bool isRefused;
+    int statusAfterwards;
+    const char* explanation;
+    std::size_t questions;
+    bool isGranted;
+};
+
+class WhereSomebodyDecides : public LinuxAuthorizationTest, public testing::WithParamInterface<AskedRow> {};
+
+TEST_P(WhereSomebodyDecides, theRequestWaitsForThatAnswer) {
+    std::function<void(bool)> answered;
+    auto asking = answers();
+    asking.askForMicrophone = [&](std::function<void(bool)> handler) { answered = std::move(handler); };
+    authorization.emplace(time, alert, asking);
+    alert.answerNext(kClose);
+    authorization->requestMicrophoneAccess([this](bool granted) { grants.push_back(granted); });
+    time.runPending();
+    EXPECT_THAT(grants, IsEmpty());
+    microphoneStatus = GetParam().statusAfterwards;
+    microphoneExplanation = GetParam().explanation;
+    ASSERT_TRUE(answered);
+    answered(GetParam().isRefused);
+    time.runPending();
+    EXPECT_THAT(alert.questions(), SizeIs(GetParam().questions));
+    EXPECT_THAT(grants, ElementsAre(GetParam().isGranted));
+}
+
+INSTANTIATE_TEST_SUITE_P(Answers, WhereSomebodyDecides,
+                         testing::Values(AskedRow{"granted", false, 3, "", 0, true},
+                                         AskedRow{"refusedByTheUser", true, 2, "You said no.", 0, false},
+                                         AskedRow{"allowedButTheServerIsAway", false, 4, "No server.", 1,
+                                                  false}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
 TEST_F(LinuxAuthorizationTest, whenSpeechIsMissing_theRequestReturnsAndThenSaysWhatToInstall) {
     speechExplanation = kNoModel;
     alert.answerNext(kClose);
