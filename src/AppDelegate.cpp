@@ -8,6 +8,7 @@
 #include "Permissions/PermissionRequests.h"
 #include "Session/CaptureStateFile.h"
 #include "Session/DebugLog.h"
+#include "Session/Farewell.h"
 #include "Session/HandsFreeHints.h"
 #include "Session/InputDeviceMenu.h"
 #include "Session/LanguageMenu.h"
@@ -24,6 +25,9 @@
 #include "Speech/TranscriptHistoryStore.h"
 #include "Speech/TranscriptionDictionary.h"
 #include "Speech/TranslationManager.h"
+
+#include <optional>
+#include <utility>
 
 namespace tovik {
 
@@ -69,9 +73,12 @@ struct AppDelegate::Parts {
     std::unique_ptr<MacAudioManager> recorder;
     std::unique_ptr<PushToTalk> pushToTalk;
     std::unique_ptr<TranscriptDelivery> delivery;
+    std::unique_ptr<Farewell> farewell;
     std::unique_ptr<LanguageMenu> languages;
     std::unique_ptr<TranscriptHistoryMenu> historyMenu;
     Subscription defaultsChanges;
+    /// Ends before the rest does, when the program is about to end.
+    std::optional<Lifetime> listening{std::in_place};
 };
 
 AppDelegate::AppDelegate(const Platform& platform)
@@ -155,6 +162,13 @@ void AppDelegate::createSession() {
         .workspace = platform_.workspace,
         .targets = parts_->targets,
     });
+    parts_->farewell = std::make_unique<Farewell>(Farewell::Collaborators{
+        .queue = platform_.mainQueue,
+        .log = platform_.log,
+        .recorder = *parts_->recorder,
+        .delivery = *parts_->delivery,
+        .terminate = platform_.terminate,
+    });
 }
 
 void AppDelegate::createMenuAndWindow() {
@@ -194,10 +208,10 @@ void AppDelegate::createMenuAndWindow() {
 
 void AppDelegate::startKeyMonitor() {
     const auto started = platform_.keyMonitor.start({
-        .flagsChanged = lifetime_.guard(
+        .flagsChanged = parts_->listening->guard(
             [this](const FlagsChangedEvent& event) { parts_->pushToTalk->handleFlagsChanged(event); }),
-        .talkKeyTouched = lifetime_.guard([this] { parts_->pushToTalk->talkKeyTouched(); }),
-        .talkKeyDismissed = lifetime_.guard([this] { parts_->pushToTalk->talkKeyDismissed(); }),
+        .talkKeyTouched = parts_->listening->guard([this] { parts_->pushToTalk->talkKeyTouched(); }),
+        .talkKeyDismissed = parts_->listening->guard([this] { parts_->pushToTalk->talkKeyDismissed(); }),
     });
     if (!started) {
         platform_.log.printLine("[TovikVoice] Talk key unavailable: " + started.error().description);
@@ -218,7 +232,15 @@ void AppDelegate::openMainWindowFromMenu() {
 }
 
 void AppDelegate::quitApp() {
-    platform_.terminate();
+    // A key that is let go of now no longer ends a recording by the rules: whoever reads the state file
+    // learns the rest from the end of this process.
+    parts_->listening.reset();
+    if (!parts_->farewell) {
+        platform_.terminate();
+        return;
+    }
+    parts_->overlay->hide();
+    parts_->farewell->quit();
 }
 
 } // namespace tovik

@@ -81,6 +81,7 @@ public:
     [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
 
     void openMainWindowFromMenu();
+    /// Ends the program, after a text that is still on its way has been delivered; asked again, at once.
     void quitApp();
 
 private:

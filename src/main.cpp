@@ -77,7 +77,7 @@ int main(int argc, char** argv) {
                              delegate.applicationDidBecomeActive();
                          }
                      });
-    const TerminationSignals termination(endEventLoop);
+    const TerminationSignals termination([&delegate] { delegate.quitApp(); });
     // The window shows how the permissions stand, and the sound server tells within milliseconds.
     desktop.whenSoundIsKnown([&] {
         delegate.applicationDidFinishLaunching();

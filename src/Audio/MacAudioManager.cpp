@@ -127,16 +127,27 @@ void MacAudioManager::startTask() {
     if (!speechRecognizer_) {
         return;
     }
+    ++link_->unanswered;
     recognitionTask_ = speechRecognizer_->startTask(
-        request_, [weak = std::weak_ptr(link_)](const std::optional<RecognitionResult>& result,
-                                                const std::optional<Error>& error) {
-            if (const auto link = weak.lock()) {
-                const std::lock_guard lock(link->mutex);
-                if (link->manager) {
-                    link->manager->handleResult(result, error);
-                }
+        request_, [weak = std::weak_ptr(link_), isAnswered = std::make_shared<std::atomic<bool>>(false)](
+                      const std::optional<RecognitionResult>& result, const std::optional<Error>& error) {
+            const auto link = weak.lock();
+            if (!link) {
+                return;
+            }
+            const std::lock_guard lock(link->mutex);
+            if (link->manager) {
+                link->manager->handleResult(result, error);
+            }
+            const bool endsTask = result ? result->isFinal : error.has_value();
+            if (endsTask && !isAnswered->exchange(true)) {
+                --link->unanswered;
             }
         });
+}
+
+bool MacAudioManager::isRecognising() const {
+    return link_->unanswered > 0;
 }
 
 void MacAudioManager::handleResult(const std::optional<RecognitionResult>& result,

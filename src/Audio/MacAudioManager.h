@@ -15,6 +15,7 @@
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -71,6 +72,8 @@ public:
     Result<void> start() override;
     /// Blocks for 0.1 s.
     void stop() override;
+    /// Once the text is there, onTranscription has been called.
+    [[nodiscard]] bool isRecognising() const override;
     void openAhead() override;
     void closeAhead() override;
 
@@ -94,6 +97,7 @@ private:
     struct Link {
         std::mutex mutex;
         MacAudioManager* manager = nullptr;
+        std::atomic<int> unanswered = 0;
     };
     enum class DeviceChange { connected, disconnected };
 

@@ -50,8 +50,10 @@ void TranscriptDelivery::remember(const std::string& corrected) {
 }
 
 void TranscriptDelivery::translateAndPaste(const std::string& corrected) {
+    ++underWay_;
     with_.translator.translate(
         corrected, lifetime_.guard([this, corrected](const std::optional<TranslationResult>& translation) {
+            --underWay_;
             if (!translation) {
                 pasteTextToTarget(corrected);
                 return;
@@ -65,6 +67,7 @@ void TranscriptDelivery::translateAndPaste(const std::string& corrected) {
 }
 
 void TranscriptDelivery::pasteTextToTarget(const std::string& text) {
+    ++underWay_;
     with_.pasteboard.replaceContents(text);
     with_.workspace.hideSelf();
     with_.queue.asyncAfter(kHideToActivate, lifetime_.guard([this] { restoreFocus(); }));
@@ -84,6 +87,7 @@ void TranscriptDelivery::restoreFocus() {
 }
 
 void TranscriptDelivery::postPasteToTarget() {
+    --underWay_;
     auto keyDown = with_.poster.makeEvent(EventSourceState::hidSystem, kVKeyCode, true);
     auto keyUp = with_.poster.makeEvent(EventSourceState::hidSystem, kVKeyCode, false);
     if (!keyDown || !keyUp) {

@@ -57,6 +57,9 @@ public:
     /// Makes an earlier transcript the last one and pastes it, as pasteLastTranscript() does.
     void pasteTranscript(const std::string& text);
 
+    /// Whether a text is being translated or waits for its target to come to the front.
+    [[nodiscard]] bool isUnderWay() const { return underWay_ > 0; }
+
     [[nodiscard]] const std::optional<std::string>& lastTranscript() const { return lastTranscript_; }
     /// Of this run, newest first, at most 25.
     [[nodiscard]] const std::deque<std::string>& transcriptHistory() const { return transcriptHistory_; }
@@ -69,6 +72,7 @@ private:
     void postPasteToFrontmost();
 
     Collaborators with_;
+    int underWay_ = 0;
     std::optional<std::string> lastTranscript_;
     std::deque<std::string> transcriptHistory_;
     Lifetime lifetime_;

@@ -22,11 +22,13 @@ public:
         return {};
     }
     void stop() override { note("stop"); }
+    [[nodiscard]] bool isRecognising() const override { return recognises; }
     void openAhead() override { note("openAhead"); }
     void closeAhead() override { note("closeAhead"); }
 
     /// What the next starts come to.
     std::optional<Error> failure;
+    bool recognises = false;
     /// start, stop, openAhead and closeAhead calls by name, in order.
     std::vector<std::string> calls;
     /// Called with each of them as it comes.

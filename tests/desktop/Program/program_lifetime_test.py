@@ -8,7 +8,7 @@ import random
 import signal
 import time
 
-from harness import RECORDING_STARTED, SPEECH, ProgramTest, main
+from harness import RECORDING_STARTED, SPEECH, SPOKEN_WORDS, ProgramTest, first_words, main
 from staging.cost import processor_seconds, resident_bytes, wait_until_calm
 from staging.rehearsal import TALK_KEY
 from staging.waiting import wait_until
@@ -66,6 +66,34 @@ class End(ProgramTest):
         self.desktop.press(TALK_KEY)
         program.wait_for_line(RECORDING_STARTED, 5)
         self.assertEqual(program.terminate(), 0)
+
+    def test_byTerminationBeforeTheTextIsThere_deliversItFirst(self) -> None:
+        self.set_stage()
+        program = self.start()
+        editor = self.open_editor()
+        editor.focus()
+        self.desktop.press(TALK_KEY)
+        program.wait_for_line(RECORDING_STARTED, 5)
+        self.stage.microphone.speak(SPEECH).wait()
+        self.desktop.release(TALK_KEY)
+        program.wait_for_line("[TovikVoice] Recording stopped!", 5)
+        self.assertEqual(program.terminate(), 0)
+        with open(program.defaults) as file:
+            history = json.load(file).get("transcription.history", [])
+        self.assertEqual([first_words(entry["text"]) for entry in history], [SPOKEN_WORDS], program.output())
+        wait_until(lambda: first_words(editor.text()) == SPOKEN_WORDS, "the text in the editor")
+        self.assertEqual(self.desktop.pressed_keys(), [])
+
+    def test_byTerminationTwice_isAtOnce(self) -> None:
+        self.set_stage()
+        program = self.start()
+        self.open_editor()
+        self.desktop.press(TALK_KEY)
+        program.wait_for_line(RECORDING_STARTED, 5)
+        program.process.send_signal(signal.SIGTERM)
+        program.wait_for_line("[TovikVoice] Quitting as soon as the last dictation has been delivered", 5)
+        program.process.send_signal(signal.SIGTERM)
+        self.assertIn(program.wait(2), (0, -signal.SIGTERM))
 
     def test_ofTheXServer_isNoCrash(self) -> None:
         self.set_stage()

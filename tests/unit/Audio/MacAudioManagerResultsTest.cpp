@@ -87,6 +87,25 @@ TEST_F(MacAudioManagerResults, whenTheTextIsDelivered_itIsNotLogged) {
     EXPECT_THAT(log.logged(), IsEmpty());
 }
 
+TEST_F(MacAudioManagerResults, isRecognising_fromTheStartToTheTextOrTheErrorOfEveryDictation) {
+    EXPECT_FALSE(manager().isRecognising());
+    startRecording();
+    const auto first = speech.lastUtterance();
+    manager().stop();
+    startRecording();
+    const auto second = speech.lastUtterance();
+    manager().stop();
+    second->deliverPartial("no");
+    second->deliverError({"Speech", 3, "No speech detected"});
+    EXPECT_TRUE(manager().isRecognising());
+    first->deliverPartial("not yet");
+    EXPECT_TRUE(manager().isRecognising());
+    first->deliverFinal("text");
+    EXPECT_FALSE(manager().isRecognising());
+    first->deliverFinal("again");
+    EXPECT_FALSE(manager().isRecognising());
+}
+
 // ------------------------------------------------------------------------------ the end of it
 
 TEST_F(MacAudioManagerResults, whenAResultComesAfterTheManagerIsGone_nothingHappens) {

@@ -31,6 +31,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 const RunningApplication editor{"org.editor", 100, "Editor", 7};
 constexpr auto kDebugLog = "/home/ada/.local/state/tovik-record/tovik_record_debug.log";
@@ -39,6 +40,12 @@ constexpr auto kStateFile = "/home/ada/.local/share/Tovik/capture-state.json";
 class AppDelegateTest : public testing::Test {
 protected:
     void launch() {
+        make();
+        delegate->applicationDidFinishLaunching();
+        time.runPending();
+    }
+
+    void make() {
         delegate = std::make_unique<AppDelegate>(Platform{
             .clock = time,
             .mainQueue = time,
@@ -67,8 +74,6 @@ protected:
             .processIdentifier = 4242,
             .installLocations = macInstallLocations(),
         });
-        delegate->applicationDidFinishLaunching();
-        time.runPending();
     }
 
     /// The recogniser answers the newest utterance, on a thread of its own.
@@ -274,13 +279,58 @@ TEST_F(AppDelegateTest, changingTheLanguageWhileRecording_deliversTheFirstPartAn
     EXPECT_EQ(pasteboard.contents(), "first part");
 }
 
-TEST_F(AppDelegateTest, quittingWhileRecording_leavesTheStateFileBehind) {
+// The end.
+
+TEST_F(AppDelegateTest, quittingWhenIdle_endsTheProgramAtOnce) {
+    launch();
+    ASSERT_TRUE(userInterface.statusItem->choose({"Quit"}));
+    EXPECT_EQ(terminations, 1);
+}
+
+TEST_F(AppDelegateTest, quittingBeforeTheLaunch_endsTheProgramAtOnce) {
+    make();
+    delegate->quitApp();
+    EXPECT_EQ(terminations, 1);
+}
+
+TEST_F(AppDelegateTest, quittingWhileATextIsBeingRecognised_deliversItFirst) {
+    launch();
+    keyMonitor.pressTalkKey();
+    keyMonitor.releaseTalkKey();
+    ASSERT_TRUE(userInterface.statusItem->choose({"Quit"}));
+    time.advance(Seconds(1));
+    EXPECT_EQ(terminations, 0);
+    recognise("last words");
+    time.advance(Seconds(1));
+    EXPECT_EQ(terminations, 1);
+    EXPECT_EQ(pasteboard.contents(), "last words");
+    EXPECT_EQ(defaults.value("transcription.history")->at(0).at("text"), "last words");
+    EXPECT_THAT(poster.posted, SizeIs(2));
+}
+
+TEST_F(AppDelegateTest, quittingWhileRecording_deliversWhatWasSpokenAndLeavesTheStateFileBehind) {
     launch();
     keyMonitor.pressTalkKey();
     ASSERT_TRUE(userInterface.statusItem->choose({"Quit"}));
+    EXPECT_FALSE(engine.isRunning());
+    EXPECT_EQ(userInterface.overlay->calls.back(), "hide");
+    keyMonitor.releaseTalkKey();
+    recognise("half a sentence");
+    time.advance(Seconds(1));
     EXPECT_EQ(terminations, 1);
+    EXPECT_EQ(pasteboard.contents(), "half a sentence");
     delegate.reset();
     EXPECT_TRUE(files.exists(kStateFile));
+}
+
+TEST_F(AppDelegateTest, onceQuitting_theTalkKeyBeginsNothing) {
+    launch();
+    keyMonitor.pressTalkKey();
+    keyMonitor.releaseTalkKey();
+    ASSERT_TRUE(userInterface.statusItem->choose({"Quit"}));
+    keyMonitor.pressTalkKey();
+    EXPECT_FALSE(engine.isRunning());
+    EXPECT_EQ(speech.utteranceCount(), 1u);
 }
 
 TEST_F(AppDelegateTest, aTextThatArrivesAfterTheEnd_isDropped) {

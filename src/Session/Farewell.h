@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Lifetime.h"
+#include "Platform/MainQueue.h"
+#include "Platform/SystemLog.h"
+
+#include <functional>
+
+namespace tovik {
+
+class Recorder;
+class TranscriptDelivery;
+
+/// Ends the program without losing what was spoken last: a recording that runs is ended, and a text that is
+/// still on its way is delivered first, if it comes soon. Main thread.
+class Farewell {
+public:
+    /// How long the text of a dictation is waited for. A session that ends kills programs that take longer.
+    static constexpr Seconds patience{3.0};
+
+    struct Collaborators {
+        MainQueue& queue;
+        SystemLog& log;
+        Recorder& recorder;
+        const TranscriptDelivery& delivery;
+        std::function<void()> terminate;
+    };
+
+    explicit Farewell(Collaborators collaborators);
+
+    /// Terminates now when nothing is under way, or when it was asked for before; otherwise as soon as the
+    /// text has been delivered, and at the end of the patience whatever comes.
+    void quit();
+
+private:
+    [[nodiscard]] bool isUnderWay() const;
+    void look();
+    void giveUp();
+    void terminate();
+
+    const Collaborators with_;
+    bool hasBegun_ = false;
+    Subscription looking_;
+    Subscription ending_;
+    Lifetime lifetime_;
+};
+
+} // namespace tovik

@@ -1,0 +1,130 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Session/Farewell.h"
+
+#include "Session/TranscriptDelivery.h"
+#include "Speech/TranscriptHistoryStore.h"
+#include "Speech/TranscriptionDictionary.h"
+#include "support/FakeTextTranslator.h"
+#include "unit/Session/SessionFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tovik {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr auto kWaits = "[TovikVoice] Quitting as soon as the last dictation has been delivered";
+
+class FarewellTest : public test::SessionFixture {
+protected:
+    TranscriptionDictionary dictionary{defaults, log};
+    TranscriptHistoryStore history{defaults, time};
+    test::FakeTextTranslator translator;
+    TranscriptDelivery delivery{{.queue = time,
+                                 .log = log,
+                                 .defaults = defaults,
+                                 .permissionRequests = permissionRequests,
+                                 .dictionary = dictionary,
+                                 .history = history,
+                                 .translator = translator,
+                                 .mainWindow = mainWindow,
+                                 .pasteboard = pasteboard,
+                                 .poster = poster,
+                                 .workspace = workspace,
+                                 .targets = targets}};
+    int terminations = 0;
+    Farewell farewell{
+        {.queue = time, .log = log, .recorder = recorder, .delivery = delivery, .terminate = [this] {
+             ++terminations;
+         }}};
+};
+
+TEST_F(FarewellTest, whenNothingIsUnderWay_terminatesAtOnceAndSaysNothing) {
+    farewell.quit();
+    EXPECT_EQ(terminations, 1);
+    EXPECT_THAT(recorder.calls, IsEmpty());
+    EXPECT_THAT(log.printed(), IsEmpty());
+}
+
+TEST_F(FarewellTest, whileADictationHasNoText_endsTheRecordingAndWaits) {
+    recorder.recognises = true;
+    farewell.quit();
+    time.advance(Seconds(2.9));
+    EXPECT_EQ(terminations, 0);
+    EXPECT_THAT(recorder.calls, ElementsAre("stop"));
+    EXPECT_THAT(log.printed(), ElementsAre(kWaits));
+}
+
+TEST_F(FarewellTest, whenTheDictationEndsInAnError_terminates) {
+    recorder.recognises = true;
+    farewell.quit();
+    recorder.recognises = false;
+    time.advance(Seconds(1));
+    EXPECT_EQ(terminations, 1);
+    EXPECT_THAT(log.printed(), ElementsAre(kWaits));
+}
+
+TEST_F(FarewellTest, whenTheTextIsOnItsWayToTheMainThread_letsItArriveAndBePasted) {
+    recorder.recognises = true;
+    farewell.quit();
+    time.asyncAfter(Seconds(0.2), [this] {
+        // As the recogniser's thread does it: the text is queued, then the dictation counts as answered.
+        time.async([this] { delivery.handleTranscription("last words"); });
+        recorder.recognises = false;
+    });
+    time.advance(Seconds(0.2 + 0.28));
+    EXPECT_THAT(poster.posted, SizeIs(2));
+    EXPECT_EQ(terminations, 0);
+    time.advance(Seconds(0.4));
+    EXPECT_EQ(terminations, 1);
+    EXPECT_THAT(history.entries(), SizeIs(1));
+}
+
+TEST_F(FarewellTest, whileAPasteIsPending_waitsForItAndGivesTheTargetTimeToFetchTheText) {
+    delivery.handleTranscription("text");
+    farewell.quit();
+    time.advance(Seconds(0.28));
+    EXPECT_THAT(poster.posted, SizeIs(2));
+    time.advance(Seconds(0.25));
+    EXPECT_EQ(terminations, 0);
+    time.advance(Seconds(0.25));
+    EXPECT_EQ(terminations, 1);
+}
+
+TEST_F(FarewellTest, whenTheRecogniserDoesNotAnswerInTime_terminatesAndSaysWhatIsLost) {
+    recorder.recognises = true;
+    farewell.quit();
+    time.advance(Farewell::patience);
+    EXPECT_EQ(terminations, 1);
+    EXPECT_EQ(log.printed().back(),
+              "[TovikVoice] The last dictation was not recognised in time: its words are lost");
+    time.advance(Seconds(10));
+    EXPECT_EQ(terminations, 1);
+}
+
+TEST_F(FarewellTest, whenTheTranslationDoesNotComeInTime_saysWhereTheTextIs) {
+    defaults.set("TranslationEnabled", true);
+    delivery.handleTranscription("text");
+    farewell.quit();
+    time.advance(Farewell::patience);
+    EXPECT_EQ(terminations, 1);
+    EXPECT_EQ(log.printed().back(),
+              "[TovikVoice] The last dictation was not pasted in time: its text is in the history");
+}
+
+TEST_F(FarewellTest, whenAskedAgain_terminatesAtOnce) {
+    recorder.recognises = true;
+    farewell.quit();
+    farewell.quit();
+    EXPECT_EQ(terminations, 1);
+    time.advance(Seconds(10));
+    EXPECT_EQ(terminations, 1);
+}
+
+} // namespace
+} // namespace tovik
