@@ -22,6 +22,7 @@ constexpr auto kBundleIdentifier = "tovik-record";
 constexpr auto kInstalledExecutable = "/usr/bin/tovik-record";
 constexpr Seconds kLongestWaitForSound{0.15};
 constexpr Seconds kLongestWaitForPortal{1.0};
+constexpr Seconds kSavingAgainInterval{5};
 
 std::string environment(const char* variable) {
     const char* value = std::getenv(variable);
@@ -51,7 +52,7 @@ bool isSelf(const std::optional<RunningApplication>& application) {
 } // namespace
 
 LinuxPlatform::LinuxPlatform()
-    : defaults_(folders_.defaultsFile(), log_),
+    : defaults_(folders_.defaultsFile(), log_, [this] { saveSettingsAgainLater(); }),
       defaultsChanges_(folders_.defaultsFile(), log_),
       workspace_({.queue = queue_,
                   .ownBundleIdentifier = kBundleIdentifier,
@@ -150,6 +151,14 @@ void LinuxPlatform::whenSoundIsKnown(std::function<void()> callback) {
 }
 
 LinuxPlatform::~LinuxPlatform() = default;
+
+void LinuxPlatform::saveSettingsAgainLater() {
+    savingSettingsAgain_ = queue_.after(kSavingAgainInterval, [this] {
+        if (!defaults_.saveAgain()) {
+            saveSettingsAgainLater();
+        }
+    });
+}
 
 void LinuxPlatform::wrapForTimings(const std::string& path) {
     marks_ = std::make_unique<TimingMarks>(path);

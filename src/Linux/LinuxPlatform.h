@@ -68,12 +68,14 @@ public:
 private:
     [[nodiscard]] LinuxAuthorization::Answers authorizationAnswers();
     void wrapForTimings(const std::string& path);
+    void saveSettingsAgainLater();
 
     XdgFolders folders_;
     SystemClock clock_;
     StandardLog log_;
     QtMainQueue queue_;
     LocalFiles files_;
+    Subscription savingSettingsAgain_;
     JsonUserDefaults defaults_;
     QtUserDefaultsChanges defaultsChanges_;
     PosixProcessLauncher launcher_;

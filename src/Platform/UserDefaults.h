@@ -28,6 +28,10 @@ public:
     /// Removing an absent key is harmless.
     virtual void remove(std::string_view key) = 0;
 
+    /// Whether the key's last change has been written: false after a write that failed, until a later one
+    /// works. Such a change is gone when another process changes the same key first.
+    [[nodiscard]] virtual bool isSaved(std::string_view /*key*/) const { return true; }
+
     /// Keeps a copy of a stored value that nothing could be made of and that is about to be replaced, for a
     /// person to find; harmless when the key is absent. Writes, so it is for the main thread.
     virtual void keepAside(std::string_view key) {

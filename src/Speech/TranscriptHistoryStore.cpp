@@ -39,6 +39,12 @@ std::optional<TranscriptHistoryEntry> entryFrom(const PropertyValue& element) {
                                   dateFromSecondsSince1970(createdAt->get<double>())};
 }
 
+void trimToMost(std::vector<TranscriptHistoryEntry>& entries) {
+    if (entries.size() > TranscriptHistoryStore::maxEntries) {
+        entries.resize(TranscriptHistoryStore::maxEntries);
+    }
+}
+
 } // namespace
 
 TranscriptHistoryStore::TranscriptHistoryStore(UserDefaults& defaults, const Clock& clock)
@@ -52,13 +58,16 @@ void TranscriptHistoryStore::add(std::string_view text) {
     if (kept.empty()) {
         return;
     }
+    // Whoever else writes to the same list must find his entries there afterwards.
+    (void)loadIfChanged();
     // What is stored must be well-formed, whoever handed it in. An entry equals itself when it is loaded
     // again.
     const auto createdAt = dateFromSecondsSince1970(secondsSince1970(clock_.now()));
-    entries_.insert(entries_.begin(), {toUtf8(toUtf16(kept)), createdAt});
-    if (entries_.size() > maxEntries) {
-        entries_.resize(maxEntries);
-    }
+    const TranscriptHistoryEntry entry{toUtf8(toUtf16(kept)), createdAt};
+    entries_.insert(entries_.begin(), entry);
+    unsaved_.insert(unsaved_.begin(), entry);
+    trimToMost(entries_);
+    trimToMost(unsaved_);
     save();
 }
 
@@ -66,7 +75,9 @@ bool TranscriptHistoryStore::remove(std::size_t index) {
     if (index >= entries_.size()) {
         return false;
     }
-    entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(index));
+    const auto entry = entries_.begin() + static_cast<std::ptrdiff_t>(index);
+    std::erase(unsaved_, *entry);
+    entries_.erase(entry);
     return true;
 }
 
@@ -98,14 +109,41 @@ void TranscriptHistoryStore::save() {
     defaults_.set(storageKey, std::move(list));
     // A write that failed has left something else there: that is no change by others.
     known_ = defaults_.value(storageKey);
+    forgetSaved();
 }
 
 bool TranscriptHistoryStore::loadIfChanged() {
     if (defaults_.value(storageKey) == known_) {
+        forgetSaved();
         return false;
     }
+    const auto unsaved = unsaved_;
     load();
+    if (!unsaved.empty()) {
+        putBack(unsaved);
+        save();
+    }
     return true;
+}
+
+/// A write that failed may have been made up for since.
+void TranscriptHistoryStore::forgetSaved() {
+    if (defaults_.isSaved(storageKey)) {
+        unsaved_.clear();
+    }
+}
+
+void TranscriptHistoryStore::putBack(const std::vector<TranscriptHistoryEntry>& unsaved) {
+    for (const auto& entry : unsaved) {
+        if (std::find(entries_.begin(), entries_.end(), entry) != entries_.end()) {
+            continue;
+        }
+        const auto older = std::find_if(entries_.begin(), entries_.end(),
+                                        [&](const auto& other) { return other.createdAt < entry.createdAt; });
+        entries_.insert(older, entry);
+    }
+    trimToMost(entries_);
+    unsaved_ = unsaved;
 }
 
 } // namespace tovik

@@ -25,7 +25,9 @@ public:
     /// Index 0 is the newest. More than maxEntries only when that many were stored, until the next add().
     [[nodiscard]] const std::vector<TranscriptHistoryEntry>& entries() const { return entries_; }
 
-    /// Puts the trimmed text first and saves; nothing at all when only white space is in it.
+    /// Puts the trimmed text first, before what others have stored by now, and saves; nothing at all when
+    /// only white space is in it. An entry that cannot be saved stays in the list until it can, whatever
+    /// others store meanwhile.
     void add(std::string_view text);
 
     /// Takes an entry out of the list without saving; false, and no change, when there is none at the index.
@@ -36,7 +38,8 @@ public:
     void load();
 
     /// As load(), when something else is stored than this store has loaded or written last, as after a change
-    /// by another process. Whether it was.
+    /// by another process; entries that could not be saved are put among the others and saved with them.
+    /// Whether it was.
     bool loadIfChanged();
 
     /// Writes all entries. Before it overwrites stored elements that could not be loaded, they are kept aside
@@ -44,9 +47,14 @@ public:
     void save();
 
 private:
+    void forgetSaved();
+    void putBack(const std::vector<TranscriptHistoryEntry>& unsaved);
+
     UserDefaults& defaults_;
     const Clock& clock_;
     std::vector<TranscriptHistoryEntry> entries_;
+    /// Those of the entries that were added and never written, newest first.
+    std::vector<TranscriptHistoryEntry> unsaved_;
     bool storedHoldsMore_ = false;
     /// What is stored, as far as this store knows.
     std::optional<PropertyValue> known_;

@@ -26,6 +26,29 @@ public:
         const std::lock_guard lock(mutex_);
         writes_.emplace_back(key);
         values_.insert_or_assign(std::string(key), std::move(value));
+        saves_[std::string(key)] = savesChanges_;
+    }
+
+    [[nodiscard]] bool isSaved(std::string_view key) const override {
+        const std::lock_guard lock(mutex_);
+        const auto found = saves_.find(key);
+        return found == saves_.end() || found->second;
+    }
+
+    /// From now on changes hold, but are not saved; or are again, with those of before.
+    void setSaving(bool works) {
+        const std::lock_guard lock(mutex_);
+        savesChanges_ = works;
+        if (works) {
+            saves_.clear();
+        }
+    }
+
+    /// Another process has changed a key, and takes the place of what was not saved.
+    void setByOthers(std::string_view key, PropertyValue value) {
+        const std::lock_guard lock(mutex_);
+        values_.insert_or_assign(std::string(key), std::move(value));
+        saves_.insert_or_assign(std::string(key), true);
     }
 
     void remove(std::string_view key) override {
@@ -46,6 +69,8 @@ private:
     mutable std::mutex mutex_;
     std::map<std::string, PropertyValue, std::less<>> values_;
     std::vector<std::string> writes_;
+    bool savesChanges_ = true;
+    std::map<std::string, bool, std::less<>> saves_;
 };
 
 } // namespace tovik::test

@@ -30,10 +30,17 @@ void closeToOthers(const std::string& folder) {
 
 } // namespace
 
-JsonUserDefaults::JsonUserDefaults(std::string path, SystemLog& log)
+JsonUserDefaults::JsonUserDefaults(std::string path, SystemLog& log, std::function<void()> onUnsaved)
     : path_(std::move(path)),
       log_(log),
+      onUnsaved_(std::move(onUnsaved)),
       view_(path_) {}
+
+JsonUserDefaults::~JsonUserDefaults() {
+    if (!saveAgain()) {
+        complain("The settings and transcripts that could not be saved in " + path_ + " are lost");
+    }
+}
 
 std::optional<PropertyValue> JsonUserDefaults::value(std::string_view key) const {
     const auto found = newest()->find(key);
@@ -65,24 +72,55 @@ std::shared_ptr<const JsonDocument> JsonUserDefaults::newest() const {
     return document;
 }
 
+bool JsonUserDefaults::isSaved(std::string_view key) const {
+    (void)newest();
+    const std::lock_guard lock(viewing_);
+    return !view_.hasUnsaved(key);
+}
+
+bool JsonUserDefaults::hasUnsaved() const {
+    const std::lock_guard lock(viewing_);
+    return view_.hasUnsaved();
+}
+
 void JsonUserDefaults::change(std::string_view key, const JsonDocument::Value& value) {
-    const std::lock_guard lock(writing_);
-    if (const auto saved = save(key, value); !saved) {
-        complain("Failed to save the setting " + std::string(key) + ": " + saved.error().description +
-                 ". It holds until the program ends and is saved with the next change that can be.");
+    const auto saved = [&] {
+        const std::lock_guard lock(writing_);
+        return save([&] { view_.put(key, value); }, kLockPatience);
+    }();
+    if (saved) {
+        return;
+    }
+    complain("Failed to save the setting " + std::string(key) + ": " + saved.error().description +
+             ". It holds until the program ends and is saved as soon as that works.");
+    if (onUnsaved_) {
+        onUnsaved_();
     }
 }
 
-Result<void> JsonUserDefaults::save(std::string_view key, const JsonDocument::Value& value) {
+bool JsonUserDefaults::saveAgain() {
+    const std::lock_guard lock(writing_);
+    (void)newest();
+    if (!hasUnsaved()) {
+        return true;
+    }
+    // There is always a next time: nothing is worth holding up the main thread for.
+    if (!save([] {}, Seconds(0))) {
+        return false;
+    }
+    complain("The settings that could not be saved are saved now");
+    return true;
+}
+
+Result<void> JsonUserDefaults::save(const std::function<void()>& change, Seconds patience) {
     auto ready = prepareFolder();
     // Held until this function returns, so that no other process writes between our reading and writing.
-    const auto lock =
-        ready ? FileLock::acquire(path_ + ".lock", kLockPatience) : Result<FileLock>(ready.error());
+    const auto lock = ready ? FileLock::acquire(path_ + ".lock", patience) : Result<FileLock>(ready.error());
     (void)newest();
     std::shared_ptr<const JsonDocument> document;
     {
         const std::lock_guard viewing(viewing_);
-        view_.put(key, value);
+        change();
         document = view_.document();
         ready = lock ? view_.mayBeOverwritten() : Result<void>(lock.error());
     }

@@ -26,6 +26,10 @@ public:
     /// The change holds from now on. Null removes the key.
     void put(std::string_view key, JsonDocument::Value value);
 
+    /// Whether changes are still to be written: any, or those of a key.
+    [[nodiscard]] bool hasUnsaved() const { return !unsaved_.empty(); }
+    [[nodiscard]] bool hasUnsaved(std::string_view key) const { return unsaved_.contains(key); }
+
     /// The document with all changes on it has been written, as this text.
     void wasSaved(std::shared_ptr<const JsonDocument> document, std::string_view text);
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Storage/JsonUserDefaults.h"
 
+#include "support/FullDisk.h"
 #include "support/RecordingLog.h"
 #include "support/TemporaryFolder.h"
 
@@ -10,7 +11,6 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <atomic>
@@ -46,27 +46,6 @@ protected:
     std::string folder = home / ".config/tovik-record";
     std::string file = folder + "/defaults.json";
     RecordingLog log;
-};
-
-/// As long as it lives, no file of this process can grow beyond the limit, as on a full disk.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t limit) {
-        ::getrlimit(RLIMIT_FSIZE, &before_);
-        signalBefore_ = ::signal(SIGXFSZ, SIG_IGN);
-        const rlimit full{limit, before_.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &full);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-    ~FullDisk() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        ::signal(SIGXFSZ, signalBefore_);
-    }
-
-private:
-    rlimit before_{};
-    sighandler_t signalBefore_ = SIG_DFL;
 };
 
 mode_t modeOf(const std::string& path) {
@@ -268,6 +247,48 @@ TEST_F(JsonUserDefaultsTest, whenAWriteFailed_theNextOneThatWorksSavesItsChangeT
     EXPECT_FALSE(defaults.value("gone"));
     defaults.set("b", 1);
     EXPECT_EQ(stored(), nlohmann::json({{"a", "new"}, {"b", 1}}));
+}
+
+TEST_F(JsonUserDefaultsTest, whenAWriteFailed_saysSoUntilItIsMadeUpFor) {
+    int unsaved = 0;
+    JsonUserDefaults defaults(file, log, [&unsaved] { ++unsaved; });
+    defaults.set("a", "old");
+    EXPECT_TRUE(defaults.isSaved("a"));
+    {
+        const FullDisk full(4);
+        defaults.set("a", "new");
+        EXPECT_FALSE(defaults.isSaved("a"));
+        EXPECT_TRUE(defaults.isSaved("b"));
+        EXPECT_EQ(unsaved, 1);
+        EXPECT_FALSE(defaults.saveAgain());
+        EXPECT_THAT(log.printed(), SizeIs(1));
+    }
+    EXPECT_TRUE(defaults.saveAgain());
+    EXPECT_TRUE(defaults.isSaved("a"));
+    EXPECT_EQ(stored(), nlohmann::json({{"a", "new"}}));
+    EXPECT_EQ(log.printed().back(), "[TovikVoice] The settings that could not be saved are saved now");
+    EXPECT_TRUE(defaults.saveAgain());
+    EXPECT_THAT(log.printed(), SizeIs(2));
+}
+
+TEST_F(JsonUserDefaultsTest, atTheEnd_savesWhatCouldNotBeSaved) {
+    {
+        auto defaults = open();
+        const FullDisk full(4);
+        defaults.set("a", "value");
+    }
+    EXPECT_EQ(stored(), nlohmann::json({{"a", "value"}}));
+}
+
+TEST_F(JsonUserDefaultsTest, whenThatFailsAtTheEndToo_saysWhatIsLost) {
+    const FullDisk full(4);
+    {
+        auto defaults = open();
+        defaults.set("a", "value");
+    }
+    EXPECT_FALSE(std::filesystem::exists(file));
+    ASSERT_THAT(log.printed(), SizeIs(2));
+    EXPECT_THAT(log.printed().back(), HasSubstr("could not be saved in " + file + " are lost"));
 }
 
 TEST_F(JsonUserDefaultsTest, whenAnotherProcessChangesAKeyAfterAFailedWrite_theirEditHolds) {

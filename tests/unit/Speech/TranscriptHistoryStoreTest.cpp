@@ -262,6 +262,70 @@ TEST(TranscriptHistoryStore, whenAWriteFails_keepsWhatItHolds) {
     EXPECT_THAT(textsOf(store), ElementsAre("text"));
 }
 
+TEST(TranscriptHistoryStore, whenAnotherProcessHasAddedMeanwhile_addKeepsItsEntryToo) {
+    History history;
+    auto store = history.loaded();
+    history.defaults.setByOthers(kKey, PropertyValue::array({element("theirs", 1)}));
+    store.add("ours");
+    EXPECT_THAT(textsOf(store), ElementsAre("ours", "theirs"));
+    EXPECT_THAT(textsOf(history.loaded()), ElementsAre("ours", "theirs"));
+}
+
+// What another process writes takes the place of a list that could not be written.
+
+TEST(TranscriptHistoryStore, whenOthersWriteAfterAFailedWrite_theEntriesNotSavedStandAmongTheirs) {
+    History history;
+    auto store = history.loaded(PropertyValue::array({element("before", 1)}));
+    history.defaults.setSaving(false);
+    store.add("lost one");
+    history.time.pause(Seconds(2));
+    store.add("lost two");
+    const auto between = static_cast<double>(ManualTime::startSecondsSince1970) + 1;
+    history.defaults.setByOthers(kKey,
+                                 PropertyValue::array({element("theirs", between), element("before", 1)}));
+    history.defaults.setSaving(true);
+
+    EXPECT_TRUE(store.loadIfChanged());
+    EXPECT_THAT(textsOf(store), ElementsAre("lost two", "theirs", "lost one", "before"));
+    EXPECT_THAT(textsOf(history.loaded()), ElementsAre("lost two", "theirs", "lost one", "before"));
+}
+
+TEST(TranscriptHistoryStore, asLongAsWritesFail_entriesSurviveEveryChangeByOthers) {
+    History history;
+    auto store = history.loaded();
+    history.defaults.setSaving(false);
+    store.add("lost");
+    history.defaults.setByOthers(kKey, PropertyValue::array({element("theirs", 1)}));
+    EXPECT_TRUE(store.loadIfChanged());
+    history.defaults.setByOthers(kKey, PropertyValue::array({element("theirs again", 2)}));
+    EXPECT_TRUE(store.loadIfChanged());
+    EXPECT_THAT(textsOf(store), ElementsAre("lost", "theirs again"));
+}
+
+TEST(TranscriptHistoryStore, anEntryThatWasSavedAfterAll_isNotPutBackWhenOthersDeleteIt) {
+    History history;
+    auto store = history.loaded();
+    history.defaults.setSaving(false);
+    store.add("saved late");
+    history.defaults.setSaving(true);
+    EXPECT_FALSE(store.loadIfChanged());
+    history.defaults.setByOthers(kKey, PropertyValue::array());
+    EXPECT_TRUE(store.loadIfChanged());
+    EXPECT_THAT(store.entries(), IsEmpty());
+}
+
+TEST(TranscriptHistoryStore, anEntryThatTheUserDeletes_isNotPutBackThoughItWasNeverSaved) {
+    History history;
+    auto store = history.loaded();
+    history.defaults.setSaving(false);
+    store.add("unwanted");
+    EXPECT_TRUE(store.remove(0));
+    store.save();
+    history.defaults.setByOthers(kKey, PropertyValue::array({element("theirs", 1)}));
+    EXPECT_TRUE(store.loadIfChanged());
+    EXPECT_THAT(textsOf(store), ElementsAre("theirs"));
+}
+
 } // namespace
 
 } // namespace tovik::test
