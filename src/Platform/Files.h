@@ -31,7 +31,7 @@ public:
     /// Another process sees the old content or the new, never a part; the old stays when it fails.
     virtual Result<void> writeAtomically(const std::string& path, std::string_view content) = 0;
 
-    /// Fails when the file does not exist.
+    /// Fails when the file does not exist. The old content stays when it fails.
     virtual Result<void> append(const std::string& path, std::string_view content) = 0;
 
     virtual Result<void> remove(const std::string& path) = 0;

@@ -29,14 +29,16 @@ void DebugLog::debugLog(std::string_view message) {
     if (!isUtf8(message)) {
         return;
     }
-    const auto line = "[" + dateDescription(clock_.now()) + "] " + std::string(message) + "\n";
-    if (files_.append(path_, line)) {
-        return;
+    unwritten_ += "[" + dateDescription(clock_.now()) + "] " + std::string(message) + "\n";
+    if (files_.append(path_, unwritten_) || createFile()) {
+        unwritten_.clear();
     }
-    // Most likely the file does not exist yet.
-    if (files_.createFolder(path_.substr(0, path_.rfind('/')))) {
-        (void)files_.writeAtomically(path_, line);
-    }
+}
+
+/// Only where there is none: one that cannot be written to for now keeps what it holds.
+bool DebugLog::createFile() {
+    return !files_.exists(path_) && files_.createFolder(path_.substr(0, path_.rfind('/'))) &&
+           files_.writeAtomically(path_, unwritten_);
 }
 
 } // namespace tovik

@@ -50,8 +50,8 @@ public:
 
     Result<void> append(const std::string& path, std::string_view content) override {
         record("append", path);
-        if (failure_) {
-            return *failure_;
+        if (failure_ || appendFailure_) {
+            return failure_ ? *failure_ : *appendFailure_;
         }
         const auto found = contents_.find(path);
         if (found == contents_.end()) {
@@ -93,6 +93,8 @@ public:
 
     /// From now on every change fails with this error; nullopt ends the failing.
     void fail(std::optional<Error> error) { failure_ = std::move(error); }
+    /// The same for append() alone.
+    void failToAppend(std::optional<Error> error) { appendFailure_ = std::move(error); }
     /// The folder is there, but listing it is refused.
     void makeUnreadable(const std::string& folder) {
         addFolder(folder);
@@ -157,6 +159,7 @@ private:
     std::map<std::string, Date> dates_;
     std::vector<std::string> calls_;
     std::optional<Error> failure_;
+    std::optional<Error> appendFailure_;
 };
 
 } // namespace tovik::test

@@ -31,6 +31,14 @@ Date dateOf(const timespec& time) {
                                                            std::chrono::nanoseconds(time.tv_nsec)));
 }
 
+/// What a full disk left of a text that was to be appended; unless somebody else has appended since.
+void takeBack(int fd, off_t sizeBefore, off_t appended) {
+    struct stat now {};
+    if (appended > 0 && ::fstat(fd, &now) == 0 && now.st_size == sizeBefore + appended) {
+        (void)!::ftruncate(fd, sizeBefore);
+    }
+}
+
 /// Beside the file, hidden, and of this process and call alone.
 std::string temporaryPathFor(const std::string& path) {
     static std::atomic<unsigned> counter = 0;
@@ -69,12 +77,20 @@ Result<void> LocalFiles::append(const std::string& path, std::string_view conten
     if (!file) {
         return posixError(errno, attempt);
     }
+    struct stat before {};
+    const bool known = ::fstat(file.get(), &before) == 0 && S_ISREG(before.st_mode);
+    off_t appended = 0;
     while (!content.empty()) {
         const auto written = ::write(file.get(), content.data(), content.size());
         if (written < 0 && errno != EINTR) {
-            return posixError(errno, attempt);
+            const auto code = errno;
+            if (known) {
+                takeBack(file.get(), before.st_size, appended);
+            }
+            return posixError(code, attempt);
         }
         if (written > 0) {
+            appended += written;
             content.remove_prefix(static_cast<std::size_t>(written));
         }
     }

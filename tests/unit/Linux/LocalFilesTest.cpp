@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Storage/LocalFiles.h"
 
+#include "support/FullDisk.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -52,6 +53,16 @@ TEST(LocalFiles, whenTheDiskIsFull_writingAndAppendingFailAndTheSentenceNamesFil
     ASSERT_FALSE(appended);
     EXPECT_EQ(appended.error(),
               (Error{"POSIX", ENOSPC, "Cannot append to /dev/full: No space left on device"}));
+}
+
+TEST(LocalFiles, whenOnlyAPartFits_appendingLeavesTheFileAsItWas) {
+    const TemporaryFolder folder;
+    writeFile(folder / "log", "one\n");
+    {
+        const FullDisk full(6);
+        EXPECT_FALSE(LocalFiles().append(folder / "log", "two\n"));
+    }
+    EXPECT_EQ(readFile(folder / "log"), "one\n");
 }
 
 TEST(LocalFiles, whenTheFolderTakesNoFiles_theWriteFailsWithTheReason) {

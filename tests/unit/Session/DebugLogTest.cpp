@@ -46,6 +46,34 @@ TEST_F(DebugLogTest, whenTheFileCannotBeWritten_theSystemLogHasTheLineAndNothing
     EXPECT_TRUE(log.printed().empty());
 }
 
+TEST_F(DebugLogTest, afterAFailureThatPasses_theFileHasEveryLine) {
+    debugLog.debugLog("one");
+    files.fail(Error{"POSIX", 28, "No space left on device"});
+    debugLog.debugLog("two");
+    files.fail(std::nullopt);
+    debugLog.debugLog("three");
+    EXPECT_EQ(files.contentOf(path), "[2025-03-01 14:05:09 +0000] one\n[2025-03-01 14:05:09 +0000] two\n"
+                                     "[2025-03-01 14:05:09 +0000] three\n");
+}
+
+TEST_F(DebugLogTest, whenTheFileIsThereButCannotBeAppendedTo_itKeepsWhatItHolds) {
+    files.addFile(path, "an earlier launch\n");
+    files.failToAppend(Error{"POSIX", 5, "Input/output error"});
+    debugLog.debugLog("one");
+    EXPECT_EQ(files.contentOf(path), "an earlier launch\n");
+    files.failToAppend(std::nullopt);
+    debugLog.debugLog("two");
+    EXPECT_EQ(files.contentOf(path),
+              "an earlier launch\n[2025-03-01 14:05:09 +0000] one\n[2025-03-01 14:05:09 +0000] two\n");
+}
+
+TEST_F(DebugLogTest, whenTheFolderIsRemovedInBetween_theNextLineMakesANewFile) {
+    debugLog.debugLog("one");
+    ASSERT_TRUE(files.remove(path));
+    debugLog.debugLog("two");
+    EXPECT_EQ(files.contentOf(path), "[2025-03-01 14:05:09 +0000] two\n");
+}
+
 TEST_F(DebugLogTest, whenTheMessageIsNoUtf8_theFileIsLeftAlone) {
     debugLog.debugLog("\xff\xfe");
     EXPECT_FALSE(files.exists(path));
