@@ -171,10 +171,10 @@ void ServerWorker::recognised(Job& job, const HttpResponse& response) {
         return;
     }
     services_.health->set(std::nullopt);
-    failedAudio_.forgetAll();
     if (text->empty()) {
         job.dictation.utterance->answer(recognitionError(RecognitionCode::noSpeech, "No speech detected"));
     } else {
+        failedAudio_.forgetAll();
         job.dictation.utterance->answer(*text);
     }
 }

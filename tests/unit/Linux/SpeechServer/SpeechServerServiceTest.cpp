@@ -243,6 +243,16 @@ TEST_F(SpeechServerServiceTest, whenTheNextDictationSucceeds_forgetsTheKeptSound
     EXPECT_THAT(keptFiles(), IsEmpty());
 }
 
+TEST_F(SpeechServerServiceTest, whenTheNextDictationHasNoSpeech_keepsTheSoundOfTheFailedOne) {
+    answerUploads([](HttpExchange& exchange) { exchange.answerJson(500, "{}"); });
+    EXPECT_THAT(dictate(), HasSubstr("answered with the error 500"));
+    const auto kept = keptFiles();
+    EXPECT_THAT(kept, SizeIs(1));
+    answerUploads([](HttpExchange& exchange) { exchange.answerJson(200, R"({"text": ""})"); });
+    EXPECT_EQ(dictate(), "<No speech detected>");
+    EXPECT_EQ(keptFiles(), kept);
+}
+
 TEST_F(SpeechServerServiceTest, whenSoundIsNotToBeKept_keepsNone) {
     defaults_.set("platform.speech.keepFailedAudio", false);
     answerUploads([](HttpExchange& exchange) { exchange.answerJson(500, "{}"); });
