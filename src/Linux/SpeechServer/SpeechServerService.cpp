@@ -30,6 +30,13 @@ private:
     const std::weak_ptr<RecognitionRequest> request_;
 };
 
+/// Keys that were copied or came through a pipe may have a line break at their end.
+std::string withoutOuterSpace(const std::string& text) {
+    constexpr auto kSpace = " \t\r\n";
+    const auto begin = text.find_first_not_of(kSpace);
+    return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(kSpace) - begin + 1);
+}
+
 /// All of the sound at once.
 std::shared_ptr<RecognitionRequest> requestWith(const RecognitionSettings& settings,
                                                 const std::vector<std::int16_t>& samples) {
@@ -192,7 +199,7 @@ void SpeechServerService::lookUpKey() {
 
 /// A key is not shown to everybody on the way.
 std::string SpeechServerService::keyFor(const ServerSettings& settings) const {
-    const auto key = settings.key.value_or(keptKey_.value_or(""));
+    const auto key = withoutOuterSpace(settings.key.value_or(keptKey_.value_or("")));
     const bool isSafe = settings.address.isEncrypted || settings.address.isThisMachine();
     if (!key.empty() && !isSafe) {
         log_->logLine("[TovikVoice] The speech server's key is not sent, since the connection to " +
@@ -200,7 +207,12 @@ std::string SpeechServerService::keyFor(const ServerSettings& settings) const {
         return {};
     }
     const bool isClean = std::all_of(key.begin(), key.end(), [](char c) { return c > ' ' && c < '\x7f'; });
-    return isClean ? key : "";
+    if (!isClean) {
+        log_->logLine("[TovikVoice] The speech server's key is not sent, since it has characters that no key "
+                      "has");
+        return {};
+    }
+    return key;
 }
 
 void SpeechServerService::start(std::shared_ptr<Utterance> utterance, const std::string& locale) {

@@ -208,6 +208,21 @@ TEST_F(SpeechServerServiceTest, whenTheKeyIsInTheKeyRing_sendsIt) {
     EXPECT_EQ(uploads().front().headers.at("authorization"), "Bearer ring");
 }
 
+TEST_F(SpeechServerServiceTest, whenTheKeyEndsInALineBreak_sendsItWithout) {
+    defaults_.set("platform.speech.serverKey", " abc\r\n");
+    EXPECT_EQ(dictate(), "hello there");
+    EXPECT_EQ(uploads().front().headers.at("authorization"), "Bearer abc");
+    EXPECT_THAT(log_.logged(), IsEmpty());
+}
+
+TEST_F(SpeechServerServiceTest, whenTheKeyHasAGapInside_sendsNoneAndSaysSo) {
+    defaults_.set("platform.speech.serverKey", "one\ntwo");
+    EXPECT_EQ(dictate(), "hello there");
+    EXPECT_EQ(uploads().front().headers.count("authorization"), 0U);
+    EXPECT_THAT(log_.logged(), ElementsAre(AllOf(HasSubstr("The speech server's key is not sent"),
+                                                 Not(HasSubstr("one")), Not(HasSubstr("two")))));
+}
+
 TEST_F(SpeechServerServiceTest, whenTheConnectionDiesUnanswered_triesOnceMore) {
     std::atomic<int> attempts{0};
     answerUploads([&](HttpExchange& exchange) {
