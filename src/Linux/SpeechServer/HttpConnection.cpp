@@ -5,22 +5,37 @@
 #include <QSslConfiguration>
 #include <QSslError>
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
 #include <algorithm>
 #include <limits>
 #include <utility>
 
 namespace tovik {
 
+namespace {
+
+/// What is handed to the system and not yet under way. Without a limit the system takes megabytes at once,
+/// and nobody can tell whether they get anywhere.
+constexpr int kUnsentBytes = 64 << 10;
+
+} // namespace
+
 HttpConnection::HttpConnection(ServerAddress address) : address_(std::move(address)) {
     stepTimer_.setSingleShot(true);
     wholeTimer_.setSingleShot(true);
     QObject::connect(&socket_, address_.isEncrypted ? &QSslSocket::encrypted : &QSslSocket::connected,
                      &socket_, [this] { connected(); });
+    QObject::connect(&socket_,
+                     address_.isEncrypted ? &QSslSocket::encryptedBytesWritten : &QSslSocket::bytesWritten,
+                     &socket_, [this] { sent(); });
     QObject::connect(&socket_, &QSslSocket::readyRead, &socket_, [this] { read(); });
     QObject::connect(&socket_, &QSslSocket::disconnected, &socket_, [this] { disconnected(); });
     QObject::connect(&socket_, &QSslSocket::errorOccurred, &socket_, [this] { failed(); });
-    QObject::connect(&stepTimer_, &QTimer::timeout, &stepTimer_, [this] { timedOut(); });
-    QObject::connect(&wholeTimer_, &QTimer::timeout, &wholeTimer_, [this] { timedOut(); });
+    QObject::connect(&stepTimer_, &QTimer::timeout, &stepTimer_, [this] { stalled(); });
+    QObject::connect(&wholeTimer_, &QTimer::timeout, &wholeTimer_, [this] { outOfTime(); });
 }
 
 int HttpConnection::milliseconds(Seconds time) {
@@ -49,7 +64,7 @@ void HttpConnection::send(std::string request, const Timeouts& timeouts,
     request_ = std::move(request);
     timeouts_ = timeouts;
     callback_ = std::move(callback);
-    wholeTimer_.start(milliseconds(timeouts_.whole));
+    wholeTimer_.start(milliseconds(timeouts_.sending));
     if (earlyFailure_) {
         QMetaObject::invokeMethod(
             &socket_, [this] { finish(*earlyFailure_); }, Qt::QueuedConnection);
@@ -66,14 +81,32 @@ void HttpConnection::connected() {
         return;
     }
     step_ = Step::sending;
+    const int unsent = kUnsentBytes;
+    ::setsockopt(static_cast<int>(socket_.socketDescriptor()), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &unsent,
+                 sizeof unsent);
     socket_.write(request_.data(), static_cast<qint64>(request_.size()));
-    socket_.flush();
     stepTimer_.start(milliseconds(timeouts_.firstByte));
+    socket_.flush();
+}
+
+void HttpConnection::sent() {
+    if (step_ != Step::sending) {
+        return;
+    }
+    stepTimer_.start(milliseconds(timeouts_.firstByte));
+    if (socket_.bytesToWrite() == 0 && socket_.encryptedBytesToWrite() == 0) {
+        step_ = Step::waiting;
+        wholeTimer_.start(milliseconds(timeouts_.whole));
+    }
 }
 
 void HttpConnection::read() {
     const auto bytes = socket_.readAll();
-    if (step_ == Step::sending) {
+    if (step_ == Step::sending || step_ == Step::waiting) {
+        // A server may well refuse what it has not yet taken in.
+        if (step_ == Step::sending) {
+            wholeTimer_.start(milliseconds(timeouts_.whole));
+        }
         step_ = Step::receiving;
         stepTimer_.stop();
     }
@@ -114,6 +147,7 @@ void HttpConnection::failed() {
         fail(HttpFailure::Kind::notConnected, "cannot be reached: " + socketError());
         break;
     case Step::sending:
+    case Step::waiting:
         fail(HttpFailure::Kind::diedUnanswered, "closed the connection without an answer");
         break;
     case Step::receiving:
@@ -124,12 +158,23 @@ void HttpConnection::failed() {
     }
 }
 
-void HttpConnection::timedOut() {
+void HttpConnection::stalled() {
+    if (step_ == Step::sending) {
+        fail(HttpFailure::Kind::timedOut, "takes in nothing of what is sent to it");
+    } else {
+        outOfTime();
+    }
+}
+
+void HttpConnection::outOfTime() {
     switch (step_) {
     case Step::connecting:
         fail(HttpFailure::Kind::timedOut, "cannot be reached in time");
         break;
     case Step::sending:
+        fail(HttpFailure::Kind::timedOut, "takes in too slowly what is sent to it");
+        break;
+    case Step::waiting:
         fail(HttpFailure::Kind::timedOut, "does not answer");
         break;
     case Step::receiving:

@@ -40,8 +40,12 @@ public:
 
     struct Timeouts {
         Seconds connect;
-        /// From the request to the first byte of the response, and to the last one.
+        /// How long the server may take in nothing while the request is sent; from the end of that to the
+        /// first byte of the response.
         Seconds firstByte;
+        /// From the call to the end of sending.
+        Seconds sending;
+        /// From the end of sending to the last byte of the response.
         Seconds whole;
     };
 
@@ -58,13 +62,15 @@ public:
     void send(std::string request, const Timeouts& timeouts, std::function<void(const Outcome&)> callback);
 
 private:
-    enum class Step { connecting, sending, receiving, over };
+    enum class Step { connecting, sending, waiting, receiving, over };
 
     void connected();
+    void sent();
     void read();
     void disconnected();
     void failed();
-    void timedOut();
+    void stalled();
+    void outOfTime();
     void finish(const Outcome& outcome);
     void fail(HttpFailure::Kind kind, const std::string& what);
     [[nodiscard]] std::string socketError() const;

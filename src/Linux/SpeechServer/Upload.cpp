@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/SpeechServer/Upload.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 #include <utility>
@@ -14,6 +15,9 @@ constexpr int kTooManyRequests = 429;
 constexpr int kUnavailable = 503;
 /// How often a server that is just being started is tried.
 constexpr Seconds kStartPause{0.2};
+/// The slowest way to a server on which dictations are sent at all: 16 kB a second is half of what sound of
+/// 16 kHz comes in at.
+constexpr double kSlowestBytes = 16000;
 
 /// The seconds that a busy server asks for. Dates are not looked at: no server of this kind sends them.
 std::optional<Seconds> retryAfter(const HttpResponse& response) {
@@ -30,12 +34,19 @@ std::optional<Seconds> retryAfter(const HttpResponse& response) {
 
 } // namespace
 
-Upload::Upload(const ServerSettings& settings) : settings_(settings) {
+Upload::Upload(const ServerSettings& settings, Seconds oldestConnection) : settings_(settings) {
     again_.setSingleShot(true);
     QObject::connect(&again_, &QTimer::timeout, &again_, [this] { attempt(); });
+    renew_.setInterval(std::chrono::duration_cast<std::chrono::milliseconds>(oldestConnection));
+    QObject::connect(&renew_, &QTimer::timeout, &renew_, [this] { connect(); });
 }
 
 void Upload::open() {
+    connect();
+    renew_.start();
+}
+
+void Upload::connect() {
     connection_ = std::make_unique<HttpConnection>(settings_.address);
     connection_->open();
 }
@@ -43,20 +54,26 @@ void Upload::open() {
 void Upload::send(std::string request, std::function<void(const Outcome&)> callback) {
     request_ = std::move(request);
     callback_ = std::move(callback);
+    renew_.stop();
+    patience_ = settings_.wholeTimeout + Seconds(static_cast<double>(request_.size()) / kSlowestBytes);
     sinceSend_.start();
     attempt();
 }
 
 Seconds Upload::timeLeft() const {
-    return settings_.wholeTimeout - Seconds(static_cast<double>(sinceSend_.elapsed()) / 1000);
+    return patience_ - Seconds(static_cast<double>(sinceSend_.elapsed()) / 1000);
 }
 
 void Upload::attempt() {
     // Servers close a connection on which nothing comes for a few seconds, as while somebody speaks.
     if (!connection_ || !connection_->isAlive()) {
-        open();
+        connect();
     }
-    connection_->send(request_, {settings_.connectTimeout, settings_.firstByteTimeout, timeLeft()},
+    connection_->send(request_,
+                      {.connect = settings_.connectTimeout,
+                       .firstByte = settings_.firstByteTimeout,
+                       .sending = timeLeft(),
+                       .whole = std::min(settings_.wholeTimeout, timeLeft())},
                       [this](const Outcome& outcome) { answered(outcome); });
 }
 
@@ -75,7 +92,8 @@ void Upload::answered(const Outcome& outcome) {
         }
     } else {
         const auto kind = std::get<HttpFailure>(outcome).kind;
-        if (kind == HttpFailure::Kind::diedUnanswered && !std::exchange(wasRepeated_, true)) {
+        if (kind == HttpFailure::Kind::diedUnanswered && hasTimeFor(Seconds(0)) &&
+            !std::exchange(wasRepeated_, true)) {
             attemptAfter(Seconds(0));
             return;
         }

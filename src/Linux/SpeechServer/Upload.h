@@ -20,16 +20,21 @@ class Upload {
 public:
     using Outcome = HttpConnection::Outcome;
 
-    explicit Upload(const ServerSettings& settings);
+    /// Firewalls on the way silently forget a connection on which nothing comes for half a minute or more.
+    static constexpr Seconds oldest{20};
+
+    /// oldestConnection: one that waits for its request that long is replaced.
+    explicit Upload(const ServerSettings& settings, Seconds oldestConnection = oldest);
     Upload(const Upload&) = delete;
     Upload& operator=(const Upload&) = delete;
 
-    /// Opens the connection.
+    /// Opens the connection, and a fresh one now and then until there is something to send.
     void open();
     /// Once only. The callback is called once, later, unless the object is gone by then.
     void send(std::string request, std::function<void(const Outcome&)> callback);
 
 private:
+    void connect();
     void attempt();
     void answered(const Outcome& outcome);
     void attemptAfter(Seconds pause);
@@ -41,7 +46,10 @@ private:
     std::string request_;
     std::function<void(const Outcome&)> callback_;
     QElapsedTimer sinceSend_;
+    /// For all attempts together.
+    Seconds patience_{0};
     QTimer again_;
+    QTimer renew_;
     bool wasRepeated_ = false;
 };
 

@@ -45,6 +45,9 @@ protected:
             auto* const socket = server_.nextPendingConnection();
             QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
                 received_ += socket->readAll();
+                if (!answers_) {
+                    return;
+                }
                 socket->write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nhi");
             });
         });
@@ -67,7 +70,7 @@ protected:
         std::optional<HttpConnection::Outcome> outcome;
         connection.open();
         connection.send("GET / HTTP/1.1\r\nAuthorization: Bearer secret\r\n\r\n",
-                        {Seconds(20), Seconds(20), Seconds(20)},
+                        {Seconds(20), firstByte_, Seconds(20), Seconds(20)},
                         [&](const HttpConnection::Outcome& answer) { outcome = answer; });
         EXPECT_TRUE(runUntil([&] { return outcome.has_value(); }));
         const auto* const failure = std::get_if<HttpFailure>(&*outcome);
@@ -78,12 +81,21 @@ protected:
     const QSslCertificate certificate_{QByteArray(kCertificate)};
     QSslServer server_;
     QByteArray received_;
+    bool answers_ = true;
+    Seconds firstByte_{20};
 };
 
 TEST_F(SpeechServerTls, whenTheCertificateIsTrusted_theServerIsAsked) {
     trustTheServer();
     EXPECT_EQ(ask("127.0.0.1"), "hi");
     EXPECT_TRUE(received_.contains("Bearer secret"));
+}
+
+TEST_F(SpeechServerTls, whenTheServerHasItAllAndDoesNotAnswer_saysSo) {
+    trustTheServer();
+    answers_ = false;
+    firstByte_ = Seconds(0.2);
+    EXPECT_THAT(ask("127.0.0.1"), HasSubstr("does not answer"));
 }
 
 TEST_F(SpeechServerTls, whenNobodyVouchesForTheCertificate_nothingIsSent) {
