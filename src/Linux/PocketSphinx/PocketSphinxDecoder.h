@@ -7,7 +7,7 @@
 #include "Linux/PocketSphinx/FrontEnd.h"
 #include "Linux/PocketSphinx/LibraryCall.h"
 #include "Linux/PocketSphinx/ModelFiles.h"
-#include "Linux/PocketSphinx/VoiceEvidence.h"
+#include "Linux/Recognition/VoiceEvidence.h"
 #include "Linux/Recognition/UtteranceDecoder.h"
 
 #include <memory>

@@ -8,6 +8,7 @@
 
 #include <unicode/unistr.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace tovik {
@@ -16,6 +17,9 @@ namespace {
 
 /// Readings that are compared when there are words to favour.
 constexpr int kAlternatives = 5;
+
+/// More words than a hum is taken for were said by somebody, perhaps in a whisper beside a fan.
+constexpr std::ptrdiff_t kWordsOfHum = 2;
 
 std::string lowerCase(const std::string& text) {
     std::string lower;
@@ -68,6 +72,7 @@ Result<void> VoskDecoder::prepare(const std::vector<std::string>& contextualStri
 Result<void> VoskDecoder::begin(const std::vector<std::string>& contextualStrings) {
     static_cast<void>(prepare(contextualStrings));
     text_.clear();
+    voice_.begin();
     // A fresh one each time: it costs little beside the model, and nothing of the utterance before stays.
     freeRecognizer();
     recognizer_ = library_->newRecognizer(model_, static_cast<float>(sampleRate));
@@ -81,6 +86,7 @@ Result<void> VoskDecoder::begin(const std::vector<std::string>& contextualString
 }
 
 Result<void> VoskDecoder::accept(std::span<const std::int16_t> samples) {
+    voice_.process(samples);
     const int heard = library_->acceptSamples(recognizer_, samples.data(), static_cast<int>(samples.size()));
     if (heard < 0) {
         return recognitionError(RecognitionCode::failed, "The Vosk library failed");
@@ -95,15 +101,20 @@ void VoskDecoder::append(const char* answer) {
     text_ = joined(text_, answer == nullptr ? "" : voskText(answer, favoured_));
 }
 
+bool VoskDecoder::isHum(const std::string& text) const {
+    return voice_.heardOnlyTones() && std::count(text.begin(), text.end(), ' ') < kWordsOfHum;
+}
+
 std::string VoskDecoder::hypothesis() {
     const char* const answer = library_->partialResult(recognizer_);
-    return joined(text_, answer == nullptr ? "" : voskPartial(answer));
+    auto text = joined(text_, answer == nullptr ? "" : voskPartial(answer));
+    return isHum(text) ? "" : text;
 }
 
 Result<std::string> VoskDecoder::finish() {
     append(library_->finalResult(recognizer_));
     freeRecognizer();
-    if (text_.empty()) {
+    if (text_.empty() || isHum(text_)) {
         return recognitionError(RecognitionCode::noSpeech, "No speech detected");
     }
     return text_;

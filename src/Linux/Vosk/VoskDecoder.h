@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Linux/Recognition/UtteranceDecoder.h"
+#include "Linux/Recognition/VoiceEvidence.h"
 #include "Linux/Vosk/VoskLibrary.h"
 
 #include <memory>
@@ -15,6 +16,8 @@ namespace tovik {
 ///
 /// A phrase list would restrict what it hears to the phrases. So the words to favour are looked for among the
 /// likeliest readings instead, and the likeliest that has some of them may win over one that has fewer.
+///
+/// Silence and noise it makes no words of, but of a hum it makes one or two now and then.
 class VoskDecoder : public UtteranceDecoder {
 public:
     /// Loads the model, which takes from half a second to a minute.
@@ -33,6 +36,7 @@ private:
 
     void freeRecognizer();
     void append(const char* answer);
+    [[nodiscard]] bool isHum(const std::string& text) const;
 
     const std::shared_ptr<const VoskLibrary> library_;
     VoskModel* const model_;
@@ -40,6 +44,7 @@ private:
     /// In lower case, as the library writes.
     std::vector<std::string> favoured_;
     std::string text_;
+    VoiceEvidence voice_;
 };
 
 } // namespace tovik

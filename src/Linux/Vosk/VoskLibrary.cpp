@@ -42,7 +42,7 @@ Result<std::shared_ptr<const VoskLibrary>> VoskLibrary::load(const std::vector<s
             }
             continue;
         }
-        const std::shared_ptr<VoskLibrary> library(new VoskLibrary(handle));
+        const std::shared_ptr<VoskLibrary> library(new VoskLibrary(handle, candidate));
         const auto missing = library->findFunctions();
         if (missing.empty()) {
             library->setLogLevel(-1);

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 // The library's own objects; nothing of it is there when this is built.
@@ -29,6 +30,9 @@ public:
     VoskLibrary(const VoskLibrary&) = delete;
     VoskLibrary& operator=(const VoskLibrary&) = delete;
 
+    /// What it was loaded as.
+    [[nodiscard]] const std::string& file() const { return file_; }
+
     void (*setLogLevel)(int level) = nullptr;
     VoskModel* (*newModel)(const char* path) = nullptr;
     void (*freeModel)(VoskModel* model) = nullptr;
@@ -48,11 +52,12 @@ public:
     void (*reset)(VoskRecognizer* recognizer) = nullptr;
 
 private:
-    explicit VoskLibrary(void* handle) : handle_(handle) {}
+    VoskLibrary(void* handle, std::string file) : handle_(handle), file_(std::move(file)) {}
     /// The name of a function that must be there and is not; empty when all are.
     [[nodiscard]] std::string findFunctions();
 
     void* const handle_;
+    const std::string file_;
 };
 
 } // namespace tovik

@@ -95,16 +95,23 @@ std::string VoskModels::whereToGet(const std::string& locale) const {
 
 Result<void> VoskModels::check(const std::string& folder) {
     std::error_code error;
+    const auto size = [&](const char* file) {
+        const auto bytes = fs::file_size(fs::path(folder) / file, error);
+        return error ? std::nullopt : std::optional(bytes);
+    };
+    const auto unusable = [&](const std::string& why) {
+        return recognitionError(RecognitionCode::noModel,
+                                "The Vosk model " + folder + " is not usable: " + why + ". Unpack it anew.");
+    };
     // Older models have their files at the top.
-    for (const auto* file : {"am/final.mdl", "final.mdl"}) {
-        if (fs::is_regular_file(fs::path(folder) / file, error) &&
-            fs::file_size(fs::path(folder) / file, error) > 0) {
-            return {};
-        }
+    if (size("am/final.mdl").value_or(0) == 0 && size("final.mdl").value_or(0) == 0) {
+        return unusable("am/final.mdl is missing");
     }
-    return recognitionError(RecognitionCode::noModel,
-                            "The Vosk model " + folder +
-                                " is not usable: am/final.mdl is missing. Unpack it anew.");
+    // Without words the library hears nothing in anything, and does not say why.
+    if (size("graph/words.txt") == 0U || size("words.txt") == 0U) {
+        return unusable("its words.txt is empty");
+    }
+    return {};
 }
 
 } // namespace tovik

@@ -27,7 +27,7 @@ public:
     /// Where a model for the locale is to be had and where it goes, in a sentence.
     [[nodiscard]] std::string whereToGet(const std::string& locale) const;
 
-    /// Whether a folder has what every model has. The error says what is missing.
+    /// Whether a folder has what every model has; a moment's look. The error says what is missing.
     [[nodiscard]] static Result<void> check(const std::string& folder);
 
 private:

@@ -14,13 +14,23 @@ namespace {
 
 constexpr Seconds kLoading{300};
 
+Result<std::unique_ptr<UtteranceDecoder>> loadChecked(const VoskCheck& check,
+                                                      const std::shared_ptr<const VoskLibrary>& library,
+                                                      const std::string& folder) {
+    if (auto usable = check.run(library->file(), folder); !usable) {
+        return usable.error();
+    }
+    return VoskDecoder::load(library, folder);
+}
+
 } // namespace
 
 VoskService::VoskService(SystemLog& log, std::vector<std::string> libraries,
-                         std::vector<std::string> modelFolders)
+                         std::vector<std::string> modelFolders, VoskCheck check)
     : log_(log),
       libraries_(std::move(libraries)),
-      models_(std::move(modelFolders)) {}
+      models_(std::move(modelFolders)),
+      check_(std::move(check)) {}
 
 std::shared_ptr<SpeechRecognizer> VoskService::makeRecognizer(const std::string& localeIdentifier) {
     if (localeIdentifier.empty()) {
@@ -90,11 +100,12 @@ ModelEngine* VoskService::engineFor(const std::string& locale) {
     if (loaded_.size() == mostModels) {
         loaded_.pop_back();
     }
-    loaded_.push_front(
-        {*folder,
-         std::make_unique<ModelEngine>(
-             log_, [folder = *folder] { return VoskModels::check(folder); },
-             [library = library_, folder = *folder] { return VoskDecoder::load(library, folder); }, limits)});
+    loaded_.push_front({*folder, std::make_unique<ModelEngine>(
+                                     log_, [folder = *folder] { return VoskModels::check(folder); },
+                                     [check = check_, library = library_, folder = *folder] {
+                                         return loadChecked(check, library, folder);
+                                     },
+                                     limits)});
     loaded_.front().engine->prepare(contextualStrings_);
     return loaded_.front().engine.get();
 }

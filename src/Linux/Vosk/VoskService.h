@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Linux/Recognition/ModelEngine.h"
+#include "Linux/Vosk/VoskCheck.h"
 #include "Linux/Vosk/VoskLibrary.h"
 #include "Linux/Vosk/VoskModels.h"
 #include "Platform/SpeechService.h"
@@ -19,7 +20,8 @@ namespace tovik {
 /// model is loaded when its locale is asked for first; that of the language before stays.
 class VoskService : public SpeechService {
 public:
-    VoskService(SystemLog& log, std::vector<std::string> libraries, std::vector<std::string> modelFolders);
+    VoskService(SystemLog& log, std::vector<std::string> libraries, std::vector<std::string> modelFolders,
+                VoskCheck check = VoskCheck(VoskCheck::besideThisProgram()));
 
     /// They must not outlive the service.
     [[nodiscard]] std::shared_ptr<SpeechRecognizer>
@@ -51,6 +53,7 @@ private:
     SystemLog& log_;
     const std::vector<std::string> libraries_;
     const VoskModels models_;
+    const VoskCheck check_;
     std::shared_ptr<const VoskLibrary> library_;
     std::string whyNoLibrary_;
     std::vector<std::string> contextualStrings_;

@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 //
-// The real library, without a model: only built where tools/fetch-vosk has brought it.
+// The real library, without a model: only where tools/fetch-vosk has brought it.
 #include "Linux/Vosk/VoskDecoder.h"
 #include "Linux/Vosk/VoskService.h"
+#include "support/RealVosk.h"
 #include "support/RecordingLog.h"
 #include "support/TemporaryFolder.h"
 
@@ -17,7 +18,7 @@ namespace {
 using testing::HasSubstr;
 
 std::shared_ptr<const VoskLibrary> realLibrary() {
-    const auto loaded = VoskLibrary::load({TOVIK_REAL_VOSK});
+    const auto loaded = VoskLibrary::load({realVoskFolder() + "/libvosk.so"});
     return loaded ? loaded.value() : nullptr;
 }
 

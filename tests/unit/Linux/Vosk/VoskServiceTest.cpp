@@ -9,6 +9,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <filesystem>
+
 namespace tovik::test {
 namespace {
 
@@ -29,14 +32,30 @@ protected:
     /// Seconds of sound (true) and of quiet (false), and what comes of it.
     RecognitionAnswers hear(const std::vector<bool>& seconds, const std::string& locale = "en-US",
                             std::vector<std::string> contextualStrings = {}) {
+        std::vector<float> sound;
+        for (const bool isLoud : seconds) {
+            sound.insert(sound.end(), 16000, isLoud ? 0.25F : 0.0F);
+        }
+        return hearSound(sound, locale, std::move(contextualStrings));
+    }
+
+    /// A second of a pure tone.
+    RecognitionAnswers hearHum(double frequency) {
+        std::vector<float> sound(16000);
+        for (std::size_t i = 0; i < sound.size(); ++i) {
+            sound[i] =
+                static_cast<float>(0.2 * std::sin(2 * M_PI * frequency * static_cast<double>(i) / 16000));
+        }
+        return hearSound(sound, "en-US", {});
+    }
+
+    RecognitionAnswers hearSound(const std::vector<float>& sound, const std::string& locale,
+                                 std::vector<std::string> contextualStrings) {
         RecognitionSettings settings;
         settings.reportPartialResults = true;
         settings.contextualStrings = std::move(contextualStrings);
         const auto request = std::make_shared<RecognitionRequest>(settings, 16000);
-        for (const bool isLoud : seconds) {
-            const std::vector<float> sound(16000, isLoud ? 0.25F : 0.0F);
-            request->append({sound, 16000});
-        }
+        request->append({sound, 16000});
         request->endAudio();
         const RecognitionAnswers answers;
         task_ = service().makeRecognizer(locale)->startTask(request, answers.handler());
@@ -128,8 +147,73 @@ TEST_F(VoskServiceTest, whenTheModelIsBroken_saysSoAndLivesOn) {
     EXPECT_THAT(service().whyUnavailable("en-US").value_or(""), HasSubstr("am/final.mdl is missing"));
     EXPECT_FALSE(service().makeRecognizer("en-US")->isAvailable());
     folder_.addModel("vosk-model-de-0.21", {});
-    EXPECT_THAT(hear({true}, "de-DE").waitForText(), HasSubstr("is not usable. Unpack it anew."));
+    EXPECT_THAT(hear({true}, "de-DE").waitForText(),
+                HasSubstr("is not usable: the library refuses it. Unpack it anew."));
     EXPECT_FALSE(service().makeRecognizer("de-DE")->isAvailable());
+}
+
+TEST_F(VoskServiceTest, whenTheLibraryBreaksDownOverTheModel_saysSoAndLivesOn) {
+    folder_.addModel("vosk-model-de-0.21", {"hallo"});
+    writeFile(folder_.models() + "/vosk-model-de-0.21/breaks", "");
+    EXPECT_THAT(hear({true}, "de-DE").waitForText(), HasSubstr("the library breaks down over it"));
+    EXPECT_FALSE(service().makeRecognizer("de-DE")->isAvailable());
+    EXPECT_THAT(log_.logged(), ElementsAre(HasSubstr("the library breaks down over it. Unpack it anew.")));
+}
+
+TEST_F(VoskServiceTest, whenTheModelHasNoWords_saysSo) {
+    folder_.addModel("vosk-model-de-0.21", {"hallo"});
+    std::filesystem::create_directories(folder_.models() + "/vosk-model-de-0.21/graph");
+    writeFile(folder_.models() + "/vosk-model-de-0.21/graph/words.txt", "");
+    EXPECT_THAT(service().whyUnavailable("de-DE").value_or(""), HasSubstr("its words.txt is empty"));
+}
+
+TEST_F(VoskServiceTest, whenAHumIsTakenForAWord_saysThatThereWasNoSpeech) {
+    folder_.addModel("en", {"and"});
+    EXPECT_EQ(hearHum(440).waitForText(), "<No speech detected>");
+}
+
+TEST_F(VoskServiceTest, whenManyWordsAreHeardBesideAHum_keepsThem) {
+    folder_.addModel("en", {"this was whispered beside a fan"});
+    EXPECT_EQ(hearHum(440).waitForText(), "this was whispered beside a fan");
+}
+
+/// What the check makes of how its program ends.
+struct CheckOutcome {
+    std::string name;
+    std::string script;
+    std::string says;
+
+    friend void PrintTo(const CheckOutcome& row, std::ostream* out) { *out << row.name; }
+};
+
+class VoskCheckOutcome : public testing::TestWithParam<CheckOutcome> {};
+
+TEST_P(VoskCheckOutcome, isSaid) {
+    const TemporaryFolder folder;
+    writeFile(folder / "check", "#!/bin/sh\n" + GetParam().script + "\n");
+    std::filesystem::permissions(folder / "check", std::filesystem::perms::owner_all);
+    const auto outcome = VoskCheck(folder / "check").run("libvosk.so", "/models/en");
+    EXPECT_EQ(outcome.ok() ? "" : outcome.error().description, GetParam().says);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, VoskCheckOutcome,
+    testing::Values(
+        CheckOutcome{"Good", "test $1 = libvosk.so && test $2 = /models/en", ""},
+        CheckOutcome{"Refused", "exit 1",
+                     "The Vosk model /models/en is not usable: the library refuses it. Unpack it anew."},
+        CheckOutcome{
+            "Crashes", "kill -SEGV $$",
+            "The Vosk model /models/en is not usable: the library breaks down over it. Unpack it anew."},
+        CheckOutcome{"Hangs", "kill -ALRM $$",
+                     "The Vosk model /models/en is not usable: the library does not come back from it. "
+                     "Unpack it anew."}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(VoskCheck, whenItsProgramIsMissing_saysSo) {
+    const auto outcome = VoskCheck("/nowhere/tovik-check-vosk").run("libvosk.so", "/models/en");
+    ASSERT_FALSE(outcome.ok());
+    EXPECT_THAT(outcome.error().description, HasSubstr("cannot start /nowhere/tovik-check-vosk"));
 }
 
 /// Which of some models is the one for a locale.

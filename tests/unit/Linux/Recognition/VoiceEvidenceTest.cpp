@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/PocketSphinx/VoiceEvidence.h"
+#include "Linux/Recognition/VoiceEvidence.h"
 
 #include "support/Recordings.h"
 
@@ -20,7 +20,7 @@ using test::kRecordings;
 
 constexpr int kRate = 16000;
 
-bool hasVoice(const std::vector<float>& sound) {
+VoiceEvidence evidenceIn(const std::vector<float>& sound) {
     std::vector<std::int16_t> samples;
     for (const auto value : sound) {
         samples.push_back(
@@ -29,7 +29,11 @@ bool hasVoice(const std::vector<float>& sound) {
     VoiceEvidence evidence;
     evidence.begin();
     evidence.process(samples);
-    return evidence.heardVoice();
+    return evidence;
+}
+
+bool hasVoice(const std::vector<float>& sound) {
+    return evidenceIn(sound).heardVoice();
 }
 
 /// Four seconds of what the function gives for each moment, in seconds.
@@ -129,6 +133,23 @@ INSTANTIATE_TEST_SUITE_P(Recordings, Voice,
                                          "librivox/sense_and_sensibility_01_austen_64kb-0870.wav",
                                          "librivox/sense_and_sensibility_01_austen_64kb-0880.wav",
                                          "librivox/sense_and_sensibility_01_austen_64kb-0930.wav"));
+
+TEST(VoiceEvidence, humsWhistlesAndBeepsAreOnlyTones) {
+    for (const double frequency : {60.0, 120.0, 200.0, 440.0}) {
+        EXPECT_TRUE(evidenceIn(hum(frequency, 0.1)).heardOnlyTones()) << frequency;
+    }
+    EXPECT_TRUE(evidenceIn(beeps()).heardOnlyTones());
+}
+
+TEST(VoiceEvidence, whatHasNoPitchCouldBeAWhisper) {
+    EXPECT_FALSE(evidenceIn(breath()).heardOnlyTones());
+    EXPECT_FALSE(evidenceIn(whiteNoise(0.01)).heardOnlyTones());
+    EXPECT_FALSE(evidenceIn(clicks(8)).heardOnlyTones());
+}
+
+TEST(VoiceEvidence, aVoiceIsMoreThanTones) {
+    EXPECT_FALSE(evidenceIn(test::readRecording(test::kGoForward)).heardOnlyTones());
+}
 
 TEST(VoiceEvidence, whenANewUtteranceBegins_forgetsTheLastOne) {
     std::vector<std::int16_t> samples;

@@ -23,6 +23,10 @@ public:
         return livingFrames_ >= kLivingFrames && livingFrames_ * kSteadyPerLiving >= pitchedFrames_;
     }
 
+    /// What was heard since begin(): no voice, and for a while a hum, a whistle or beeps. False for a
+    /// whisper, which has no pitch.
+    [[nodiscard]] bool heardOnlyTones() const { return !heardVoice() && tonalFrames_ >= kTonalFrames; }
+
 private:
     /// Everything below is at 8 kHz, where the pitch is just as plain and four times cheaper to find.
     static constexpr std::size_t kFrame = 256;
@@ -36,6 +40,8 @@ private:
     static constexpr int kLivingFrames = 6;
     /// A hum that begins and ends has a few frames that change, among very many that do not.
     static constexpr int kSteadyPerLiving = 8;
+    /// A fifth of a second; noise has the pitch of a tone for a moment now and then.
+    static constexpr int kTonalFrames = 20;
     /// Frames between the two moments that are compared: 40 ms.
     static constexpr std::size_t kMoment = 4;
 
@@ -46,7 +52,7 @@ private:
     };
 
     void processFrame();
-    [[nodiscard]] Moment present() const;
+    [[nodiscard]] Moment present();
     [[nodiscard]] std::size_t pitchPeriod() const;
     [[nodiscard]] bool isPureTone() const;
     [[nodiscard]] double correlation(std::size_t lag) const;
@@ -60,6 +66,7 @@ private:
     int row_ = 0;
     int pitchedFrames_ = 0;
     int livingFrames_ = 0;
+    int tonalFrames_ = 0;
 };
 
 } // namespace tovik

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/PocketSphinx/VoiceEvidence.h"
+#include "Linux/Recognition/VoiceEvidence.h"
 
 #include <algorithm>
 #include <cmath>
@@ -75,12 +75,13 @@ void VoiceEvidence::processFrame() {
     }
 }
 
-VoiceEvidence::Moment VoiceEvidence::present() const {
+VoiceEvidence::Moment VoiceEvidence::present() {
     double energy = 1;
     for (std::size_t i = 0; i < kFrame; ++i) {
         energy += static_cast<double>(frame_[i]) * static_cast<double>(frame_[i]);
     }
     const auto period = pitchPeriod();
+    tonalFrames_ += period != 0 ? 1 : 0;
     return {period != 0 && isPureTone() ? 0 : period, 10 * std::log10(energy)};
 }
 
