@@ -72,6 +72,8 @@ public:
     Result<void> start() override;
     /// Blocks for 0.1 s.
     void stop() override;
+    /// Blocks for 0.1 s.
+    void stopAndListenOn() override;
     /// Once the text is there, onTranscription has been called.
     [[nodiscard]] bool isRecognising() const override;
     void openAhead() override;
@@ -108,7 +110,6 @@ private:
     void startTask();
     void installTap();
     void endDictation();
-    void stopAndListenOn();
     void handleResult(const std::optional<RecognitionResult>& result, const std::optional<Error>& error);
 
     void setupDeviceMonitoring();

@@ -15,6 +15,9 @@ public:
     virtual Result<void> start() = 0;
     /// Ends the dictation; its text comes later. Harmless without one.
     virtual void stop() = 0;
+    /// As stop(), and the user goes on speaking: what the microphone hears from here on belongs to the next
+    /// start(), as after openAhead().
+    virtual void stopAndListenOn() = 0;
     /// Whether a dictation runs, or one that has ended is still without the text or error that it ends in.
     [[nodiscard]] virtual bool isRecognising() const = 0;
 

@@ -28,7 +28,8 @@ public:
     /// With the folders above it; an existing folder is no error.
     virtual Result<void> createFolder(const std::string& path) = 0;
 
-    /// Another process sees the old content or the new, never a part; the old stays when it fails.
+    /// Another process sees the old content or the new, never a part, also when this one dies meanwhile; the
+    /// old stays when it fails. Does not wait for the disk: a power failure soon afterwards may undo it.
     virtual Result<void> writeAtomically(const std::string& path, std::string_view content) = 0;
 
     /// Fails when the file does not exist. The old content stays when it fails.

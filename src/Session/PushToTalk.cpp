@@ -128,13 +128,21 @@ void PushToTalk::abandonStart(const Error& error) {
 }
 
 void PushToTalk::restartRecording() {
-    if (isRecording()) {
-        stopRecording();
-        startRecording();
+    if (!isRecording()) {
+        return;
+    }
+    finishRecording(&Recorder::stopAndListenOn);
+    startRecording();
+    if (!isRecording()) {
+        with_.recorder.closeAhead();
     }
 }
 
 void PushToTalk::stopRecording() {
+    finishRecording(&Recorder::stop);
+}
+
+void PushToTalk::finishRecording(void (Recorder::*stop)()) {
     state_ = State::idle;
     recordingStartTime_.reset();
     tovikCaptureStartedAt_.reset();
@@ -143,7 +151,7 @@ void PushToTalk::stopRecording() {
     with_.log.printLine("[TovikVoice] Recording stopped!");
     with_.statusItem.setImage(statusBarAppIcon("Tovik Record"));
     with_.overlay.hide();
-    with_.recorder.stop();
+    (with_.recorder.*stop)();
     with_.captureState.writeTovikCaptureState(false);
 }
 

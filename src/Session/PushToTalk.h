@@ -53,7 +53,8 @@ public:
 
     void startRecording();
     void stopRecording();
-    /// Ends the running recording, whose text is delivered as usual, and begins another; nothing while idle.
+    /// Ends the running recording, whose text is delivered as usual, and begins another, which misses nothing
+    /// of what is spoken in between; nothing while idle.
     void restartRecording();
 
     [[nodiscard]] bool isRecording() const { return state_ != State::idle; }
@@ -68,6 +69,7 @@ private:
     void lockOrStop();
     [[nodiscard]] bool ensureRecordingPermissionsBeforeStart();
     void abandonStart(const Error& error);
+    void finishRecording(void (Recorder::*stop)());
 
     Collaborators with_;
     State state_ = State::idle;

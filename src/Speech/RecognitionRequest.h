@@ -61,7 +61,7 @@ public:
     /// Frames that nobody has read yet. Any thread.
     [[nodiscard]] std::size_t waitingFrames() const;
 
-    /// Frames that found no room so far.
+    /// Frames that found no room so far. Whoever appends them tells the user, once.
     [[nodiscard]] std::size_t droppedFrames() const { return dropped_.load(std::memory_order_relaxed); }
 
 private:

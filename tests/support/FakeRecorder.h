@@ -22,6 +22,7 @@ public:
         return {};
     }
     void stop() override { note("stop"); }
+    void stopAndListenOn() override { note("stopAndListenOn"); }
     [[nodiscard]] bool isRecognising() const override { return recognises; }
     void openAhead() override { note("openAhead"); }
     void closeAhead() override { note("closeAhead"); }
@@ -29,7 +30,7 @@ public:
     /// What the next starts come to.
     std::optional<Error> failure;
     bool recognises = false;
-    /// start, stop, openAhead and closeAhead calls by name, in order.
+    /// start, stop, stopAndListenOn, openAhead and closeAhead calls by name, in order.
     std::vector<std::string> calls;
     /// Called with each of them as it comes.
     std::function<void(const std::string&)> onCall;

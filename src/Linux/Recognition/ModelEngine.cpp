@@ -136,12 +136,17 @@ void ModelEngine::start(std::shared_ptr<Utterance> utterance) {
 
 void ModelEngine::watch() {
     std::unique_lock lock(mutex_);
+    bool isSuspect = false;
     while (!ending_.wait_for(lock, limits_.look, [this] { return ends_; })) {
         if (!recognition_) {
             continue;
         }
         const auto limit = recognition_->isLoaded() ? limits_.silence : limits_.loading;
-        if (recognition_->silentFor() > limit) {
+        const bool wasSuspect = std::exchange(isSuspect, recognition_->silentFor() > limit);
+        // Once is not enough: after the whole process has been stopped for a while, as with its machine, the
+        // decoder goes on as if nothing had been.
+        if (isSuspect && wasSuspect) {
+            isSuspect = false;
             replaceSilentThread();
         }
     }

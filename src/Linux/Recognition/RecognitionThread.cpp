@@ -162,10 +162,6 @@ void RecognitionThread::State::decode(UtteranceDecoder& decoder, Utterance& utte
         // Whoever asked this thread to leave answers for it.
         return;
     }
-    if (const auto dropped = utterance.request().droppedFrames(); dropped > 0) {
-        log->logLine("[TovikVoice] Speech recognition could not keep up: " + std::to_string(dropped) +
-                     " frames of sound were dropped");
-    }
     if (text) {
         utterance.answer(text.value());
     } else {

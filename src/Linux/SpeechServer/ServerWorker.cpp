@@ -123,10 +123,6 @@ void ServerWorker::send(int number, Result<SoundCollector::Sound> sound) {
     if (sound.value().isCutOff) {
         services_.log->logLine("[TovikVoice] The speech server gets only the first half hour of a dictation");
     }
-    if (const auto dropped = utterance.request().droppedFrames(); dropped > 0) {
-        services_.log->logLine("[TovikVoice] Speech recognition could not keep up: " +
-                               std::to_string(dropped) + " frames of sound were dropped");
-    }
     // Models make words of silence, and nobody pays for it.
     if (!isAudible(sound.value().samples)) {
         utterance.answer(recognitionError(RecognitionCode::noSpeech, "No speech detected"));

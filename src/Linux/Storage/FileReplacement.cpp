@@ -44,13 +44,13 @@ int writeAll(int fd, std::string_view content) {
     return 0;
 }
 
-int writeNewFile(const std::string& path, std::string_view content) {
+int writeNewFile(const std::string& path, std::string_view content, Survives survives) {
     const UnixFd file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file) {
         return errno;
     }
     auto code = writeAll(file.get(), content);
-    if (code == 0 && ::fsync(file.get()) != 0) {
+    if (code == 0 && survives == Survives::powerFailures && ::fsync(file.get()) != 0) {
         code = errno;
     }
     if (code != 0) {
@@ -109,17 +109,17 @@ Result<std::string> followLinks(const std::string& path) {
 }
 
 Result<void> createFile(const std::string& path, std::string_view content) {
-    if (const auto code = writeNewFile(path, content)) {
+    if (const auto code = writeNewFile(path, content, Survives::powerFailures)) {
         return posixError(code, "Cannot write " + path);
     }
     return {};
 }
 
-Result<void> replaceFile(const std::string& path, const std::string& temporaryPath,
-                         std::string_view content) {
+Result<void> replaceFile(const std::string& path, const std::string& temporaryPath, std::string_view content,
+                         Survives survives) {
     const auto attempt = "Cannot write " + path;
     ::unlink(temporaryPath.c_str());
-    if (const auto code = writeNewFile(temporaryPath, content)) {
+    if (const auto code = writeNewFile(temporaryPath, content, survives)) {
         return posixError(code, attempt);
     }
     if (::rename(temporaryPath.c_str(), path.c_str()) != 0) {
@@ -127,8 +127,10 @@ Result<void> replaceFile(const std::string& path, const std::string& temporaryPa
         ::unlink(temporaryPath.c_str());
         return posixError(code, attempt);
     }
-    if (const auto code = syncFolder(parentOf(path))) {
-        return posixError(code, attempt);
+    if (survives == Survives::powerFailures) {
+        if (const auto code = syncFolder(parentOf(path))) {
+            return posixError(code, attempt);
+        }
     }
     return {};
 }

@@ -20,9 +20,14 @@ Result<void> createPrivateFolder(const std::string& path);
 /// Writes a file that must not exist yet (EEXIST), and brings it safely to the disk. Mode 0600.
 Result<void> createFile(const std::string& path, std::string_view content);
 
-/// Writes a new file, brings it safely to the disk and only then moves it over the old one: whatever dies
-/// when, there is the old content or the new. temporaryPath lies in the same folder, belongs to the caller
-/// alone and is gone afterwards; an old file of that name is dropped. Mode 0600.
-Result<void> replaceFile(const std::string& path, const std::string& temporaryPath, std::string_view content);
+/// What a file outlasts once it is written: of this program alone, which waits for no disk, or of the whole
+/// machine, which may have to wait long for one.
+enum class Survives { crashes, powerFailures };
+
+/// Writes a new file and only then moves it over the old one: whatever dies when, there is the old content or
+/// the new. temporaryPath lies in the same folder, belongs to the caller alone and is gone afterwards; an old
+/// file of that name is dropped. Mode 0600.
+Result<void> replaceFile(const std::string& path, const std::string& temporaryPath, std::string_view content,
+                         Survives survives = Survives::powerFailures);
 
 } // namespace tovik

@@ -65,7 +65,7 @@ Result<void> LocalFiles::writeAtomically(const std::string& path, std::string_vi
     if (!target) {
         return target.error();
     }
-    return replaceFile(target.value(), temporaryPathFor(target.value()), content);
+    return replaceFile(target.value(), temporaryPathFor(target.value()), content, Survives::crashes);
 }
 
 Result<void> LocalFiles::append(const std::string& path, std::string_view content) {

@@ -151,9 +151,12 @@ void X11KeyMonitor::handle(XEvent& event) {
 }
 
 void X11KeyMonitor::keyPressed(const PhysicalKey& key, int device) {
-    if (key == talkKey_) {
+    if (key == talkKey_ && !releasedUnseen_) {
         doubtfulRelease_.end(); // repeats itself
         return;
+    }
+    if (key == talkKey_) {
+        talkKeyReleased();
     }
     settleRelease();
     // Each keyboard may have a layout of its own, and any layout may have changed since the last key.
@@ -169,7 +172,11 @@ void X11KeyMonitor::keyPressed(const PhysicalKey& key, int device) {
 }
 
 void X11KeyMonitor::keyReleased(const PhysicalKey& key) {
-    if (key == talkKey_ && !isHeld(key)) {
+    if (key == talkKey_ && isHeld(key)) {
+        // Another keyboard still holds it, or it went down again before this thread could look: then that
+        // press follows. No server repeats a modifier.
+        releasedUnseen_ = !talkKeyRepeats_;
+    } else if (key == talkKey_) {
         // The server repeats no modifiers, so a release of one is told without delay.
         if (talkKeyRepeats_) {
             doubtfulRelease_ = services_.queue.after(kRepetition, [this] { talkKeyReleased(); });
@@ -190,6 +197,7 @@ void X11KeyMonitor::talkKeyPressed(const PhysicalKey& key, unsigned long keysym)
     std::erase_if(shiftKeys_, [this](const auto& shift) { return !isHeld(shift); });
     guard_->setShiftHeld(!shiftKeys_.empty());
     talkKey_ = key;
+    releasedUnseen_ = false;
     talkKeyRepeats_ = !IsModifierKey(keysym);
     releaseCheck_ = services_.queue.every(kReleaseCheckInterval, [this] { forgetMissedReleases(); });
     guard_->talkKeyPressed(setting_->guardTime(keysym));
@@ -197,6 +205,7 @@ void X11KeyMonitor::talkKeyPressed(const PhysicalKey& key, unsigned long keysym)
 
 void X11KeyMonitor::talkKeyReleased() {
     talkKey_.reset();
+    releasedUnseen_ = false;
     releaseCheck_.end();
     doubtfulRelease_.end();
     guard_->talkKeyReleased();

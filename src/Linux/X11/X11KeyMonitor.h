@@ -72,6 +72,8 @@ private:
     int inputOpcode_ = 0;
     std::optional<PhysicalKey> talkKey_;
     bool talkKeyRepeats_ = false;
+    /// A release of it was told while the server held it for pressed.
+    bool releasedUnseen_ = false;
     /// Runs while a release may turn out to be part of a repetition.
     Subscription doubtfulRelease_;
     std::set<PhysicalKey> shiftKeys_;

@@ -201,6 +201,32 @@ TEST_F(X11KeyMonitorTest, whenKeysWaitWhileTheProgramIsBusy_theGuardSeesThemFirs
     EXPECT_THAT(told_, ElementsAre("touched", "dismissed"));
 }
 
+TEST_F(X11KeyMonitorTest, whenTheTalkKeyIsDownAgainBeforeABusyProgramLooks_bothPressesCount) {
+    start();
+    press("Control_R");
+    passGuardTime();
+    user_.release("Control_R");
+    user_.press("Control_R");
+    runPendingEvents();
+    passGuardTime();
+    release("Control_R");
+    EXPECT_THAT(told_, ElementsAre("touched", "talk key: Fn", "talk key: none", "touched", "talk key: Fn",
+                                   "talk key: none"));
+}
+
+TEST_F(X11KeyMonitorTest, whenTheTalkKeyFollowsAShortcutBeforeABusyProgramLooks_itTalks) {
+    start();
+    press("Control_R");
+    press("c");
+    user_.release("c");
+    user_.release("Control_R");
+    user_.press("Control_R");
+    runPendingEvents();
+    passGuardTime();
+    release("Control_R");
+    EXPECT_THAT(told_, ElementsAre("touched", "dismissed", "touched", "talk key: Fn", "talk key: none"));
+}
+
 TEST_F(X11KeyMonitorTest, whenTheLayoutIsReplaced_theTalkKeyIsWhereTheLayoutHasIt) {
     start();
     defaults_.set("platform.talkKey", "Print");

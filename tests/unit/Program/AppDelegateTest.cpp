@@ -279,6 +279,22 @@ TEST_F(AppDelegateTest, changingTheLanguageWhileRecording_deliversTheFirstPartAn
     EXPECT_EQ(pasteboard.contents(), "first part");
 }
 
+TEST_F(AppDelegateTest, wordsSpokenWhileTheLanguageChanges_areTheBeginningOfTheNextPart) {
+    launch();
+    speech.setLocale("fr-FR", test::FakeSpeechService::Locale::available);
+    keyMonitor.pressTalkKey();
+    engine.hearConstant(0.25F, 1024);
+    engine.onCall([this](const std::string& call) {
+        if (call == "prepare") {
+            engine.hearConstant(0.5F, 1600);
+        }
+    });
+    ASSERT_TRUE(userInterface.statusItem->choose({"Dictation Language", "🇫🇷 French"}));
+    keyMonitor.releaseTalkKey();
+    EXPECT_THAT(speech.utterances().front()->readSound(), SizeIs(1024));
+    EXPECT_THAT(speech.lastUtterance()->readSound(), SizeIs(1600));
+}
+
 // The end.
 
 TEST_F(AppDelegateTest, quittingWhenIdle_endsTheProgramAtOnce) {

@@ -58,7 +58,7 @@ protected:
 
 private:
     void noteRecorderCall(const std::string& call) {
-        if (call == "start" || call == "stop") {
+        if (call == "start" || call.starts_with("stop")) {
             recordings.push_back(call);
         }
     }
@@ -201,9 +201,17 @@ TEST_F(PushToTalkTest, aTapOfNoLength_isARecording) {
 TEST_F(PushToTalkTest, restart_endsTheRunningRecordingAndBeginsAnother) {
     send({fnDown, shiftDownWithFn});
     pushToTalk.restartRecording();
-    EXPECT_THAT(recordings, ElementsAre("start", "stop", "start"));
+    EXPECT_THAT(recordings, ElementsAre("start", "stopAndListenOn", "start"));
     EXPECT_TRUE(pushToTalk.isRecording());
     EXPECT_FALSE(pushToTalk.isRecordingLocked());
+}
+
+TEST_F(PushToTalkTest, restartThatIsRefused_leavesTheMicrophoneClosed) {
+    send({fnDown});
+    authorization.setSpeechStatus(0);
+    pushToTalk.restartRecording();
+    EXPECT_FALSE(pushToTalk.isRecording());
+    EXPECT_EQ(recorder.calls.back(), "closeAhead");
 }
 
 TEST_F(PushToTalkTest, restartWhileIdle_doesNothing) {
