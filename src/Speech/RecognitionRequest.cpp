@@ -48,15 +48,6 @@ std::size_t RecognitionRequest::waitingFrames() const {
     return written_.load(std::memory_order_acquire) - consumed;
 }
 
-std::size_t RecognitionRequest::read(std::span<float> out) {
-    for (;;) {
-        if (const auto count = readWhatIsThere(out)) {
-            return *count;
-        }
-        arrivals_.acquire();
-    }
-}
-
 std::optional<std::size_t> RecognitionRequest::readWithin(std::span<float> out,
                                                           std::chrono::milliseconds timeout) {
     const auto deadline = std::chrono::steady_clock::now() + timeout;

@@ -52,10 +52,7 @@ public:
     void endAudio();
 
     /// From the recogniser's thread: waits until there is sound or the end, then fills as much of `out` as
-    /// there is. Returns the number of frames, 0 only at the end.
-    std::size_t read(std::span<float> out);
-
-    /// As read(), but gives up after the time-out: then nothing.
+    /// there is. Returns the number of frames, 0 only at the end; nothing when the time is over.
     std::optional<std::size_t> readWithin(std::span<float> out, std::chrono::milliseconds timeout);
 
     /// Frames that nobody has read yet. Any thread.

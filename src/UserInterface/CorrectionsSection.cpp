@@ -51,8 +51,8 @@ QWidget* CorrectionsSection::buildCorrectionsHeaderRow() {
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(theme::kCorrectionGap);
     for (const char* caption : {"Incorrect", "Correct"}) {
-        row->addWidget(makeSettingLabel(QString::fromLatin1(caption), theme::kCaptionTextSize,
-                                        theme::kCaptionAlpha, FontWeight::semibold),
+        row->addWidget(makeReadableLabel(QString::fromLatin1(caption), theme::kCaptionTextSize,
+                                         theme::kCaptionAlpha, FontWeight::semibold),
                        1);
     }
     return view;

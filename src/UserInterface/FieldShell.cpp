@@ -17,6 +17,7 @@ FieldShell::FieldShell(QWidget* parent) : QLineEdit(parent) {
     setTrailingRoom(theme::kShellSide);
     QPalette ownPalette = palette();
     ownPalette.setColor(QPalette::Base, Qt::transparent);
+    ownPalette.setColor(QPalette::PlaceholderText, theme::color(theme::kRowDetail));
     setPalette(ownPalette);
 }
 

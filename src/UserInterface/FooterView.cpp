@@ -64,7 +64,7 @@ void FooterView::applyColors() {
     const Rgba background = theme::windowBackground(desktop);
     QPalette palette = desktop;
     palette.setColor(QPalette::WindowText,
-                     theme::color(theme::labelColor(desktop, background).withAlpha(kVersionAlpha)));
+                     theme::color(theme::readableLabelColor(desktop, background, kVersionAlpha)));
     version_->setPalette(palette);
     for (HoverLinkButton* link : {updates_, website_}) {
         link->setContentTint(theme::color(theme::accentOn(background)));

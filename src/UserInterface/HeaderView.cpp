@@ -117,8 +117,8 @@ void HeaderView::applyColors() {
     const Rgba background = theme::windowBackground(desktop);
     const Rgba text = theme::labelColor(desktop, background);
     setTextColor(*title_, text);
-    setTextColor(*subtitle_, text.withAlpha(kSubtitleAlpha));
-    setTextColor(*status_, text.withAlpha(kStatusAlpha));
+    setTextColor(*subtitle_, theme::readableLabelColor(desktop, background, kSubtitleAlpha));
+    setTextColor(*status_, theme::readableLabelColor(desktop, background, kStatusAlpha));
     moreOptions_->setContentTint(theme::color(text.withAlpha(kSubtitleAlpha)));
     waveform_->setColor(theme::color(theme::accentOn(background)));
 }

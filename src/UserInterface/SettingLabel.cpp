@@ -10,15 +10,29 @@
 
 namespace tovik {
 
-QLabel* makeSettingLabel(const QString& text, double size, double alpha, FontWeight weight) {
+namespace {
+
+QLabel* makeLabel(const QString& text, const QFont& font, const Rgba& ink) {
     auto* label = new QLabel(text);
     label->setTextFormat(Qt::PlainText);
-    label->setFont(theme::font(size, weight));
+    label->setFont(font);
     QPalette palette = label->palette();
-    const Rgba ink = theme::labelColor(QGuiApplication::palette(), theme::kCardBackground);
-    palette.setColor(QPalette::WindowText, theme::color(ink.withAlpha(alpha)));
+    palette.setColor(QPalette::WindowText, theme::color(ink));
     label->setPalette(palette);
     return label;
+}
+
+} // namespace
+
+QLabel* makeSettingLabel(const QString& text, double size, double alpha) {
+    const Rgba ink = theme::labelColor(QGuiApplication::palette(), theme::kCardBackground);
+    return makeLabel(text, theme::font(size), ink.withAlpha(alpha));
+}
+
+QLabel* makeReadableLabel(const QString& text, double size, double wantedAlpha, FontWeight weight) {
+    return makeLabel(
+        text, theme::font(size, weight),
+        theme::readableLabelColor(QGuiApplication::palette(), theme::kCardBackground, wantedAlpha));
 }
 
 } // namespace tovik

@@ -88,13 +88,13 @@ void ShortcutRowView::changeEvent(QEvent* event) {
 void ShortcutRowView::applyColors() {
     const QPalette desktop = QGuiApplication::palette();
     const Rgba background = theme::windowBackground(desktop);
-    const Rgba text = theme::labelColor(desktop, background);
+    const Rgba text = theme::readableLabelColor(desktop, background, kLabelAlpha);
     const Rgba accent = theme::accentOn(background);
     symbol_->setTint(theme::color(accent));
     symbol_->setGround(theme::color(accent.withAlpha(kBadgeFill)), kBadgeRadius);
     for (QLabel* view : {label_, keyCap_}) {
         QPalette palette = desktop;
-        palette.setColor(QPalette::WindowText, theme::color(text.withAlpha(kLabelAlpha)));
+        palette.setColor(QPalette::WindowText, theme::color(text));
         view->setPalette(palette);
     }
 }

@@ -7,6 +7,7 @@
 #include <QPalette>
 #include <QScreen>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tovik::theme {
@@ -62,6 +63,15 @@ Rgba labelColor(const QPalette& palette, const Rgba& background) {
     return readableOn(background, rgba(palette.color(QPalette::WindowText)));
 }
 
+Rgba readableLabelColor(const QPalette& palette, const Rgba& background, double wantedAlpha) {
+    constexpr double kStep = 0.02;
+    Rgba label = labelColor(palette, background).withAlpha(wantedAlpha);
+    while (label.alpha < 1 && contrastRatio(blended(label, background), background) < kReadableContrast) {
+        label.alpha = std::min(label.alpha + kStep, 1.0);
+    }
+    return label;
+}
+
 Rgba accentOn(const Rgba& background) {
     return contrastRatio(kAccent, background) >= kReadableContrast ? kAccent : kAccentOnDark;
 }
@@ -70,7 +80,9 @@ QPalette cardPalette(const QPalette& desktop) {
     if (!isDark(desktop)) {
         QPalette palette = desktop;
         palette.setColor(QPalette::Window, color(kCardBackground));
-        palette.setColor(QPalette::WindowText, color(labelColor(desktop, kCardBackground)));
+        for (const auto role : {QPalette::WindowText, QPalette::Text}) {
+            palette.setColor(role, color(labelColor(desktop, kCardBackground)));
+        }
         return palette;
     }
     QPalette palette(QColor(239, 239, 239), color(kCardBackground));

@@ -171,6 +171,7 @@ inline constexpr double kSettingTextAlpha = 0.92;
 inline constexpr double kSettingDisabledAlpha = 0.4;
 inline constexpr double kSettingNoteSize = 10;
 inline constexpr double kSettingNoteAlpha = 0.5;
+inline constexpr double kExplanationAlpha = 0.72;
 inline constexpr int kCleanupSpacing = 10;
 inline constexpr int kCheckBoxSize = 14;
 inline constexpr double kCheckBoxRadius = 4;
@@ -184,9 +185,9 @@ inline constexpr double kLanguageLabelAlpha = 0.68;
 
 // Corrections.
 inline constexpr Rgba kIndigo{0.345, 0.337, 0.839};
-inline constexpr double kAddCorrectionAlpha = 0.85;
+inline constexpr double kAddCorrectionAlpha = 0.92;
 inline constexpr double kCaptionTextSize = 10;
-inline constexpr double kCaptionAlpha = 0.5;
+inline constexpr double kCaptionAlpha = 0.6;
 inline constexpr int kCaptionHeight = 16;
 inline constexpr int kCorrectionsSpacing = 6;
 inline constexpr int kCorrectionGap = 32;
@@ -210,6 +211,9 @@ inline constexpr double kCorrectionSymbolAlpha = 0.5;
 
 /// The desktop's text colour where it can be read on the background, else black or white.
 [[nodiscard]] Rgba labelColor(const QPalette& palette, const Rgba& background);
+
+/// The same colour as faint as is wanted, but not fainter than can be read.
+[[nodiscard]] Rgba readableLabelColor(const QPalette& palette, const Rgba& background, double wantedAlpha);
 
 /// The accent colour, lightened where the background is dark.
 [[nodiscard]] Rgba accentOn(const Rgba& background);

@@ -21,7 +21,7 @@ TranslationSection::TranslationSection(TranslationSettings settings, QWidget* pa
       toggle_(new SettingCheckBox),
       source_(new LanguagePopUp(QStringLiteral("Source language"))),
       target_(new LanguagePopUp(QStringLiteral("Target language"))),
-      explanation_(makeSettingLabel({}, theme::kSettingNoteSize, theme::kSettingNoteAlpha)) {
+      explanation_(makeReadableLabel({}, theme::kSettingNoteSize, theme::kExplanationAlpha)) {
     const QString help = QStringLiteral("Translate dictated text after transcription");
     toggle_->setAccessibleDescription(help);
     toggle_->setToolTip(help);

@@ -4,6 +4,7 @@
 
 #include "Platform/KeyMonitor.h"
 
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -15,6 +16,9 @@ class FakeKeyMonitor : public KeyMonitor {
 public:
     Result<void> start(Handlers handlers) override {
         ++startCount;
+        if (onStart) {
+            onStart();
+        }
         if (failure) {
             return *failure;
         }
@@ -73,6 +77,7 @@ public:
     /// What start() answers instead of success, when set.
     std::optional<Error> failure;
     int startCount = 0;
+    std::function<void()> onStart;
 
 private:
     void send(std::uint16_t keyCode) { send(FlagsChangedEvent{held_, keyCode}); }

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "support/FakeSpeechService.h"
+#include "support/ReadSound.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <utility>
 
@@ -43,12 +43,7 @@ void FakeUtterance::deliver(const std::optional<RecognitionResult>& result,
 }
 
 std::vector<float> FakeUtterance::readSound() {
-    std::vector<float> sound;
-    std::array<float, 4096> chunk{};
-    while (const auto count = request_->read(chunk)) {
-        sound.insert(sound.end(), chunk.begin(), chunk.begin() + static_cast<std::ptrdiff_t>(count));
-    }
-    return sound;
+    return readAll(*request_);
 }
 
 class FakeRecognitionTask : public RecognitionTask {

@@ -49,7 +49,11 @@ struct FadeEffectTest : testing::Test {
         window.show();
         test::runPendingEvents();
     }
-    [[nodiscard]] QColor colorAt(int y) { return window.grab().toImage().pixelColor(50, y); }
+    [[nodiscard]] QColor colorAt(int y) {
+        const QImage image = window.grab().toImage();
+        const auto scale = image.devicePixelRatio();
+        return image.pixelColor(static_cast<int>(50 * scale), static_cast<int>(y * scale));
+    }
 };
 
 TEST_F(FadeEffectTest, atFullOpacity_showsTheViewAsItIs) {

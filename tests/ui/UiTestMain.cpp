@@ -22,8 +22,9 @@ void withoutPlatformChatter(QtMsgType type, const QMessageLogContext& context, c
 /// Views need an application; none of these tests needs a screen.
 int main(int argc, char** argv) {
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    // One device-independent pixel is one pixel, and the look is the same on every machine.
-    unsetenv("QT_SCALE_FACTOR");
+    // The look is the same on every machine: as many pixels a point as the test was started for.
+    const char* const scale = std::getenv("TOVIK_TEST_SCALE");
+    setenv("QT_SCALE_FACTOR", scale ? scale : "1", 1);
     standardHandler = qInstallMessageHandler(withoutPlatformChatter);
     QApplication application(argc, argv);
     QApplication::setStyle(QStringLiteral("Fusion"));

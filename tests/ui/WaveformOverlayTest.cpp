@@ -6,15 +6,20 @@
 #include "UserInterface/FloatingPanel.h"
 #include "UserInterface/TabularDigitsLabel.h"
 #include "UserInterface/WaveformView.h"
+#include "support/EventLoop.h"
 #include "support/FakeScreens.h"
 #include "support/FakeWorkspace.h"
 #include "support/ManualTime.h"
 
+#include <QElapsedTimer>
 #include <QImage>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <string>
+#include <vector>
 
 namespace tovik {
 namespace {
@@ -243,6 +248,23 @@ TEST_F(WaveformOverlayTest, levelsReachTheBarsOnlyWhileShown) {
     overlay.setLevel(0.7F);
     overlay.show(time.now());
     EXPECT_DOUBLE_EQ(overlay.waveformView()->samples().back(), 0);
+}
+
+TEST_F(WaveformOverlayTest, theRedrawOfALevel_takesLessThanAMillisecondWithAllThatLiesBeneath) {
+    showFully();
+    ASSERT_TRUE(test::runUntil([this] { return overlay.window()->isVisible(); }));
+    test::runPendingEvents();
+    std::vector<double> milliseconds;
+    for (int round = 0; round < 51; ++round) {
+        overlay.setLevel(static_cast<float>(round % 10) / 10);
+        QElapsedTimer timer;
+        timer.start();
+        overlay.waveformView()->repaint();
+        milliseconds.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    }
+    std::nth_element(milliseconds.begin(), milliseconds.begin() + 25, milliseconds.end());
+    RecordProperty("median_ms", std::to_string(milliseconds[25]));
+    EXPECT_LT(milliseconds[25], 1.0);
 }
 
 TEST_F(WaveformOverlayTest, withoutCompositing_isCutToItsShape) {

@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/WaveformView.h"
 
+#include "support/EventLoop.h"
+
 #include <QElapsedTimer>
+#include <QEvent>
 #include <QImage>
 
 #include <gmock/gmock.h>
@@ -87,6 +90,39 @@ TEST_F(WaveformViewTest, loudest_drawsATallWarmBarOnTheRight) {
     EXPECT_EQ(bar.alpha(), 255);
     EXPECT_GT(image.pixelColor(column, 1).alpha(), 200);
     EXPECT_GT(image.pixelColor(column, 24).alpha(), 200);
+}
+
+/// Counts how often a view is painted.
+class PaintCounter : public QObject {
+public:
+    int count = 0;
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+TEST_F(WaveformViewTest, aLevel_isOneRedrawAndSeveralAtOnceAreOneToo) {
+    PaintCounter paints;
+    view.installEventFilter(&paints);
+    view.show();
+    ASSERT_TRUE(test::runUntil([&] { return paints.count > 0; }));
+    test::runPendingEvents();
+    paints.count = 0;
+    for (int level = 1; level <= 10; ++level) {
+        view.setLevel(static_cast<float>(level) / 10);
+        test::runPendingEvents();
+        EXPECT_EQ(paints.count, level);
+    }
+    paints.count = 0;
+    for (int level = 1; level <= 10; ++level) {
+        view.setLevel(static_cast<float>(level) / 10);
+    }
+    test::runPendingEvents();
+    EXPECT_EQ(paints.count, 1);
+    test::runPendingEvents();
+    EXPECT_EQ(paints.count, 1) << "without a level nothing is drawn";
 }
 
 TEST_F(WaveformViewTest, oneRedraw_takesLessThanAMillisecond) {

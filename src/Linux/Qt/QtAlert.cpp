@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -30,6 +31,23 @@ protected:
     }
 };
 
+/// Sentences may be broken, but commands in lines of their own stay whole and can be copied.
+void makeCommandsReadable(QMessageBox& box) {
+    constexpr int kWidest = 560;
+    auto* const text = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+    if (text == nullptr) {
+        return;
+    }
+    int widest = 0;
+    for (const auto& line : text->text().split('\n')) {
+        if (!line.endsWith('.')) {
+            widest = std::max(widest, text->fontMetrics().horizontalAdvance(line));
+        }
+    }
+    text->setMinimumWidth(std::min(widest, kWidest));
+    text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+}
+
 /// A title may hold the sign that marks a shortcut letter.
 QString buttonText(const std::string& title) {
     return QString::fromStdString(title).replace(QLatin1String("&"), QLatin1String("&&"));
@@ -45,6 +63,7 @@ int QtAlert::runModal(const std::string& message, const std::string& informative
     box.setTextFormat(Qt::PlainText);
     box.setText(QString::fromStdString(message));
     box.setInformativeText(QString::fromStdString(informativeText));
+    makeCommandsReadable(box);
     std::vector<QAbstractButton*> added;
     added.reserve(buttons.size());
     for (const auto& title : buttons) {

@@ -1,19 +1,22 @@
 # SPDX-FileCopyrightText: 2026 The Tovik Record authors
 # SPDX-License-Identifier: MIT
-"""What the tests of the whole program share: a stage for each test, and results in the form of GoogleTest's.
+"""What the tests of the whole program share: a stage for each test, servers, and results in GoogleTest's form.
 
 Every test file is a program: `test.py PATH-OF-THE-PROGRAM`. Where GTEST_OUTPUT names a folder, as it does for the
 GoogleTest programs, the results go there under the file's name.
 """
 
+import json
 import os
 import re
 import sys
+import threading
 import time
 import traceback
 import unittest
 import xml.etree.ElementTree as ElementTree
 from contextlib import ExitStack
+from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 
 PROJECT = os.path.realpath(os.path.join(os.path.dirname(__file__), "..", "..", ".."))
 sys.dont_write_bytecode = True
@@ -38,6 +41,51 @@ def first_words(text: str) -> list[str]:
     """As many words as are sure, as a reader compares them: no capitals, no punctuation, numbers as digits."""
     found = re.findall(r"[a-z0-9']+", text.lower())
     return ["10" if word == "ten" else word for word in found][: len(SPOKEN_WORDS)]
+
+
+class JsonServer:
+    """An HTTP server of this machine that answers in JSON. What it answers, its heirs say."""
+
+    def __init__(self) -> None:
+        outer = self
+
+        class Handler(BaseHTTPRequestHandler):
+            def do_GET(self) -> None:
+                self._answer(*outer.get(self.path))
+
+            def do_POST(self) -> None:
+                self._answer(*outer.post(self.path, self.rfile.read(int(self.headers["Content-Length"]))))
+
+            def _answer(self, status: int, content) -> None:
+                body = json.dumps(content).encode()
+                self.send_response(status)
+                self.send_header("Content-Type", "application/json")
+                self.send_header("Content-Length", str(len(body)))
+                self.end_headers()
+                self.wfile.write(body)
+
+            def log_message(self, *_) -> None:
+                pass
+
+        self._server = ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+        self._server.daemon_threads = True
+        self.url = f"http://127.0.0.1:{self._server.server_port}"
+        threading.Thread(target=self._server.serve_forever, daemon=True).start()
+
+    def get(self, path: str) -> tuple:
+        """Status and content."""
+        raise NotImplementedError
+
+    def post(self, path: str, body: bytes) -> tuple:
+        """Status and content."""
+        raise NotImplementedError
+
+    def __enter__(self) -> "JsonServer":
+        return self
+
+    def __exit__(self, *_) -> None:
+        self._server.shutdown()
+        self._server.server_close()
 
 
 class ProgramTest(unittest.TestCase):

@@ -4,56 +4,32 @@
 
 import json
 import os
-import threading
-from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 
-from harness import SPOKEN_WORDS, ProgramTest, first_words, main
+from harness import SPOKEN_WORDS, JsonServer, ProgramTest, first_words, main
 
 TEXT = "Words that only the server knows."
 
 
-class SpeechServer:
+class SpeechServer(JsonServer):
     """Has the endpoint for transcriptions and answers every upload with the same text, or with an error."""
 
     def __init__(self) -> None:
         self.uploads: list[bytes] = []
         self.fails = False
-        outer = self
+        super().__init__()
 
-        class Handler(BaseHTTPRequestHandler):
-            def do_GET(self) -> None:
-                self._answer(200, {"data": []})
+    def get(self, path: str) -> tuple:
+        return 200, {"data": []}
 
-            def do_POST(self) -> None:
-                outer.uploads.append(self.rfile.read(int(self.headers["Content-Length"])))
-                self._answer(*((500, {}) if outer.fails else (200, {"text": f" {TEXT}"})))
-
-            def _answer(self, status: int, content) -> None:
-                body = json.dumps(content).encode()
-                self.send_response(status)
-                self.send_header("Content-Type", "application/json")
-                self.send_header("Content-Length", str(len(body)))
-                self.end_headers()
-                self.wfile.write(body)
-
-            def log_message(self, *_) -> None:
-                pass
-
-        self._server = ThreadingHTTPServer(("127.0.0.1", 0), Handler)
-        self._server.daemon_threads = True
-        self.url = f"http://127.0.0.1:{self._server.server_port}"
-        threading.Thread(target=self._server.serve_forever, daemon=True).start()
-
-    def close(self) -> None:
-        self._server.shutdown()
-        self._server.server_close()
+    def post(self, path: str, body: bytes) -> tuple:
+        self.uploads.append(body)
+        return (500, {}) if self.fails else (200, {"text": f" {TEXT}"})
 
 
 class Recognition(ProgramTest):
     def setUp(self) -> None:
         super().setUp()
-        self.server = SpeechServer()
-        self.addCleanup(self.server.close)
+        self.server = self._stack.enter_context(SpeechServer())
         self.set_stage()
 
     def start_with(self, **settings):

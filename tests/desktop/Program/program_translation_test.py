@@ -8,9 +8,8 @@ import re
 import signal
 import subprocess
 import threading
-from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 
-from harness import RECORDING_STARTED, SPEECH, SPOKEN_WORDS, ProgramTest, first_words, main
+from harness import RECORDING_STARTED, SPEECH, SPOKEN_WORDS, JsonServer, ProgramTest, first_words, main
 from notifier_host import NotifierHost
 from staging.rehearsal import TALK_KEY
 from staging.waiting import wait_until
@@ -28,52 +27,31 @@ def words(text: str) -> list[str]:
     return re.findall(r"\w+", text.lower())
 
 
-class TranslationServer:
+class TranslationServer(JsonServer):
     """Speaks the LibreTranslate API, wants a key, and translates with the translator's own program."""
 
     def __init__(self, stalls: bool = False) -> None:
         self.requests: list[str] = []
+        self._stalls = stalls
         self._ending = threading.Event()
-        outer = self
+        super().__init__()
 
-        class Handler(BaseHTTPRequestHandler):
-            def do_GET(self) -> None:
-                outer.requests.append("GET " + self.path)
-                self._answer(200, [{"code": "en", "name": "English", "targets": ["en", "es"]}])
+    def get(self, path: str) -> tuple:
+        self.requests.append("GET " + path)
+        return 200, [{"code": "en", "name": "English", "targets": ["en", "es"]}]
 
-            def do_POST(self) -> None:
-                outer.requests.append("POST " + self.path)
-                request = json.loads(self.rfile.read(int(self.headers["Content-Length"])))
-                if stalls:
-                    outer._ending.wait()
-                elif request.get("api_key") != KEY:
-                    self._answer(403, {"error": "Invalid API key"})
-                else:
-                    self._answer(200, {"translatedText": spanish(request["q"]).strip()})
+    def post(self, path: str, body: bytes) -> tuple:
+        self.requests.append("POST " + path)
+        request = json.loads(body)
+        if self._stalls:
+            self._ending.wait()
+        if request.get("api_key") != KEY:
+            return 403, {"error": "Invalid API key"}
+        return 200, {"translatedText": spanish(request["q"]).strip()}
 
-            def _answer(self, status: int, content) -> None:
-                body = json.dumps(content).encode()
-                self.send_response(status)
-                self.send_header("Content-Type", "application/json")
-                self.send_header("Content-Length", str(len(body)))
-                self.end_headers()
-                self.wfile.write(body)
-
-            def log_message(self, *_) -> None:
-                pass
-
-        self._server = ThreadingHTTPServer(("127.0.0.1", 0), Handler)
-        self._server.daemon_threads = True
-        self.url = f"http://127.0.0.1:{self._server.server_port}"
-        threading.Thread(target=self._server.serve_forever, daemon=True).start()
-
-    def __enter__(self) -> "TranslationServer":
-        return self
-
-    def __exit__(self, *_) -> None:
+    def __exit__(self, *arguments) -> None:
         self._ending.set()
-        self._server.shutdown()
-        self._server.server_close()
+        super().__exit__(*arguments)
 
 
 class TranslationTest(ProgramTest):

@@ -3,6 +3,7 @@
 #include "Audio/RequestFeed.h"
 
 #include "Speech/RecognitionRequest.h"
+#include "support/ReadSound.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,14 +33,9 @@ std::vector<float> tone(double sampleRate, double frequency, double seconds) {
     return samples;
 }
 
-std::vector<float> readAll(RecognitionRequest& request) {
+std::vector<float> endAndRead(RecognitionRequest& request) {
     request.endAudio();
-    std::vector<float> sound;
-    std::array<float, 4096> chunk{};
-    while (const auto count = request.read(chunk)) {
-        sound.insert(sound.end(), chunk.begin(), chunk.begin() + static_cast<std::ptrdiff_t>(count));
-    }
-    return sound;
+    return test::readAll(request);
 }
 
 std::vector<float> feedInBuffers(const std::vector<float>& samples, double sampleRate, double requestRate,
@@ -50,7 +46,7 @@ std::vector<float> feedInBuffers(const std::vector<float>& samples, double sampl
         const auto frames = std::min(bufferSize, samples.size() - begin);
         feed.append({std::span(samples).subspan(begin, frames), sampleRate});
     }
-    return readAll(*request);
+    return endAndRead(*request);
 }
 
 TEST(RequestFeed, whenTheRatesAgree_handsTheSamplesOnAsTheyAre) {
@@ -68,7 +64,7 @@ TEST(RequestFeed, whenABufferIsEmpty_addsNothing) {
     const auto request = std::make_shared<RecognitionRequest>(RecognitionSettings{}, 16000);
     RequestFeed feed(request);
     feed.append({{}, 48000});
-    EXPECT_THAT(readAll(*request), IsEmpty());
+    EXPECT_THAT(endAndRead(*request), IsEmpty());
 }
 
 struct RateRow {

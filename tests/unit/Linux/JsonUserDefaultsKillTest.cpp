@@ -6,13 +6,15 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstdlib>
 #include <random>
 
 namespace tovik::test {
@@ -21,6 +23,20 @@ namespace {
 constexpr int kKills = 200;
 /// Longer than one write takes, so that every moment of a write is hit.
 constexpr int kLongestLifeMicroseconds = 12000;
+
+/// The system ends this process so long from now, whatever it is doing then.
+void dieIn(std::chrono::microseconds life) {
+    sigevent deadly{};
+    deadly.sigev_notify = SIGEV_SIGNAL;
+    deadly.sigev_signo = SIGKILL;
+    timer_t timer{};
+    // A timer of zero would never fire.
+    const itimerspec once{{}, {0, std::max<long>(1, life.count() * 1000)}};
+    if (::timer_create(CLOCK_MONOTONIC, &deadly, &timer) != 0 ||
+        ::timer_settime(timer, 0, &once, nullptr) != 0) {
+        ::_exit(EXIT_FAILURE);
+    }
+}
 
 /// A text that shows whether it is whole: its number, then that number again and again.
 std::string textFor(int number) {
@@ -31,14 +47,19 @@ std::string textFor(int number) {
     return text;
 }
 
-/// Writes ever higher numbers until it is killed, and reports each one that set() has returned from.
-[[noreturn]] void writeUntilKilled(const std::string& file, int number, int reportFd) {
+/// Writes ever higher numbers until it is killed, and reports each one that set() has returned from. Its life
+/// begins when it has written once.
+[[noreturn]] void writeUntilKilled(const std::string& file, int number, int reportFd,
+                                   std::chrono::microseconds life) {
     RecordingLog log;
     JsonUserDefaults defaults(file, log);
-    while (true) {
+    for (bool isFirst = true;; isFirst = false) {
         ++number;
         defaults.set("text", textFor(number));
         (void)!::write(reportFd, &number, sizeof number);
+        if (isFirst) {
+            dieIn(life);
+        }
         defaults.set("number", number);
     }
 }
@@ -64,18 +85,16 @@ TEST(JsonUserDefaultsKill, whenTheWriterIsKilledAtAnyMoment_theFileIsWholeAndHol
     for (int kill = 0; kill < kKills; ++kill) {
         std::array<int, 2> report{};
         ASSERT_EQ(::pipe(report.data()), 0);
+        const std::chrono::microseconds lifetime(life(random));
         const auto writer = ::fork();
         ASSERT_GE(writer, 0);
         if (writer == 0) {
-            writeUntilKilled(file, number, report[1]);
+            writeUntilKilled(file, number, report[1], lifetime);
         }
         ::close(report[1]);
-        // The writer's life begins when it has written once.
-        pollfd firstReport{report[0], POLLIN, 0};
-        ASSERT_EQ(::poll(&firstReport, 1, 10000), 1);
-        ::usleep(static_cast<useconds_t>(life(random)));
-        ::kill(writer, SIGKILL);
-        ASSERT_EQ(::waitpid(writer, nullptr, 0), writer);
+        int end = 0;
+        ASSERT_EQ(::waitpid(writer, &end, 0), writer);
+        ASSERT_TRUE(WIFSIGNALED(end) && WTERMSIG(end) == SIGKILL) << "after kill " << kill;
         const auto reported = lastReport(report[0], number);
         ::close(report[0]);
 
@@ -84,6 +103,7 @@ TEST(JsonUserDefaultsKill, whenTheWriterIsKilledAtAnyMoment_theFileIsWholeAndHol
         ASSERT_TRUE(text) << "after kill " << kill;
         const auto found = std::stoi(*text);
         ASSERT_EQ(*text, textFor(found)) << "after kill " << kill;
+        ASSERT_GT(reported, number) << "after kill " << kill;
         ASSERT_GE(found, reported) << "after kill " << kill;
         ASSERT_LE(found, reported + 1) << "after kill " << kill;
         number = found;

@@ -45,6 +45,21 @@ TEST(QtAlert, whenItShows_allTextsStandAsGiven) {
     });
 }
 
+TEST(QtAlert, whenTheTextHoldsACommand_itStandsInOneLineAndCanBeCopied) {
+    const std::string command = "flatpak override --user --socket=pulseaudio org.example.App";
+    QTimer::singleShot(0, qApp, [&] {
+        auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_NE(box, nullptr);
+        const auto* const text = box->findChild<QLabel*>("qt_msgbox_informativelabel");
+        ASSERT_NE(text, nullptr);
+        EXPECT_GE(text->width(), text->fontMetrics().horizontalAdvance(QString::fromStdString(command)));
+        EXPECT_TRUE(text->textInteractionFlags() & Qt::TextSelectableByMouse);
+        box->buttons().at(0)->click();
+    });
+    EXPECT_EQ(QtAlert().runModal("No sound", "Run this:\n\n" + command + "\n\nThen start again.", {"Close"}),
+              0);
+}
+
 TEST(QtAlert, whenReturnIsPressed_theFirstButtonIsChosen) {
     EXPECT_EQ(askAnd([](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Return); }), 0);
 }

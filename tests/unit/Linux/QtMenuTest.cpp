@@ -176,12 +176,18 @@ TEST_F(SubmenuTest, whenItIsTakenAway_itGoesAndItsLaterChangesAreHarmless) {
 
 TEST(QtMenu, whenItIsGone_changesOfTheMenuAreHarmless) {
     const auto menu = std::make_shared<Menu>();
-    {
-        const QtMenu shown(menu);
-        menu->setItems({item("One")});
-    }
-    menu->setItems({item("Two")});
+    auto shown = std::make_unique<QtMenu>(menu);
+    menu->setItems({item("One")});
+    const QPointer<QMenu> widget = &shown->widget();
+    ASSERT_THAT(titlesIn(*widget), ElementsAre("One"));
+    int told = 0;
+    const auto other = menu->observe([&] { ++told; });
+    shown.reset();
     runPendingEvents();
+    EXPECT_TRUE(widget.isNull());
+    menu->setItems({item("Two")});
+    EXPECT_EQ(told, 1) << "the change reaches those who are left";
+    EXPECT_EQ(menu->items().front().title, "Two");
 }
 
 TEST(QtMenu, whenOneOfItsOwnItemsDropsIt_allGoesWell) {

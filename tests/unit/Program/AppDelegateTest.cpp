@@ -121,12 +121,15 @@ TEST_F(AppDelegateTest, launch_leavesItsTraceInOrder) {
     EXPECT_THAT(log.printed(), IsEmpty());
 }
 
-TEST_F(AppDelegateTest, launch_buildsTheStatusItemFirstAndTheMainWindowLast) {
+TEST_F(AppDelegateTest, launch_beginsWithTheStatusItemAndListensToKeysOnceTheMainWindowIsThere) {
     std::vector<std::string> made;
     userInterface.onCall = [&made](const std::string& call) { made.push_back(call); };
+    keyMonitor.onStart = [&made] { made.emplace_back("key monitor"); };
     launch();
+    ASSERT_GE(made.size(), 3U);
     EXPECT_EQ(made.front(), "makeStatusItem");
-    EXPECT_EQ(made.back(), "makeMainWindow");
+    EXPECT_EQ(made[made.size() - 2], "makeMainWindow");
+    EXPECT_EQ(made.back(), "key monitor");
     EXPECT_EQ(keyMonitor.startCount, 1);
 }
 

@@ -151,13 +151,16 @@ TEST_F(PushToTalkTest, start_showsTheRecordingEverywhere) {
 }
 
 TEST_F(PushToTalkTest, start_opensTheMicrophoneAfterTheOverlayAndWritesTheStateFileLast) {
-    recorder.onCall = [this](const std::string& call) {
+    int starts = 0;
+    recorder.onCall = [&](const std::string& call) {
         if (call == "start") {
+            ++starts;
             EXPECT_THAT(overlay.calls, ElementsAre("show"));
             EXPECT_FALSE(files.exists(kStatePath));
         }
     };
     pushToTalk.startRecording();
+    EXPECT_EQ(starts, 1);
     EXPECT_TRUE(files.exists(kStatePath));
 }
 
@@ -183,13 +186,17 @@ TEST_F(PushToTalkTest, stop_takesEverythingBackAtOnce) {
 
 TEST_F(PushToTalkTest, stop_hidesTheOverlayBeforeTheRecorderPausesAndRemovesTheStateFileAfter) {
     pushToTalk.startRecording();
-    recorder.onCall = [this](const std::string& call) {
+    int stops = 0;
+    recorder.onCall = [&](const std::string& call) {
         if (call == "stop") {
+            ++stops;
             EXPECT_THAT(overlay.calls, ElementsAre("show", "hide"));
             EXPECT_TRUE(files.exists(kStatePath));
         }
     };
     pushToTalk.stopRecording();
+    EXPECT_EQ(stops, 1);
+    EXPECT_FALSE(files.exists(kStatePath));
 }
 
 TEST_F(PushToTalkTest, aTapOfNoLength_isARecording) {

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Speech/RecognitionRequest.h"
+#include "support/ReadSound.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-namespace tovik {
+namespace tovik::test {
 namespace {
 
 constexpr double kRate = 100;
@@ -26,19 +27,10 @@ void append(RecognitionRequest& request, const std::vector<float>& frames) {
     request.append({frames, kRate});
 }
 
-std::vector<float> readAll(RecognitionRequest& request, std::size_t atOnce = 7) {
-    std::vector<float> all;
-    std::vector<float> some(atOnce);
-    while (const auto count = request.read(some)) {
-        all.insert(all.end(), some.begin(), some.begin() + static_cast<std::ptrdiff_t>(count));
-    }
-    return all;
-}
-
 TEST(RecognitionRequest, whenEndedWithoutSound_readsNothing) {
     RecognitionRequest request({}, kRate);
     request.endAudio();
-    EXPECT_TRUE(readAll(request).empty());
+    EXPECT_TRUE(readAll(request, 7).empty());
 }
 
 TEST(RecognitionRequest, whenReadInPieces_givesEveryFrameInOrder) {
@@ -46,7 +38,7 @@ TEST(RecognitionRequest, whenReadInPieces_givesEveryFrameInOrder) {
     append(request, counting(100));
     append(request, counting(55, 100));
     request.endAudio();
-    EXPECT_EQ(readAll(request), counting(155));
+    EXPECT_EQ(readAll(request, 7), counting(155));
 }
 
 TEST(RecognitionRequest, whenTheRingWrapsAround_keepsTheOrder) {
@@ -55,7 +47,7 @@ TEST(RecognitionRequest, whenTheRingWrapsAround_keepsTheOrder) {
     std::array<float, 3000> part{};
     for (int round = 0; round < 5; ++round) {
         append(request, counting(part.size(), static_cast<float>(round) * part.size()));
-        ASSERT_EQ(request.read(part), part.size());
+        ASSERT_EQ(readSome(request, part), part.size());
         heard.insert(heard.end(), part.begin(), part.end());
     }
     EXPECT_EQ(heard, counting(5 * part.size()));
@@ -78,12 +70,12 @@ TEST(RecognitionRequest, afterTheEnd_ignoresSound) {
     request.endAudio();
     append(request, counting(3));
     request.endAudio();
-    EXPECT_EQ(readAll(request), counting(3));
+    EXPECT_EQ(readAll(request, 7), counting(3));
 }
 
 TEST(RecognitionRequest, whenAskedForNothing_givesNothingAtOnce) {
     RecognitionRequest request({}, kRate);
-    EXPECT_EQ(request.read({}), 0U);
+    EXPECT_EQ(readSome(request, {}), 0U);
 }
 
 TEST(RecognitionRequest, tellsHowManyFramesWait) {
@@ -92,7 +84,7 @@ TEST(RecognitionRequest, tellsHowManyFramesWait) {
     append(request, counting(10));
     EXPECT_EQ(request.waitingFrames(), 10U);
     std::array<float, 4> some{};
-    EXPECT_EQ(request.read(some), 4U);
+    EXPECT_EQ(readSome(request, some), 4U);
     EXPECT_EQ(request.waitingFrames(), 6U);
 }
 
@@ -134,4 +126,4 @@ TEST(RecognitionRequest, whenOneThreadAppendsAndAnotherReads_nothingIsLostOrSwap
 }
 
 } // namespace
-} // namespace tovik
+} // namespace tovik::test
