@@ -204,11 +204,25 @@ class FullDisk(ProgramTest):
         self.assertTrue(any("Failed to save the setting transcription.history" in line
                             for line in program.output()), program.output())
 
+    def test_whenThereIsRoomAgain_savesTheTranscriptThatDidNotFit(self) -> None:
+        self.set_stage()
+        program = self._start_with_files_limited_to(1 << 20)
+        editor = self.open_editor()
+        _, most = resource.prlimit(program.process.pid, resource.RLIMIT_FSIZE)
+        resource.prlimit(program.process.pid, resource.RLIMIT_FSIZE, (16, most))
+        text = self.dictate(program, editor).pasted
+        program.wait_for_line("Failed to save the setting transcription.history", 5)
+        resource.prlimit(program.process.pid, resource.RLIMIT_FSIZE, (most, most))
+        program.wait_for_line("[TovikVoice] The settings that could not be saved are saved now", 10)
+        with open(program.defaults) as file:
+            history = json.load(file)["transcription.history"]
+        self.assertEqual([entry["text"] for entry in history], [text])
+
     def _start_with_files_limited_to(self, size: int) -> Program:
         """A limit on the size of files stands in for a full disk: it needs no right, and writing fails alike."""
         def limit() -> None:
             signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-            resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
+            resource.setrlimit(resource.RLIMIT_FSIZE, (size, resource.getrlimit(resource.RLIMIT_FSIZE)[1]))
 
         program = Program(self.stage, self.binary, prepare=limit)
         program.wait_until_ready()
