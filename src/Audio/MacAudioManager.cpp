@@ -271,10 +271,13 @@ void MacAudioManager::refreshAudioDevices() {
 
 void MacAudioManager::handleDeviceChange(DeviceChange change, const CaptureDevice& device) {
     const auto now = ports_.clock.now();
-    if (deviceChangeCooldownUntil_ && *deviceChangeCooldownUntil_ > now) {
+    const auto coolDown = std::chrono::duration_cast<Date::duration>(kDeviceChangeCooldown);
+    // One that ends later than one that begins now was set before the clock was put back.
+    if (deviceChangeCooldownUntil_ && *deviceChangeCooldownUntil_ > now &&
+        *deviceChangeCooldownUntil_ <= now + coolDown) {
         return;
     }
-    deviceChangeCooldownUntil_ = now + std::chrono::duration_cast<Date::duration>(kDeviceChangeCooldown);
+    deviceChangeCooldownUntil_ = now + coolDown;
     print("Audio device change detected");
 
     if (change == DeviceChange::connected && isWirelessHeadset(device.localizedName)) {

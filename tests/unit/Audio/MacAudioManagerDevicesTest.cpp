@@ -218,6 +218,15 @@ TEST_F(MacAudioManagerDevices, whenAChangeIsDropped_theCooldownDoesNotBeginAnew)
     EXPECT_THAT(newLines(), SizeIs(2));
 }
 
+TEST_F(MacAudioManagerDevices, whenTheClockIsPutBack_changesAreStillHandled) {
+    manager();
+    forgetLines();
+    devices.connect({"one", "One"});
+    time.pause(Seconds(-3600));
+    devices.connect({"two", "Two"});
+    EXPECT_THAT(newLines(), ElementsAre(kChangeDetected, kChangeDetected));
+}
+
 TEST_F(MacAudioManagerDevices, whenAHeadsetComes_recoveryRunsOnceMoreASecondLater) {
     manager();
     devices.connect(airPods);
