@@ -3,6 +3,7 @@
 #include "Linux/PocketSphinx/PocketSphinxService.h"
 
 #include "Linux/PocketSphinx/PocketSphinxDecoder.h"
+#include "Linux/Recognition/FileStamp.h"
 #include "Linux/Recognition/LocaleIdentifier.h"
 
 #include <string_view>
@@ -16,8 +17,14 @@ constexpr std::string_view kLocale = "en-US";
 } // namespace
 
 PocketSphinxService::PocketSphinxService(SystemLog& log, const ModelFiles& files)
-    : engine_(
-          log, [files] { return files.check(); }, [files] { return PocketSphinxDecoder::load(files); }, {}) {}
+    : engine_(log,
+              {.check = [files] { return files.check(); },
+               .load = [files] { return PocketSphinxDecoder::load(files); },
+               .stamp =
+                   [files] {
+                       return fileStamp({files.acousticModel, files.languageModel, files.dictionary});
+                   }},
+              {}) {}
 
 std::shared_ptr<SpeechRecognizer> PocketSphinxService::makeRecognizer(const std::string& localeIdentifier) {
     if (localeIdentifier.empty() || canonicalLocaleIdentifier(localeIdentifier) != kLocale) {

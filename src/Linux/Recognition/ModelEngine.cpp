@@ -3,28 +3,11 @@
 #include "Linux/Recognition/ModelEngine.h"
 
 #include "Linux/Recognition/RecognitionError.h"
+#include "Linux/Recognition/RequestTask.h"
 
 #include <utility>
 
 namespace tovik {
-
-namespace {
-
-class RequestTask : public RecognitionTask {
-public:
-    explicit RequestTask(std::weak_ptr<RecognitionRequest> request) : request_(std::move(request)) {}
-
-    void finish() override {
-        if (const auto request = request_.lock()) {
-            request->endAudio();
-        }
-    }
-
-private:
-    const std::weak_ptr<RecognitionRequest> request_;
-};
-
-} // namespace
 
 class ModelRecognizer : public SpeechRecognizer {
 public:
@@ -43,12 +26,12 @@ private:
     ModelEngine& engine_;
 };
 
-ModelEngine::ModelEngine(SystemLog& log, Check check, DecoderLoader loader, Limits limits)
+ModelEngine::ModelEngine(SystemLog& log, Model model, Limits limits)
     : log_(std::make_shared<SharedLog>(log)),
-      check_(std::move(check)),
-      loader_(std::move(loader)),
+      model_(std::move(model)),
       limits_(limits) {
-    if (auto usable = check_(); usable) {
+    if (auto usable = model_.check(); usable) {
+        loadedStamp_ = model_.stamp();
         recognition_ = makeThread();
     } else {
         missing_ = usable.error();
@@ -91,8 +74,9 @@ void ModelEngine::prepare(const std::vector<std::string>& contextualStrings) {
 
 std::optional<std::string> ModelEngine::whyUnavailable() {
     const std::lock_guard lock(mutex_);
-    if (!recognition_ && check_()) {
+    if (!recognition_ && model_.check()) {
         missing_.reset();
+        loadedStamp_ = model_.stamp();
         recognition_ = makeThread();
     }
     if (!recognition_) {
@@ -101,7 +85,8 @@ std::optional<std::string> ModelEngine::whyUnavailable() {
     if (const auto failure = recognition_->failure()) {
         return failure->description;
     }
-    return std::nullopt;
+    // Nobody is to speak into a second try.
+    return broken_ && !recognition_->isLoaded() ? std::optional(broken_->description) : std::nullopt;
 }
 
 bool ModelEngine::waitUntilReady(Seconds atMost) {
@@ -114,7 +99,7 @@ bool ModelEngine::waitUntilReady(Seconds atMost) {
 }
 
 std::shared_ptr<RecognitionThread> ModelEngine::makeThread() const {
-    auto thread = std::make_shared<RecognitionThread>(loader_, limits_.clock, log_);
+    auto thread = std::make_shared<RecognitionThread>(model_.load, limits_.clock, log_);
     if (contextualStrings_) {
         thread->prepare(*contextualStrings_);
     }
@@ -141,7 +126,15 @@ void ModelEngine::watch() {
         if (!recognition_) {
             continue;
         }
-        const auto limit = recognition_->isLoaded() ? limits_.silence : limits_.loading;
+        if (recognition_->failure()) {
+            loadAgainWhenChanged(lock);
+            continue;
+        }
+        const bool isLoaded = recognition_->isLoaded();
+        if (isLoaded) {
+            broken_.reset();
+        }
+        const auto limit = isLoaded ? limits_.silence : limits_.loading;
         const bool wasSuspect = std::exchange(isSuspect, recognition_->silentFor() > limit);
         // Once is not enough: after the whole process has been stopped for a while, as with its machine, the
         // decoder goes on as if nothing had been.
@@ -149,6 +142,19 @@ void ModelEngine::watch() {
             isSuspect = false;
             replaceSilentThread();
         }
+    }
+}
+
+/// The files may have been looked at while they were being unpacked.
+void ModelEngine::loadAgainWhenChanged(std::unique_lock<std::mutex>& lock) {
+    lock.unlock();
+    const auto stamp = model_.stamp();
+    lock.lock();
+    const bool isSettled = stamp == std::exchange(seenStamp_, stamp);
+    if (isSettled && stamp != loadedStamp_) {
+        broken_ = recognition_->failure();
+        loadedStamp_ = stamp;
+        recognition_ = makeThread();
     }
 }
 

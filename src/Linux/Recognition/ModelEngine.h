@@ -21,9 +21,19 @@ namespace tovik {
 ///
 /// The model is loaded in the background from the construction on. A dictation that begins before it is
 /// ready waits for it and loses nothing. Utterances are decoded one after the other. A decoder that does not
-/// come back is given up: its utterance is answered with an error and the next one gets a fresh decoder.
+/// come back is given up: its utterance is answered with an error and the next one gets a fresh decoder. A
+/// model that could not be loaded is loaded again once its files have changed and stay as they are.
 class ModelEngine {
 public:
+    /// What can be done with the files of a model. Any thread.
+    struct Model {
+        /// Tells in a moment whether they can be used at all.
+        std::function<Result<void>()> check;
+        DecoderLoader load;
+        /// Another text after they have changed; at once.
+        std::function<std::string()> stamp;
+    };
+
     struct Limits {
         /// How long the decoder may work without a sign of life.
         Seconds silence{15};
@@ -37,10 +47,7 @@ public:
         RecognitionThread::SteadyClock clock = [] { return std::chrono::steady_clock::now(); };
     };
 
-    /// Tells in a moment whether the model's files can be used at all.
-    using Check = std::function<Result<void>()>;
-
-    ModelEngine(SystemLog& log, Check check, DecoderLoader loader, Limits limits);
+    ModelEngine(SystemLog& log, Model model, Limits limits);
     /// Answers every utterance that is under way with an error.
     ~ModelEngine();
     ModelEngine(const ModelEngine&) = delete;
@@ -67,11 +74,11 @@ private:
     void start(std::shared_ptr<Utterance> utterance);
     [[nodiscard]] std::shared_ptr<RecognitionThread> makeThread() const;
     void watch();
+    void loadAgainWhenChanged(std::unique_lock<std::mutex>& lock);
     void replaceSilentThread();
 
     const std::shared_ptr<SharedLog> log_;
-    const Check check_;
-    const DecoderLoader loader_;
+    const Model model_;
     const Limits limits_;
 
     std::mutex mutex_;
@@ -81,6 +88,11 @@ private:
     std::optional<Error> missing_;
     std::optional<std::vector<std::string>> contextualStrings_;
     std::shared_ptr<RecognitionThread> recognition_;
+    /// Why the model could not be loaded, until it is.
+    std::optional<Error> broken_;
+    /// Of the files as they were before they were loaded, and when the watch last saw them.
+    std::string loadedStamp_;
+    std::string seenStamp_;
     std::thread watch_;
 };
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Vosk/VoskService.h"
 
+#include "Linux/Recognition/FileStamp.h"
 #include "Linux/Recognition/LocaleIdentifier.h"
 #include "Linux/Vosk/VoskDecoder.h"
 
@@ -100,12 +101,15 @@ ModelEngine* VoskService::engineFor(const std::string& locale) {
     if (loaded_.size() == mostModels) {
         loaded_.pop_back();
     }
-    loaded_.push_front({*folder, std::make_unique<ModelEngine>(
-                                     log_, [folder = *folder] { return VoskModels::check(folder); },
-                                     [check = check_, library = library_, folder = *folder] {
-                                         return loadChecked(check, library, folder);
-                                     },
-                                     limits)});
+    loaded_.push_front(
+        {*folder,
+         std::make_unique<ModelEngine>(
+             log_,
+             ModelEngine::Model{.check = [folder = *folder] { return VoskModels::check(folder); },
+                                .load = [check = check_, library = library_,
+                                         folder = *folder] { return loadChecked(check, library, folder); },
+                                .stamp = [folder = *folder] { return fileStamp({folder}); }},
+             limits)});
     loaded_.front().engine->prepare(contextualStrings_);
     return loaded_.front().engine.get();
 }

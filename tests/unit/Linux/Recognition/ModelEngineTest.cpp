@@ -37,16 +37,31 @@ protected:
 
     void makeEngine() {
         engine_ = std::make_unique<ModelEngine>(
-            log_, [this] { return filesThere_ ? Result<void>() : Result<void>(kMissing); },
-            [script = script_, failure = loadFailure_]() -> Result<std::unique_ptr<UtteranceDecoder>> {
-                script->decoderMade();
-                script->loading.pass();
-                if (failure) {
-                    return *failure;
-                }
-                return std::unique_ptr<UtteranceDecoder>(std::make_unique<ScriptedDecoder>(script));
-            },
+            log_,
+            ModelEngine::Model{
+                .check = [this] { return filesThere_ ? Result<void>() : Result<void>(kMissing); },
+                .load = [script = script_, files = files_]() -> Result<std::unique_ptr<UtteranceDecoder>> {
+                    script->decoderMade();
+                    script->loading.pass();
+                    if (files->areBroken) {
+                        return kBroken;
+                    }
+                    return std::unique_ptr<UtteranceDecoder>(std::make_unique<ScriptedDecoder>(script));
+                },
+                .stamp =
+                    [files = files_] {
+                        ++files->looks;
+                        return std::to_string(files->isChanging ? files->looks.load()
+                                                                : files->version.load());
+                    }},
             limits_);
+    }
+
+    /// Returns after the watch has looked at the files that often from now on.
+    void waitForLooks(int count) const {
+        for (const int end = files_->looks + count; files_->looks < end;) {
+            std::this_thread::yield();
+        }
     }
 
     std::shared_ptr<RecognitionRequest> makeRequest(bool partial = false,
@@ -78,6 +93,15 @@ protected:
     }
 
     inline static const Error kMissing{"SpeechRecognition", 2, "The model is missing. Install it."};
+    inline static const Error kBroken{"SpeechRecognition", 2, "The model is broken."};
+
+    /// The model's files, as one sees them who looks at them now.
+    struct Files {
+        std::atomic<bool> areBroken{false};
+        std::atomic<int> version{0};
+        std::atomic<bool> isChanging{false};
+        std::atomic<int> looks{0};
+    };
 
     /// The time as the service knows it; stands still.
     const std::shared_ptr<std::atomic<std::chrono::steady_clock::duration>> time_ =
@@ -85,7 +109,7 @@ protected:
     RecordingLog log_;
     const std::shared_ptr<DecoderScript> script_ = std::make_shared<DecoderScript>();
     std::atomic<bool> filesThere_{true};
-    std::optional<Error> loadFailure_;
+    const std::shared_ptr<Files> files_ = std::make_shared<Files>();
     ModelEngine::Limits limits_;
     std::unique_ptr<ModelEngine> engine_;
     std::vector<std::unique_ptr<RecognitionTask>> tasks_;
@@ -129,7 +153,7 @@ TEST_F(ModelEngineTest, whenTheFilesTurnUpLater_recognises) {
 }
 
 TEST_F(ModelEngineTest, whenLoadingFails_saysWhyAndAnswersWithTheReason) {
-    loadFailure_ = Error{"SpeechRecognition", 2, "The model is broken."};
+    files_->areBroken = true;
     script_->loading.close();
     makeEngine();
     const auto before = say(100);
@@ -139,6 +163,42 @@ TEST_F(ModelEngineTest, whenLoadingFails_saysWhyAndAnswersWithTheReason) {
     EXPECT_EQ(engine_->whyUnavailable(), "The model is broken.");
     EXPECT_FALSE(engine_->waitUntilReady(Seconds(60)));
     EXPECT_THAT(log_.logged(), Contains(HasSubstr("The model is broken.")));
+}
+
+TEST_F(ModelEngineTest, whenABrokenModelIsMended_loadsItAndIsUnavailableUntilThen) {
+    files_->areBroken = true;
+    makeEngine();
+    ASSERT_EQ(say(100).waitForText(), "<The model is broken.>");
+    script_->loading.close();
+    files_->areBroken = false;
+    ++files_->version;
+    script_->waitForDecoders(2);
+    EXPECT_EQ(engine_->whyUnavailable(), "The model is broken.");
+    script_->loading.open();
+    EXPECT_EQ(say(100).waitForText(), "100 samples");
+    EXPECT_EQ(engine_->whyUnavailable(), std::nullopt);
+}
+
+TEST_F(ModelEngineTest, whileABrokenModelIsTheSame_doesNotLoadItAgain) {
+    files_->areBroken = true;
+    makeEngine();
+    ASSERT_EQ(say(100).waitForText(), "<The model is broken.>");
+    waitForLooks(5);
+    EXPECT_EQ(script_->decoders(), 1);
+}
+
+TEST_F(ModelEngineTest, whileABrokenModelIsBeingUnpacked_waitsForTheEndOfThat) {
+    files_->areBroken = true;
+    makeEngine();
+    ASSERT_EQ(say(100).waitForText(), "<The model is broken.>");
+    files_->isChanging = true;
+    waitForLooks(5);
+    EXPECT_EQ(script_->decoders(), 1);
+    files_->areBroken = false;
+    files_->isChanging = false;
+    ++files_->version;
+    script_->waitForDecoders(2);
+    EXPECT_EQ(say(100).waitForText(), "100 samples");
 }
 
 TEST_F(ModelEngineTest, handsTheContextualStringsToTheDecoder) {
