@@ -4,6 +4,7 @@
 
 #include "Linux/Recognition/LocaleIdentifier.h"
 #include "Linux/Recognition/RecognitionError.h"
+#include "Linux/Recognition/RequestTask.h"
 #include "Speech/RecognitionRequest.h"
 
 #include <algorithm>
@@ -15,20 +16,6 @@ namespace {
 
 /// A server that is away is looked for this often at most.
 constexpr std::chrono::seconds kCheckEvery{5};
-
-class ServerTask : public RecognitionTask {
-public:
-    explicit ServerTask(std::weak_ptr<RecognitionRequest> request) : request_(std::move(request)) {}
-
-    void finish() override {
-        if (const auto request = request_.lock()) {
-            request->endAudio();
-        }
-    }
-
-private:
-    const std::weak_ptr<RecognitionRequest> request_;
-};
 
 /// Keys that were copied or came through a pipe may have a line break at their end.
 std::string withoutOuterSpace(const std::string& text) {
@@ -62,7 +49,7 @@ public:
 
     [[nodiscard]] std::unique_ptr<RecognitionTask> startTask(std::shared_ptr<RecognitionRequest> request,
                                                              RecognitionHandler handler) override {
-        auto task = std::make_unique<ServerTask>(request);
+        auto task = std::make_unique<RequestTask>(request);
         service_.start(std::make_shared<Utterance>(std::move(request), std::move(handler)), locale_);
         return task;
     }
