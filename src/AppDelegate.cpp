@@ -20,6 +20,7 @@
 #include "Session/TargetTracker.h"
 #include "Session/TranscriptDelivery.h"
 #include "Session/TranscriptHistoryMenu.h"
+#include "Session/TranscriptInbox.h"
 #include "Speech/FinalTextChain.h"
 #include "Speech/TranscriptHistoryBrowser.h"
 #include "Speech/TranscriptHistoryStore.h"
@@ -65,6 +66,7 @@ struct AppDelegate::Parts {
     TranscriptHistoryBrowser historyBrowser;
     MakerLinks links;
     std::shared_ptr<InputDeviceMenu> inputDevices;
+    TranscriptInbox inbox;
 
     std::unique_ptr<StatusItem> statusItem;
     std::unique_ptr<RecordingOverlay> overlay;
@@ -121,10 +123,15 @@ void AppDelegate::createRecorder() {
     parts_->recorder->setDeviceDelegate(parts_->inputDevices);
 
     // Both come on threads of their own; guarded here, on the thread on which this object ends.
-    parts_->recorder->onTranscription =
-        [&queue = platform_.mainQueue, deliver = lifetime_.guard([this](const std::string& text) {
-            parts_->delivery->handleTranscription(text);
-        })](const std::string& text) { queue.async([deliver, text]() mutable { deliver(text); }); };
+    parts_->recorder->onTranscription = [&queue = platform_.mainQueue, &inbox = parts_->inbox,
+                                         deliver = lifetime_.guard([this] {
+                                             if (const auto text = parts_->inbox.take()) {
+                                                 parts_->delivery->handleTranscription(*text);
+                                             }
+                                         })](const std::string& text) {
+        inbox.put(text);
+        queue.async(deliver);
+    };
     parts_->recorder->onLevel = [&queue = platform_.mainQueue, show = lifetime_.guard([this](float level) {
         parts_->overlay->setLevel(level);
     })](float level) { queue.async([show, level]() mutable { show(level); }); };
@@ -163,10 +170,12 @@ void AppDelegate::createSession() {
         .targets = parts_->targets,
     });
     parts_->farewell = std::make_unique<Farewell>(Farewell::Collaborators{
+        .clock = platform_.clock,
         .queue = platform_.mainQueue,
         .log = platform_.log,
         .recorder = *parts_->recorder,
         .delivery = *parts_->delivery,
+        .inbox = parts_->inbox,
         .terminate = platform_.terminate,
     });
 }
@@ -241,6 +250,12 @@ void AppDelegate::quitApp() {
     }
     parts_->overlay->hide();
     parts_->farewell->quit();
+}
+
+void AppDelegate::displayLost() {
+    if (parts_->farewell) {
+        parts_->farewell->keepLastWords();
+    }
 }
 
 } // namespace tovik

@@ -83,6 +83,8 @@ public:
     void openMainWindowFromMenu();
     /// Ends the program, after a text that is still on its way has been delivered; asked again, at once.
     void quitApp();
+    /// The process ends because its windows have lost the desktop: saves what was being recognised.
+    void displayLost();
 
 private:
     struct Parts;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppDelegate.h"
 #include "Linux/LinuxPlatform.h"
+#include "Linux/Qt/DisplayLoss.h"
 #include "Linux/Qt/SingleInstance.h"
 #include "Linux/Qt/TerminationSignals.h"
 #include "Linux/X11/X11Connection.h"
@@ -77,6 +78,7 @@ int main(int argc, char** argv) {
                              delegate.applicationDidBecomeActive();
                          }
                      });
+    const DisplayLoss displayLoss([&delegate] { delegate.displayLost(); });
     const TerminationSignals termination([&delegate] { delegate.quitApp(); });
     // The window shows how the permissions stand, and the sound server tells within milliseconds.
     desktop.whenSoundIsKnown([&] {

@@ -4,6 +4,7 @@
 
 #include "Audio/Recorder.h"
 #include "Session/TranscriptDelivery.h"
+#include "Session/TranscriptInbox.h"
 
 #include <utility>
 
@@ -47,6 +48,22 @@ void Farewell::look() {
             ending_ = with_.queue.after(kTimeToFetchThePaste, [this] { terminate(); });
         }
     }));
+}
+
+void Farewell::keepLastWords() {
+    if (with_.recorder.isRecognising()) {
+        with_.recorder.stop();
+    }
+    for (auto left = patience; with_.recorder.isRecognising() && left > Seconds(0); left -= kLookInterval) {
+        with_.clock.pause(kLookInterval);
+    }
+    if (with_.recorder.isRecognising()) {
+        with_.log.printLine("[TovikVoice] The last dictation was not recognised in time: its words are lost");
+    }
+    while (const auto text = with_.inbox.take()) {
+        with_.delivery.keepWithoutPasting(*text);
+        with_.log.printLine("[TovikVoice] The desktop is gone: the last dictation is kept in the history");
+    }
 }
 
 void Farewell::giveUp() {

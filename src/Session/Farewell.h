@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Clock.h"
 #include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
 #include "Platform/SystemLog.h"
@@ -12,6 +13,7 @@ namespace tovik {
 
 class Recorder;
 class TranscriptDelivery;
+class TranscriptInbox;
 
 /// Ends the program without losing what was spoken last: a recording that runs is ended, and a text that is
 /// still on its way is delivered first, if it comes soon. Main thread.
@@ -21,10 +23,12 @@ public:
     static constexpr Seconds patience{3.0};
 
     struct Collaborators {
+        Clock& clock;
         MainQueue& queue;
         SystemLog& log;
         Recorder& recorder;
-        const TranscriptDelivery& delivery;
+        TranscriptDelivery& delivery;
+        TranscriptInbox& inbox;
         std::function<void()> terminate;
     };
 
@@ -33,6 +37,10 @@ public:
     /// Terminates now when nothing is under way, or when it was asked for before; otherwise as soon as the
     /// text has been delivered, and at the end of the patience whatever comes.
     void quit();
+
+    /// The desktop is gone and the process about to end, without the event loop: puts what is still being
+    /// recognised into the history, in so far as its text comes in time. Blocks that long.
+    void keepLastWords();
 
 private:
     [[nodiscard]] bool isUnderWay() const;

@@ -38,6 +38,10 @@ void TranscriptDelivery::handleTranscription(const std::string& text) {
     }
 }
 
+void TranscriptDelivery::keepWithoutPasting(const std::string& text) {
+    with_.history.add(with_.dictionary.apply(text));
+}
+
 void TranscriptDelivery::remember(const std::string& corrected) {
     lastTranscript_ = corrected;
     transcriptHistory_.push_front(corrected);

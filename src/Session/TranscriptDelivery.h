@@ -48,6 +48,9 @@ public:
     /// Takes every final text, also an empty one. Without the permission to press keys the text is dropped.
     void handleTranscription(const std::string& text);
 
+    /// Puts the text, corrected, into the history and nowhere else.
+    void keepWithoutPasting(const std::string& text);
+
     /// Puts the text on the pasteboard and, after the target has come to the front, presses paste there.
     void pasteTextToTarget(const std::string& text);
 

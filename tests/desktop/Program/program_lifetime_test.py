@@ -101,6 +101,19 @@ class End(ProgramTest):
         self.stage.end("xserver")
         self.assertGreaterEqual(program.wait(10), 0)
 
+    def test_ofTheXServerDuringARecording_keepsWhatWasSaid(self) -> None:
+        self.set_stage()
+        program = self.start()
+        self.open_editor()
+        self.desktop.press(TALK_KEY)
+        program.wait_for_line(RECORDING_STARTED, 5)
+        self.stage.microphone.speak(SPEECH).wait()
+        self.stage.end("xserver")
+        self.assertGreaterEqual(program.wait(10), 0)
+        with open(program.defaults) as file:
+            history = json.load(file).get("transcription.history", [])
+        self.assertEqual([first_words(entry["text"]) for entry in history], [SPOKEN_WORDS], program.output())
+
     def test_byKillAtAnyMomentOfADictation_leavesTheSettingsWhole(self) -> None:
         self.set_stage()
         editor = self.open_editor()

@@ -3,6 +3,7 @@
 #include "Session/Farewell.h"
 
 #include "Session/TranscriptDelivery.h"
+#include "Session/TranscriptInbox.h"
 #include "Speech/TranscriptHistoryStore.h"
 #include "Speech/TranscriptionDictionary.h"
 #include "support/FakeTextTranslator.h"
@@ -38,10 +39,14 @@ protected:
                                  .workspace = workspace,
                                  .targets = targets}};
     int terminations = 0;
-    Farewell farewell{
-        {.queue = time, .log = log, .recorder = recorder, .delivery = delivery, .terminate = [this] {
-             ++terminations;
-         }}};
+    TranscriptInbox inbox;
+    Farewell farewell{{.clock = time,
+                       .queue = time,
+                       .log = log,
+                       .recorder = recorder,
+                       .delivery = delivery,
+                       .inbox = inbox,
+                       .terminate = [this] { ++terminations; }}};
 };
 
 TEST_F(FarewellTest, whenNothingIsUnderWay_terminatesAtOnceAndSaysNothing) {
@@ -124,6 +129,40 @@ TEST_F(FarewellTest, whenAskedAgain_terminatesAtOnce) {
     EXPECT_EQ(terminations, 1);
     time.advance(Seconds(10));
     EXPECT_EQ(terminations, 1);
+}
+
+// When the desktop is gone, no event loop runs any more.
+
+TEST_F(FarewellTest, whenTheDesktopIsGone_aTextThatIsBeingRecognisedGoesToTheHistoryAlone) {
+    recorder.recognises = true;
+    recorder.onCall = [this](const std::string& call) {
+        EXPECT_EQ(call, "stop");
+        inbox.put("last words");
+        recorder.recognises = false;
+    };
+    farewell.keepLastWords();
+    ASSERT_THAT(history.entries(), SizeIs(1));
+    EXPECT_EQ(history.entries().front().text, "last words");
+    EXPECT_THAT(pasteboard.texts(), IsEmpty());
+    EXPECT_THAT(mainWindow.calls(), IsEmpty());
+    EXPECT_THAT(log.printed(),
+                ElementsAre("[TovikVoice] The desktop is gone: the last dictation is kept in the history"));
+}
+
+TEST_F(FarewellTest, whenTheDesktopIsGoneAndNoTextComes_waitsNoLongerThanItsPatienceAndSaysSo) {
+    recorder.recognises = true;
+    const auto before = time.now();
+    farewell.keepLastWords();
+    EXPECT_LE(time.now() - before, Farewell::patience + Seconds(0.1));
+    EXPECT_THAT(log.printed(), ElementsAre("[TovikVoice] The last dictation was not recognised in time: its "
+                                           "words are lost"));
+}
+
+TEST_F(FarewellTest, whenTheDesktopIsGoneAndNothingIsUnderWay_doesNothing) {
+    farewell.keepLastWords();
+    EXPECT_THAT(recorder.calls, IsEmpty());
+    EXPECT_THAT(time.pauses(), IsEmpty());
+    EXPECT_THAT(log.printed(), IsEmpty());
 }
 
 } // namespace
