@@ -25,8 +25,14 @@ constexpr double kTonePredictionGain = 1000;
 constexpr std::size_t kToneOrder = 8;
 /// From one frame to the next the pitch of a voice moves by an eighth at most.
 constexpr std::size_t kPeriodsPerChange = 8;
+/// By how much noise moves the pitch that is found in a hum, in samples.
+constexpr std::size_t kJitter = 1;
 /// How many decibels make a difference between two moments.
 constexpr double kLiving = 0.5;
+
+std::size_t difference(std::size_t a, std::size_t b) {
+    return a > b ? a - b : b - a;
+}
 
 } // namespace
 
@@ -59,17 +65,17 @@ void VoiceEvidence::processFrame() {
     past_[frames_ % kMoment] = now;
     ++frames_;
 
-    const auto distance = now.period > last.period ? now.period - last.period : last.period - now.period;
     if (now.period == 0) {
         row_ = 0;
-    } else if (last.period != 0 && distance * kPeriodsPerChange <= now.period) {
+    } else if (last.period != 0 && difference(now.period, last.period) * kPeriodsPerChange <= now.period) {
         ++row_;
     } else {
         row_ = 1;
     }
     if (row_ >= kRow) {
         ++pitchedFrames_;
-        if (now.period != before.period || std::abs(now.decibels - before.decibels) > kLiving) {
+        if (difference(now.period, before.period) > kJitter ||
+            std::abs(now.decibels - before.decibels) > kLiving) {
             ++livingFrames_;
         }
     }

@@ -64,6 +64,16 @@ std::vector<float> hum(double frequency, double loudness) {
     });
 }
 
+/// A transformer's, with overtones and the noise of the room.
+std::vector<float> noisyHum(double frequency) {
+    std::mt19937 random(7);
+    std::normal_distribution<double> noise(0, 0.003);
+    return sound([&](double time) {
+        const auto overtone = [&](int number) { return std::sin(2 * M_PI * frequency * number * time); };
+        return 0.1 * (overtone(1) + overtone(2) / 2 + overtone(3) / 3) + noise(random);
+    });
+}
+
 std::vector<float> clicks(int perSecond) {
     std::mt19937 random(7);
     std::normal_distribution<double> noise(0, 1);
@@ -108,6 +118,9 @@ INSTANTIATE_TEST_SUITE_P(
         Noise{"DeafeningNoise", [] { return whiteNoise(0.5); }}, Noise{"Rumble", [] { return rumble(0.3); }},
         Noise{"MainsHum50", [] { return hum(50, 0.1); }}, Noise{"MainsHum60", [] { return hum(60, 0.1); }},
         Noise{"FanHum120", [] { return hum(120, 0.1); }}, Noise{"FaintHum120", [] { return hum(120, 0.01); }},
+        Noise{"NoisyHum100", [] { return noisyHum(100); }},
+        Noise{"NoisyHum120", [] { return noisyHum(120); }},
+        Noise{"NoisyHum150", [] { return noisyHum(150); }},
         Noise{"Whistle440", [] { return hum(440, 0.05); }},
         Noise{"Whistle1000", [] { return hum(1000, 0.05); }}, Noise{"OneKeyStroke", [] { return clicks(1); }},
         Noise{"Typing", [] { return clicks(8); }}, Noise{"Beeps", beeps}, Noise{"Breath", breath}),
