@@ -14,10 +14,12 @@
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
+#include <signal.h>
 #include <sys/stat.h>
 
 #include <array>
 #include <atomic>
+#include <fstream>
 
 namespace tovik::test {
 namespace {
@@ -372,6 +374,21 @@ TEST_F(SpeechServerServiceTest, whenTheUserWantsIt_theEmbeddedEngineRecognisesIn
     }));
     EXPECT_EQ(answers.waitForText(), "from this machine");
     EXPECT_THAT(keptFiles(), SizeIs(1));
+}
+
+TEST_F(SpeechServerServiceTest, whenTheServerIsOursToRun_startsItAndEndsItWithTheService) {
+    const std::string started = folder_ / "started";
+    defaults_.set("platform.speech.serverCommand", {"/bin/sh", "-c",
+                                                    "echo $$ > " + started + ".new && mv " + started +
+                                                        ".new " + started + " && exec sleep 600"});
+    EXPECT_EQ(dictate(), "hello there");
+    ASSERT_TRUE(comesTrue([&] { return std::filesystem::exists(started); }));
+    pid_t process = 0;
+    std::ifstream(started) >> process;
+    ASSERT_EQ(::kill(process, 0), 0);
+    tasks_.clear();
+    service_.reset();
+    EXPECT_NE(::kill(process, 0), 0);
 }
 
 TEST_F(SpeechServerServiceTest, whenTheUserDoesNotAllowIt_nothingIsSent) {
