@@ -89,7 +89,10 @@ AppDelegate::AppDelegate(const Platform& platform)
     platform_.log.logLine("[TovikVoice] AppDelegate.init() called");
 }
 
-AppDelegate::~AppDelegate() = default;
+AppDelegate::~AppDelegate() {
+    // A window that goes still looks at what it shows: a field that loses the keyboard hands over its text.
+    parts_->window.fill(nullptr);
+}
 
 void AppDelegate::applicationDidFinishLaunching() {
     parts_->debugLog.debugLog("applicationDidFinishLaunching started");

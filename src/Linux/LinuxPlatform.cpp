@@ -29,24 +29,25 @@ std::string environment(const char* variable) {
     return value == nullptr ? "" : value;
 }
 
-/// Those that the user works in. The pill and the hints take no input and fade on their own; hiding a
-/// question or a menu would answer it on the user's behalf.
+/// Whether the user works in it. The pill and the hints take no input and fade on their own, and Qt shows the
+/// icon of a tray that takes windows in a window that the window manager does not know.
+bool isVisibleToWorkIn(const QWidget* window) {
+    constexpr auto kMereDisplay = Qt::WindowTransparentForInput | Qt::BypassWindowManagerHint;
+    return window->isVisible() && (window->windowFlags() & kMereDisplay) == 0;
+}
+
+/// Hiding a question or a menu would answer it on the user's behalf.
 void hideOwnWindows() {
     for (auto* window : QApplication::topLevelWidgets()) {
         const bool asks = window->windowType() == Qt::Dialog || window->windowType() == Qt::Popup;
-        if (window->isVisible() && !asks && !window->windowFlags().testFlag(Qt::WindowTransparentForInput)) {
+        if (isVisibleToWorkIn(window) && !asks) {
             window->hide();
         }
     }
 }
 
 bool hasVisibleWindow() {
-    const auto windows = QApplication::topLevelWidgets();
-    return std::ranges::any_of(windows, [](const QWidget* window) { return window->isVisible(); });
-}
-
-bool isSelf(const std::optional<RunningApplication>& application) {
-    return application && application->processIdentifier == getpid();
+    return std::ranges::any_of(QApplication::topLevelWidgets(), isVisibleToWorkIn);
 }
 
 } // namespace
@@ -68,7 +69,7 @@ LinuxPlatform::LinuxPlatform()
                    .defaults = defaults_,
                    .log = log_,
                    .posted = postedKeys_,
-                   .ownProgramIsFrontmost = [this] { return isSelf(workspace_.frontmostApplication()); }}),
+                   .ownProgramIsFrontmost = [this] { return workspace_.isOwnProgramInFront(); }}),
       soundServer_(log_),
       devices_(soundServer_, queue_, defaults_),
       engine_(soundServer_, devices_.directory()),

@@ -8,6 +8,15 @@
 
 namespace tovik {
 
+namespace {
+
+bool looksAlike(const MenuItem& one, const MenuItem& other) {
+    return one.title == other.title && one.representedText == other.representedText &&
+           one.isChecked == other.isChecked;
+}
+
+} // namespace
+
 InputDeviceMenu::InputDeviceMenu(MainQueue& queue, SystemLog& log, MainWindow& mainWindow)
     : queue_(queue),
       log_(log),
@@ -42,15 +51,23 @@ void InputDeviceMenu::showDevices(const std::vector<AudioDevice>& devices) {
             items[static_cast<std::size_t>(found - devices.begin())].isChecked = true;
         }
     }
-    menu_->setItems(std::move(items));
+    // The list is reported every few seconds, and a menu that is made anew while it is open loses its place.
+    if (!std::ranges::equal(items, menu_->items(), looksAlike)) {
+        menu_->setItems(std::move(items));
+    }
 }
 
 void InputDeviceMenu::checkDevice(const AudioDevice& device) {
     auto items = menu_->items();
+    bool changed = false;
     for (auto& item : items) {
-        item.isChecked = item.representedText == device.id;
+        const bool isChecked = item.representedText == device.id;
+        changed = changed || isChecked != item.isChecked;
+        item.isChecked = isChecked;
     }
-    menu_->setItems(std::move(items));
+    if (changed) {
+        menu_->setItems(std::move(items));
+    }
 }
 
 void InputDeviceMenu::selectAudioDevice(const AudioDevice& device) {

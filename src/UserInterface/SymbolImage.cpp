@@ -25,8 +25,6 @@ namespace tovik::symbols {
 
 namespace {
 
-// A symbol is a little larger than the capitals beside it.
-constexpr double kSymbolPerPoint = 1.25;
 constexpr int kIconEdges[] = {16, 18, 20, 22, 24, 32, 36, 44, 48, 64, 96, 128, 256};
 
 QString pathOf(const QString& name) {
@@ -99,10 +97,6 @@ QIcon icon(const QString& name, const QColor& tint) {
         result.addPixmap(pixmap(name, QSizeF(edge, edge), tint, 1));
     }
     return result;
-}
-
-double edgeForPointSize(double pointSize) {
-    return pointSize * kSymbolPerPoint;
 }
 
 QPixmap applicationIconPixmap(double edge, double devicePixelRatio) {

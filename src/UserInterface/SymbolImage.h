@@ -29,9 +29,6 @@ void paint(QPainter& painter, const QString& name, const QRectF& target, const Q
 /// The symbol as an icon, sharp on every kind of screen.
 [[nodiscard]] QIcon icon(const QString& name, const QColor& tint);
 
-/// How large a symbol is drawn that goes with text of this size.
-[[nodiscard]] double edgeForPointSize(double pointSize);
-
 /// The program's icon.
 [[nodiscard]] QPixmap applicationIconPixmap(double edge, double devicePixelRatio);
 [[nodiscard]] QIcon applicationIcon();

@@ -19,9 +19,10 @@ WindowProgram::WindowProgram(const std::string& className, const std::string& in
     }
     process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process_.start(TOVIK_TEST_WINDOW, arguments);
-    const bool shown = runUntil([this] {
+    const bool hasTwo = kind == "second-window" || kind == "dialog";
+    const bool shown = runUntil([this, hasTwo] {
         read();
-        return window_ != 0;
+        return window_ != 0 && (secondWindow_ != 0 || !hasTwo);
     });
     if (!shown) {
         throw std::runtime_error("the test window did not appear");
@@ -51,7 +52,8 @@ void WindowProgram::read() {
     while (process_.canReadLine()) {
         const std::string line = process_.readLine().trimmed().toStdString();
         if (line.starts_with("window ")) {
-            window_ = std::stoul(line.substr(7));
+            const auto shown = std::stoul(line.substr(7));
+            (window_ == 0 || window_ == shown ? window_ : secondWindow_) = shown;
         } else if (line.starts_with("inner ")) {
             innerWindow_ = std::stoul(line.substr(6));
         } else if (line.starts_with("press ") || line.starts_with("release ")) {

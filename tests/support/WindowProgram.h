@@ -10,10 +10,10 @@
 
 namespace tovik::test {
 
-/// Another program on the staged desktop, with one window (see WindowProgramMain.cpp).
+/// Another program on the staged desktop, with one window or two (see WindowProgramMain.cpp).
 class WindowProgram {
 public:
-    /// Returns when the window is shown.
+    /// Returns when its windows are shown.
     explicit WindowProgram(const std::string& className, const std::string& instance = {},
                            const std::string& kind = {});
     WindowProgram(const WindowProgram&) = delete;
@@ -21,6 +21,8 @@ public:
     ~WindowProgram();
 
     [[nodiscard]] unsigned long window() const { return window_; }
+    /// The window or dialog that was shown after the first, where the program has one.
+    [[nodiscard]] unsigned long secondWindow() const { return secondWindow_; }
     /// The window inside, where the program has one.
     [[nodiscard]] unsigned long innerWindow() const { return innerWindow_; }
     [[nodiscard]] std::int64_t process() const { return process_.processId(); }
@@ -37,6 +39,7 @@ private:
 
     QProcess process_;
     unsigned long window_ = 0;
+    unsigned long secondWindow_ = 0;
     unsigned long innerWindow_ = 0;
     std::vector<std::string> keys_;
 };

@@ -3,11 +3,12 @@
 //
 // A program with one window, for tests that need other programs on the desktop.
 //
-//     tovik_test_window CLASS [INSTANCE [no-process|other-machine|inner-focus]]
+//     tovik_test_window CLASS [INSTANCE
+//     [no-process|other-machine|container|inner-focus|second-window|dialog]]
 //
-// The third word makes its window tell no process, or one of another machine, or give the keyboard to a
-// window inside.
-// Writes "window NUMBER" when the window is shown, then a line for each key that goes down or up in it
+// The third word makes its window tell no process, or one of another machine or of a container, or give the
+// keyboard to a window inside; or makes it show another window after the first, or a dialog of the first.
+// Writes "window NUMBER" when a window is shown, then a line for each key that goes down or up in it
 // ("press Insert 0x1": the keysym and the modifiers held before) and for focus it gains. Ends with its
 // standard input.
 #include <X11/Xatom.h>
@@ -32,8 +33,8 @@ void passOverUsedNumbers(Display* display) {
     }
 }
 
-Window makeWindow(Display* display, char* className, char* instance, std::string_view kind) {
-    passOverUsedNumbers(display);
+Window makeWindow(Display* display, char* className, char* instance, std::string_view kind,
+                  Window owner = None) {
     const Window window = XCreateSimpleWindow(display, DefaultRootWindow(display), 40, 40, 300, 200, 0, 0,
                                               WhitePixel(display, DefaultScreen(display)));
     XClassHint hint{instance, className};
@@ -43,7 +44,7 @@ Window makeWindow(Display* display, char* className, char* instance, std::string
     manager.input = True;
     manager.initial_state = NormalState;
     Xutf8SetWMProperties(display, window, className, className, nullptr, 0, &size, &manager, &hint);
-    const long process = kind == "other-machine" ? 1 : getpid();
+    const long process = kind == "other-machine" || kind == "container" ? 1 : getpid();
     if (kind == "other-machine") {
         std::string name = "another-machine";
         char* names = name.data();
@@ -62,9 +63,20 @@ Window makeWindow(Display* display, char* className, char* instance, std::string
         XMapWindow(display, inner);
         std::printf("inner %lu\n", inner);
     }
+    if (owner != None) {
+        XSetTransientForHint(display, window, owner);
+    }
     XSelectInput(display, window, KeyPressMask | KeyReleaseMask | FocusChangeMask | StructureNotifyMask);
     XMapWindow(display, window);
     return window;
+}
+
+void makeWindows(Display* display, char* className, char* instance, std::string_view kind) {
+    passOverUsedNumbers(display);
+    const Window first = makeWindow(display, className, instance, kind);
+    if (kind == "second-window" || kind == "dialog") {
+        makeWindow(display, className, instance, kind, kind == "dialog" ? first : None);
+    }
 }
 
 void tell(XEvent& event) {
@@ -93,7 +105,7 @@ int main(int argc, char** argv) {
     if (display == nullptr || argc < 2) {
         return 1;
     }
-    makeWindow(display, argv[1], argv[argc > 2 ? 2 : 1], argc > 3 ? argv[3] : "");
+    makeWindows(display, argv[1], argv[argc > 2 ? 2 : 1], argc > 3 ? argv[3] : "");
     while (true) {
         while (XPending(display) > 0) {
             XEvent event;

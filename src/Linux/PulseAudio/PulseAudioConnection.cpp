@@ -13,6 +13,7 @@ constexpr Seconds kFirstRetry{0.05};
 constexpr Seconds kLongestRetry{1.0};
 // A server that has accepted answers within milliseconds; a service manager may still be starting it.
 constexpr Seconds kSilence{1.0};
+constexpr std::chrono::seconds kRefusalCounts{10};
 
 pulse::ProplistHandle describeProgram() {
     pulse::ProplistHandle properties(pa_proplist_new());
@@ -27,6 +28,10 @@ bool isRefusal(int error) {
 }
 
 } // namespace
+
+bool SoundServerStatus::turnsAway(std::chrono::steady_clock::time_point now) const {
+    return state == State::refused || (recordingRefused && now - *recordingRefused < kRefusalCounts);
+}
 
 PulseAudioConnection::PulseAudioConnection(SystemLog& log, std::string address)
     : log_(log),
@@ -54,7 +59,7 @@ SoundServerStatus PulseAudioConnection::status() const {
 
 void PulseAudioConnection::noteRecording(bool refused) {
     const std::lock_guard lock(mutex_);
-    status_.recordingRefused = refused;
+    status_.recordingRefused = refused ? std::optional(std::chrono::steady_clock::now()) : std::nullopt;
 }
 
 void PulseAudioConnection::hurry() {
@@ -169,7 +174,7 @@ void PulseAudioConnection::setState(SoundServerStatus::State state, int error) {
     const std::lock_guard lock(mutex_);
     if (status_.state != state) {
         status_.since = std::chrono::steady_clock::now();
-        status_.recordingRefused = false;
+        status_.recordingRefused.reset();
     }
     status_.state = state;
     status_.error = error;

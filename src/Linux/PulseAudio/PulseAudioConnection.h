@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,10 +32,14 @@ struct SoundServerStatus {
     State state = State::connecting;
     /// The client library's number of what went wrong, 0 when nothing has.
     int error = 0;
-    /// The server lets the program in, and refused its last recording.
-    bool recordingRefused = false;
+    /// When the server, which lets the program in, refused its last recording; nothing if it did not.
+    std::optional<std::chrono::steady_clock::time_point> recordingRefused;
     /// When the state began.
     std::chrono::steady_clock::time_point since;
+
+    /// Whether the server turns away the program or its recordings. A refused recording counts for 10 s: no
+    /// server tells when the user has allowed recording, so it has to be tried again.
+    [[nodiscard]] bool turnsAway(std::chrono::steady_clock::time_point now) const;
 };
 
 /// The conversation with the user's sound server, PulseAudio or PipeWire. Kept open as long as this lives;

@@ -13,7 +13,7 @@ PulseAudioMicrophoneAccess::PulseAudioMicrophoneAccess(const PulseAudioConnectio
 
 PulseAudioMicrophoneAccess::Status PulseAudioMicrophoneAccess::status() const {
     const auto server = connection_.status();
-    if (server.state == SoundServerStatus::State::refused || server.recordingRefused) {
+    if (server.turnsAway(std::chrono::steady_clock::now())) {
         return denied;
     }
     const auto listing = directory_->listing();

@@ -60,11 +60,16 @@ std::string variable(const char* name) {
     return value ? value : "";
 }
 
-/// The path goes by way of the folder's descriptor, since a socket's path must be short.
+/// By way of the folder's descriptor: a folder that somebody puts in its place afterwards does not count.
+std::string pathIn(const UnixFd& folder, const std::string& name) {
+    return "/proc/self/fd/" + std::to_string(folder.get()) + "/" + name;
+}
+
+/// The path of a socket must be short.
 sockaddr_un addressIn(const UnixFd& folder, const std::string& name) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    const auto path = "/proc/self/fd/" + std::to_string(folder.get()) + "/" + name;
+    const auto path = pathIn(folder, name);
     path.copy(address.sun_path, sizeof address.sun_path - 1);
     return address;
 }
@@ -109,7 +114,7 @@ Result<SingleInstance::Role> SingleInstance::claim() {
     }
     const auto deadline = SteadyClock::now() + patience_;
     while (true) {
-        auto lock = FileLock::acquire(folder_ + "/" + name_ + ".lock", Seconds(0));
+        auto lock = FileLock::acquire(pathIn(folderFd_, name_ + ".lock"), Seconds(0));
         if (lock) {
             lock_ = std::move(lock.value());
             if (auto listening = listen(); !listening) {
@@ -137,7 +142,7 @@ Result<void> SingleInstance::prepareFolder() {
     if (auto created = createPrivateFolder(folder_); !created) {
         return created;
     }
-    folderFd_ = UnixFd(::open(folder_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    folderFd_ = UnixFd(::open(folder_.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat status {};
     if (!folderFd_ || ::fstat(folderFd_.get(), &status) != 0) {
         return posixError(errno, "Cannot use the folder " + folder_);

@@ -7,7 +7,7 @@
 namespace tovik {
 
 /// Gives an address or a path to the desktop's opener, which goes on by itself. False when there is no
-/// opener, or when it is neither an address nor an absolute path.
+/// opener, or when the text is empty or would be an option to it.
 bool openOnDesktop(const std::string& addressOrPath);
 
 } // namespace tovik

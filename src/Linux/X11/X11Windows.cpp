@@ -201,11 +201,31 @@ std::string X11Windows::title(unsigned long window) const {
 }
 
 std::int64_t X11Windows::processIdentifier(unsigned long window) const {
-    const auto told = numbers(window, "_NET_WM_PID", XA_CARDINAL);
-    if (!told.empty() && isOnThisMachine(window)) {
-        return static_cast<std::int64_t>(told.front());
+    // The server knows who speaks to it. A program in a container tells the number that it has in there,
+    // which is that of another program out here, or of none.
+    if (const auto known = processByConnection(window); known > 0) {
+        return known;
     }
-    return processByConnection(window);
+    const auto told = numbers(window, "_NET_WM_PID", XA_CARDINAL);
+    return told.empty() || !isOnThisMachine(window) ? 0 : static_cast<std::int64_t>(told.front());
+}
+
+bool X11Windows::standsFor(unsigned long window, unsigned long other) const {
+    // A dialog may have a dialog of its own. Programs have been seen to name each other in a circle.
+    constexpr int kDeepest = 16;
+    for (int depth = 0; depth < kDeepest && window != None; ++depth) {
+        if (window == other) {
+            return true;
+        }
+        const auto owner = numbers(window, "WM_TRANSIENT_FOR", XA_WINDOW);
+        const bool isOfAll = !owner.empty() && (owner.front() == None || owner.front() == connection_.root());
+        if (owner.empty() || isOfAll) {
+            const auto process = isOfAll ? processIdentifier(window) : 0;
+            return process > 0 && process == processIdentifier(other);
+        }
+        window = owner.front();
+    }
+    return false;
 }
 
 bool X11Windows::isOnThisMachine(unsigned long window) const {

@@ -35,8 +35,13 @@ public:
     /// The names that an application goes by: its class, then the name of its instance.
     [[nodiscard]] std::vector<std::string> applicationIds(unsigned long window) const;
     [[nodiscard]] std::string title(unsigned long window) const;
-    /// 0 when the window does not tell, or belongs to a process of another machine.
+    /// As the X server knows it; 0 when neither it nor the window tells, or when it is one of another
+    /// machine.
     [[nodiscard]] std::int64_t processIdentifier(unsigned long window) const;
+
+    /// Whether it is the other window, or a dialog of it, or a dialog of a dialog of it. A dialog that
+    /// belongs to no window in particular stands for all of its program.
+    [[nodiscard]] bool standsFor(unsigned long window, unsigned long other) const;
 
     /// The windows of applications, topmost first.
     [[nodiscard]] std::vector<unsigned long> stackedWindows() const;

@@ -46,6 +46,7 @@ struct X11Workspace::Observers {
 
 X11Workspace::X11Workspace(Services services, const std::string& displayName)
     : services_(std::move(services)),
+      ownProcess_(getpid()),
       observers_(std::make_shared<Observers>()) {
     auto queries = X11Connection::open(displayName);
     auto events = X11Connection::open(displayName);
@@ -57,6 +58,9 @@ X11Workspace::X11Workspace(Services services, const std::string& displayName)
     windows_ = std::make_unique<X11Windows>(*queries_);
     clockWindow_ = XCreateSimpleWindow(queries_->display(), queries_->root(), -1, -1, 1, 1, 0, 0, 0);
     XSelectInput(queries_->display(), clockWindow_, PropertyChangeMask);
+    if (const auto known = windows_->processIdentifier(clockWindow_); known > 0) {
+        ownProcess_ = known;
+    }
 
     // Focus changes matter only where no window manager tells of the active window.
     XSelectInput(events_->display(), events_->root(), PropertyChangeMask | FocusChangeMask);
@@ -77,14 +81,12 @@ std::optional<RunningApplication> X11Workspace::frontmostApplication() const {
 }
 
 RunningApplication X11Workspace::currentApplication() const {
-    return {services_.ownBundleIdentifier, getpid(), services_.ownLocalizedName, 0};
+    return {services_.ownBundleIdentifier, ownProcess_, services_.ownLocalizedName, 0};
 }
 
 bool X11Workspace::isRunning(const RunningApplication& application) const {
-    if (application.processIdentifier > 0) {
-        return isProcessRunning(application.processIdentifier);
-    }
-    return windows_ && windows_->exists(application.window);
+    // The window comes first: in a container other programs' processes cannot be seen.
+    return isWindowOf(application) || isProcessRunning(application.processIdentifier);
 }
 
 Subscription X11Workspace::onActivation(std::function<void(const RunningApplication&)> handler) {
@@ -134,13 +136,15 @@ bool X11Workspace::activate(const RunningApplication& application, unsigned) {
     return true;
 }
 
+bool X11Workspace::isOwnProgramInFront() const {
+    return windows_ && windows_->processIdentifier(windows_->activeWindow()) == ownProcess_;
+}
+
 bool X11Workspace::isActivatedInFront() const {
     if (!activated_ || windowToActivate(*activated_) == None) {
         return true;
     }
-    const auto front = windows_->activeWindow();
-    return front == windowToActivate(*activated_) ||
-           (front != None && windows_->processIdentifier(front) == activated_->processIdentifier);
+    return windows_->standsFor(windows_->activeWindow(), windowToActivate(*activated_));
 }
 
 void X11Workspace::activateAgain() {
@@ -193,22 +197,23 @@ void X11Workspace::watchFocusOf(unsigned long window) {
     XSync(events_->display(), False);
 }
 
+bool X11Workspace::isWindowOf(const RunningApplication& application) const {
+    // Numbers of windows are used again, so the process has to be the same.
+    return windows_ && windows_->exists(application.window) &&
+           windows_->processIdentifier(application.window) == application.processIdentifier;
+}
+
 unsigned long X11Workspace::windowToActivate(const RunningApplication& application) const {
     if (!windows_ || !isRunning(application)) {
         return None;
     }
-    const auto belongs = [&](Window window) {
-        return windows_->exists(window) &&
-               windows_->processIdentifier(window) == application.processIdentifier;
-    };
     if (application.window != None) {
-        // Numbers of windows are used again, so the process has to be the same.
-        return belongs(application.window) ? application.window : None;
+        return isWindowOf(application) ? application.window : None;
     }
     const auto windows = windows_->stackedWindows();
     const auto found = std::find_if(windows.begin(), windows.end(), [&](Window window) {
         return application.processIdentifier > 0 && !windows_->applicationIds(window).empty() &&
-               belongs(window);
+               windows_->processIdentifier(window) == application.processIdentifier;
     });
     return found == windows.end() ? None : *found;
 }

@@ -47,8 +47,10 @@ public:
     void deactivateSelf() override;
     bool activate(const RunningApplication& application, unsigned options) override;
 
-    /// Whether the application that was last activated is in front, or can no longer be. A window of its that
-    /// came up over the activated one counts.
+    [[nodiscard]] bool isOwnProgramInFront() const;
+
+    /// Whether the window that was last activated is in front, or can no longer be. A dialog of that window
+    /// counts; another window of the same program does not.
     [[nodiscard]] bool isActivatedInFront() const;
     void activateAgain();
 
@@ -61,6 +63,7 @@ private:
     void handle(_XEvent& event);
     void frontMayHaveChanged();
     void watchFocusOf(unsigned long window);
+    [[nodiscard]] bool isWindowOf(const RunningApplication& application) const;
     [[nodiscard]] unsigned long windowToActivate(const RunningApplication& application) const;
     void askWindowManager(unsigned long window);
     void tellWindowManager(unsigned long window, const char* message, unsigned long first,
@@ -69,6 +72,9 @@ private:
     [[nodiscard]] unsigned long serverTime();
 
     Services services_;
+    /// As the X server knows it: in a container this process has another number than outside, where those of
+    /// the other programs come from.
+    std::int64_t ownProcess_;
     std::unique_ptr<X11Connection> queries_;
     std::unique_ptr<X11Connection> events_;
     std::unique_ptr<X11Windows> windows_;

@@ -158,6 +158,13 @@ class InATrayOfWindows(StatusMenuTest):
             self.stage.end("reader")
             os.unlink(editor.file)
 
+    def test_afterADictationTheIconIsStillThere(self) -> None:
+        self.set_stage()
+        icon = self.show()
+        self.dictate(self.program, self.open_editor())
+        self.assertEqual(self.desktop.embedded_windows(self.program.process.pid), [icon])
+        self.open_menu(icon, 1)
+
     def test_theLastRowEndsTheProgram(self) -> None:
         self.set_stage()
         icon = self.show()

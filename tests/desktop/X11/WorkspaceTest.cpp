@@ -33,10 +33,12 @@ protected:
         user_.setDesktop(0);
     }
 
-    bool comesToFront(const WindowProgram& program) {
+    bool comesToFront(const WindowProgram& program) { return comesToFront(program.window()); }
+
+    bool comesToFront(unsigned long window) {
         return runUntil([&] {
             const auto front = workspace_.frontmostApplication();
-            return front && front->window == program.window();
+            return front && front->window == window;
         });
     }
 
@@ -126,6 +128,48 @@ TEST_F(X11WorkspaceTest, whenTheWindowTellsAProcessOfAnotherMachine_theServerIsA
     WindowProgram editor("Editor", "editor", "other-machine");
     ASSERT_TRUE(comesToFront(editor));
     EXPECT_EQ(workspace_.frontmostApplication()->processIdentifier, editor.process());
+}
+
+TEST_F(X11WorkspaceTest, whenTheWindowTellsTheProcessNumberOfItsContainer_theServersCounts) {
+    WindowProgram editor("Editor", "editor", "container");
+    ASSERT_TRUE(comesToFront(editor));
+    const auto front = workspace_.frontmostApplication();
+    EXPECT_EQ(front->processIdentifier, editor.process());
+    EXPECT_TRUE(workspace_.isRunning(*front));
+}
+
+TEST_F(X11WorkspaceTest, whenAnotherWindowOfTheTargetsProgramIsInFront_theTargetIsNot) {
+    WindowProgram editor("Editor", "editor", "second-window");
+    ASSERT_TRUE(comesToFront(editor.secondWindow()));
+    auto target = *workspace_.frontmostApplication();
+    target.window = editor.window();
+    ASSERT_TRUE(workspace_.activate(target, kOptions));
+    ASSERT_TRUE(comesToFront(editor.window()));
+    EXPECT_TRUE(workspace_.isActivatedInFront());
+    user_.clickInto(editor.secondWindow());
+    ASSERT_TRUE(comesToFront(editor.secondWindow()));
+    EXPECT_FALSE(workspace_.isActivatedInFront());
+}
+
+TEST_F(X11WorkspaceTest, whenADialogOfTheTargetIsInFront_theTargetIs) {
+    WindowProgram editor("Editor", "editor", "dialog");
+    ASSERT_TRUE(comesToFront(editor.secondWindow()));
+    auto target = *workspace_.frontmostApplication();
+    target.window = editor.window();
+    ASSERT_TRUE(workspace_.activate(target, kOptions));
+    user_.clickInto(editor.secondWindow());
+    ASSERT_TRUE(comesToFront(editor.secondWindow()));
+    EXPECT_TRUE(workspace_.isActivatedInFront());
+}
+
+TEST_F(X11WorkspaceTest, whenAnotherProgramIsInFront_theTargetIsNot) {
+    WindowProgram editor("Editor");
+    ASSERT_TRUE(comesToFront(editor));
+    ASSERT_TRUE(workspace_.activate(*workspace_.frontmostApplication(), kOptions));
+    EXPECT_TRUE(workspace_.isActivatedInFront());
+    WindowProgram other("Terminal");
+    ASSERT_TRUE(comesToFront(other));
+    EXPECT_FALSE(workspace_.isActivatedInFront());
 }
 
 TEST_F(X11WorkspaceTest, whenAProgramIsInFront_itsIdIsItsClassInLowerCase) {

@@ -244,6 +244,24 @@ TEST_F(InputDeviceMenuTest, aFreshList_checksTheRowAtTheDevicesPlaceInTheList) {
     EXPECT_THAT(checkedRows(*menu->menu()), ElementsAre(1u));
 }
 
+TEST_F(InputDeviceMenuTest, aReportOfWhatItShows_leavesAnOpenMenuInPeace) {
+    const auto listed = manager->audioDevices();
+    menu->availableDevicesChanged(listed);
+    time.runPending();
+    int changes = 0;
+    const auto subscription = menu->menu()->observe([&] { ++changes; });
+    menu->availableDevicesChanged(listed);
+    menu->availableDevicesChanged(listed);
+    time.runPending();
+    EXPECT_EQ(changes, 0);
+    auto renamed = listed;
+    renamed.front().name = "Renamed";
+    menu->availableDevicesChanged(renamed);
+    time.runPending();
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(menu->menu()->items().front().title, "Renamed");
+}
+
 TEST_F(InputDeviceMenuTest, choosingADevice_selectsChecksAndConfirms) {
     choose(*menu->menu(), 3);
     time.runPending();
