@@ -6,6 +6,7 @@
 // of zeros after sound is a pause. A model with a file "breaks" ends the process, as the library does over
 // some.
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -44,7 +45,10 @@ struct VoskRecognizer {
     }
 };
 
+static std::atomic<int> models{0};
+
 extern "C" {
+void vosk_model_free(VoskModel* model);
 void vosk_set_log_level(int) {}
 VoskModel* vosk_model_new(const char* path) {
     if (std::ifstream(std::string(path) + "/breaks")) {
@@ -52,17 +56,23 @@ VoskModel* vosk_model_new(const char* path) {
     }
     std::ifstream file(std::string(path) + "/says");
     auto model = new VoskModel;
+    ++models;
     for (std::string line; std::getline(file, line);) {
         model->readings.push_back(line);
     }
     if (model->readings.empty()) {
-        delete model;
+        vosk_model_free(model);
         return nullptr;
     }
     return model;
 }
 void vosk_model_free(VoskModel* model) {
     delete model;
+    --models;
+}
+/// How many models are loaded; the library has no such function.
+int vosk_test_models() {
+    return models;
 }
 VoskRecognizer* vosk_recognizer_new(VoskModel* model, float) {
     return new VoskRecognizer{model, 0, false, 0, {}};

@@ -17,20 +17,22 @@ constexpr std::string_view kLocale = "en-US";
 } // namespace
 
 PocketSphinxService::PocketSphinxService(SystemLog& log, const ModelFiles& files)
-    : engine_(log,
-              {.check = [files] { return files.check(); },
-               .load = [files] { return PocketSphinxDecoder::load(files); },
-               .stamp =
-                   [files] {
-                       return fileStamp({files.acousticModel, files.languageModel, files.dictionary});
-                   }},
-              {}) {}
+    : engine_(std::make_shared<ModelEngine>(
+          log,
+          ModelEngine::Model{
+              .check = [files] { return files.check(); },
+              .load = [files] { return PocketSphinxDecoder::load(files); },
+              .stamp =
+                  [files] {
+                      return fileStamp({files.acousticModel, files.languageModel, files.dictionary});
+                  }},
+          ModelEngine::Limits{})) {}
 
 std::shared_ptr<SpeechRecognizer> PocketSphinxService::makeRecognizer(const std::string& localeIdentifier) {
     if (localeIdentifier.empty() || canonicalLocaleIdentifier(localeIdentifier) != kLocale) {
         return nullptr;
     }
-    return engine_.makeRecognizer();
+    return engine_->makeRecognizer();
 }
 
 std::string PocketSphinxService::currentLocaleIdentifier() const {
@@ -38,7 +40,7 @@ std::string PocketSphinxService::currentLocaleIdentifier() const {
 }
 
 void PocketSphinxService::prepare(const std::vector<std::string>& contextualStrings) {
-    engine_.prepare(contextualStrings);
+    engine_->prepare(contextualStrings);
 }
 
 } // namespace tovik

@@ -6,6 +6,7 @@
 #include "Linux/Recognition/ModelEngine.h"
 #include "Platform/SpeechService.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,20 +17,22 @@ namespace tovik {
 class PocketSphinxService : public SpeechService {
 public:
     explicit PocketSphinxService(SystemLog& log, const ModelFiles& files = ModelFiles::unitedStatesEnglish());
+    ~PocketSphinxService() override { engine_->end(); }
+    PocketSphinxService(const PocketSphinxService&) = delete;
+    PocketSphinxService& operator=(const PocketSphinxService&) = delete;
 
-    /// Recognisers serve "en-US" and what means the same: "en", "en_US.UTF-8". They must not outlive the
-    /// service.
+    /// Recognisers serve "en-US" and what means the same: "en", "en_US.UTF-8".
     [[nodiscard]] std::shared_ptr<SpeechRecognizer>
     makeRecognizer(const std::string& localeIdentifier) override;
     [[nodiscard]] std::string currentLocaleIdentifier() const override;
     void prepare(const std::vector<std::string>& contextualStrings) override;
 
     /// As ModelEngine.
-    [[nodiscard]] std::optional<std::string> whyUnavailable() { return engine_.whyUnavailable(); }
-    [[nodiscard]] bool waitUntilReady(Seconds atMost) { return engine_.waitUntilReady(atMost); }
+    [[nodiscard]] std::optional<std::string> whyUnavailable() { return engine_->whyUnavailable(); }
+    [[nodiscard]] bool waitUntilReady(Seconds atMost) { return engine_->waitUntilReady(atMost); }
 
 private:
-    ModelEngine engine_;
+    const std::shared_ptr<ModelEngine> engine_;
 };
 
 } // namespace tovik

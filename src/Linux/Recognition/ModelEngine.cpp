@@ -11,19 +11,19 @@ namespace tovik {
 
 class ModelRecognizer : public SpeechRecognizer {
 public:
-    explicit ModelRecognizer(ModelEngine& engine) : engine_(engine) {}
+    explicit ModelRecognizer(std::shared_ptr<ModelEngine> engine) : engine_(std::move(engine)) {}
 
-    [[nodiscard]] bool isAvailable() const override { return !engine_.whyUnavailable(); }
+    [[nodiscard]] bool isAvailable() const override { return !engine_->whyUnavailable(); }
 
     [[nodiscard]] std::unique_ptr<RecognitionTask> startTask(std::shared_ptr<RecognitionRequest> request,
                                                              RecognitionHandler handler) override {
         auto task = std::make_unique<RequestTask>(request);
-        engine_.start(std::make_shared<Utterance>(std::move(request), std::move(handler)));
+        engine_->start(std::make_shared<Utterance>(std::move(request), std::move(handler)));
         return task;
     }
 
 private:
-    ModelEngine& engine_;
+    const std::shared_ptr<ModelEngine> engine_;
 };
 
 ModelEngine::ModelEngine(SystemLog& log, Model model, Limits limits)
@@ -41,15 +41,27 @@ ModelEngine::ModelEngine(SystemLog& log, Model model, Limits limits)
 }
 
 ModelEngine::~ModelEngine() {
+    end();
+}
+
+void ModelEngine::end() {
     {
         const std::lock_guard lock(mutex_);
-        ends_ = true;
+        if (std::exchange(ends_, true)) {
+            return;
+        }
     }
     ending_.notify_all();
     watch_.join();
-    if (recognition_) {
-        const auto unanswered = recognition_->leave(limits_.goodbye);
-        const auto why = recognitionError(RecognitionCode::ended, "Recognition was ended");
+    const auto why = recognitionError(RecognitionCode::ended, "Recognition was ended");
+    std::shared_ptr<RecognitionThread> recognition;
+    {
+        const std::lock_guard lock(mutex_);
+        recognition = std::move(recognition_);
+        missing_ = why;
+    }
+    if (recognition) {
+        const auto unanswered = recognition->leave(limits_.goodbye);
         if (unanswered.current) {
             unanswered.current->answer(why);
         }
@@ -61,7 +73,12 @@ ModelEngine::~ModelEngine() {
 }
 
 std::shared_ptr<SpeechRecognizer> ModelEngine::makeRecognizer() {
-    return std::make_shared<ModelRecognizer>(*this);
+    return std::make_shared<ModelRecognizer>(shared_from_this());
+}
+
+bool ModelEngine::isIdle() {
+    const std::lock_guard lock(mutex_);
+    return !recognition_ || recognition_->isIdle();
 }
 
 void ModelEngine::prepare(const std::vector<std::string>& contextualStrings) {
@@ -74,7 +91,7 @@ void ModelEngine::prepare(const std::vector<std::string>& contextualStrings) {
 
 std::optional<std::string> ModelEngine::whyUnavailable() {
     const std::lock_guard lock(mutex_);
-    if (!recognition_ && model_.check()) {
+    if (!ends_ && !recognition_ && model_.check()) {
         missing_.reset();
         loadedStamp_ = model_.stamp();
         recognition_ = makeThread();

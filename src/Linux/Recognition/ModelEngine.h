@@ -23,7 +23,7 @@ namespace tovik {
 /// ready waits for it and loses nothing. Utterances are decoded one after the other. A decoder that does not
 /// come back is given up: its utterance is answered with an error and the next one gets a fresh decoder. A
 /// model that could not be loaded is loaded again once its files have changed and stay as they are.
-class ModelEngine {
+class ModelEngine : public std::enable_shared_from_this<ModelEngine> {
 public:
     /// What can be done with the files of a model. Any thread.
     struct Model {
@@ -48,13 +48,20 @@ public:
     };
 
     ModelEngine(SystemLog& log, Model model, Limits limits);
-    /// Answers every utterance that is under way with an error.
+    /// As end().
     ~ModelEngine();
     ModelEngine(const ModelEngine&) = delete;
     ModelEngine& operator=(const ModelEngine&) = delete;
 
-    /// It must not outlive the engine.
+    /// It keeps the engine, which must be held by a shared pointer.
     [[nodiscard]] std::shared_ptr<SpeechRecognizer> makeRecognizer();
+
+    /// Answers every utterance that is under way, and all that come later, with an error. Writes nothing to
+    /// the log from then on.
+    void end();
+
+    /// Whether no utterance is under way.
+    [[nodiscard]] bool isIdle();
 
     /// The words and phrases that the next utterances will favour: the decoder learns them while nobody
     /// speaks. Again is harmless.

@@ -288,6 +288,11 @@ bool RecognitionThread::waitUntilReady(Seconds atMost) const {
     return isReady();
 }
 
+bool RecognitionThread::isIdle() const {
+    const std::lock_guard lock(state_->mutex);
+    return !state_->current && state_->waiting.empty();
+}
+
 bool RecognitionThread::isLoaded() const {
     const std::lock_guard lock(state_->mutex);
     return state_->loaded;

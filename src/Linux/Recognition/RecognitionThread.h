@@ -46,6 +46,9 @@ public:
     /// loaded, or is not ready in time. Any thread.
     [[nodiscard]] bool waitUntilReady(Seconds atMost) const;
 
+    /// Whether no utterance is being decoded or waits for that. Any thread.
+    [[nodiscard]] bool isIdle() const;
+
     /// Whether the decoder has been loaded. Any thread.
     [[nodiscard]] bool isLoaded() const;
 

@@ -7,6 +7,8 @@
 #include "Linux/Vosk/VoskDecoder.h"
 
 #include <algorithm>
+#include <chrono>
+#include <iterator>
 #include <utility>
 
 namespace tovik {
@@ -33,11 +35,17 @@ VoskService::VoskService(SystemLog& log, std::vector<std::string> libraries,
       models_(std::move(modelFolders)),
       check_(std::move(check)) {}
 
+VoskService::~VoskService() {
+    for (auto& loaded : loaded_) {
+        loaded.engine->end();
+    }
+}
+
 std::shared_ptr<SpeechRecognizer> VoskService::makeRecognizer(const std::string& localeIdentifier) {
     if (localeIdentifier.empty()) {
         return nullptr;
     }
-    auto* const engine = engineFor(canonicalLocaleIdentifier(localeIdentifier));
+    const auto engine = engineFor(canonicalLocaleIdentifier(localeIdentifier));
     return engine == nullptr ? nullptr : engine->makeRecognizer();
 }
 
@@ -62,12 +70,12 @@ std::optional<std::string> VoskService::whyUnavailable(const std::string& locale
     if (!models_.find(locale)) {
         return models_.whereToGet(locale);
     }
-    auto* const engine = engineFor(locale);
+    const auto engine = engineFor(locale);
     return engine == nullptr ? std::optional(whyNoLibrary_) : engine->whyUnavailable();
 }
 
 bool VoskService::waitUntilReady(const std::string& localeIdentifier, Seconds atMost) {
-    auto* const engine = engineFor(canonicalLocaleIdentifier(localeIdentifier));
+    const auto engine = engineFor(canonicalLocaleIdentifier(localeIdentifier));
     return engine != nullptr && engine->waitUntilReady(atMost);
 }
 
@@ -84,7 +92,7 @@ std::shared_ptr<const VoskLibrary> VoskService::library() {
     return library_;
 }
 
-ModelEngine* VoskService::engineFor(const std::string& locale) {
+std::shared_ptr<ModelEngine> VoskService::engineFor(const std::string& locale) {
     const auto folder = models_.find(locale);
     if (!folder || !library()) {
         return nullptr;
@@ -93,17 +101,15 @@ ModelEngine* VoskService::engineFor(const std::string& locale) {
                                     [&](const Loaded& loaded) { return loaded.folder == *folder; });
     if (found != loaded_.end()) {
         loaded_.splice(loaded_.begin(), loaded_, found);
-        return loaded_.front().engine.get();
+        unloadIdleModels();
+        return loaded_.front().engine;
     }
     // The big ones are read from the disk for a while.
     ModelEngine::Limits limits;
     limits.loading = kLoading;
-    if (loaded_.size() == mostModels) {
-        loaded_.pop_back();
-    }
     loaded_.push_front(
         {*folder,
-         std::make_unique<ModelEngine>(
+         std::make_shared<ModelEngine>(
              log_,
              ModelEngine::Model{.check = [folder = *folder] { return VoskModels::check(folder); },
                                 .load = [check = check_, library = library_,
@@ -111,7 +117,27 @@ ModelEngine* VoskService::engineFor(const std::string& locale) {
                                 .stamp = [folder = *folder] { return fileStamp({folder}); }},
              limits)});
     loaded_.front().engine->prepare(contextualStrings_);
-    return loaded_.front().engine.get();
+    unloadIdleModels();
+    return loaded_.front().engine;
+}
+
+/// Those that were used longest ago; not one that somebody speaks with or still can.
+void VoskService::unloadIdleModels() {
+    unloading_.remove_if([](const std::future<void>& end) {
+        return end.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    });
+    for (auto loaded = loaded_.end(); loaded_.size() > mostModels && loaded != std::next(loaded_.begin());) {
+        --loaded;
+        // Nobody but this thread hands them out.
+        const bool isHeld = loaded->engine.use_count() > 1;
+        if (isHeld || !loaded->engine->isIdle()) {
+            continue;
+        }
+        // Gigabytes take a while to go, and a model that is still loading keeps whoever ends it waiting.
+        unloading_.push_back(std::async(std::launch::async,
+                                        [engine = std::move(loaded->engine)]() mutable { engine.reset(); }));
+        loaded = loaded_.erase(loaded);
+    }
 }
 
 } // namespace tovik

@@ -8,6 +8,7 @@
 #include "Linux/Vosk/VoskModels.h"
 #include "Platform/SpeechService.h"
 
+#include <future>
 #include <list>
 #include <memory>
 #include <optional>
@@ -23,7 +24,10 @@ public:
     VoskService(SystemLog& log, std::vector<std::string> libraries, std::vector<std::string> modelFolders,
                 VoskCheck check = VoskCheck(VoskCheck::besideThisProgram()));
 
-    /// They must not outlive the service.
+    ~VoskService() override;
+    VoskService(const VoskService&) = delete;
+    VoskService& operator=(const VoskService&) = delete;
+
     [[nodiscard]] std::shared_ptr<SpeechRecognizer>
     makeRecognizer(const std::string& localeIdentifier) override;
     [[nodiscard]] std::string currentLocaleIdentifier() const override;
@@ -43,11 +47,13 @@ private:
 
     struct Loaded {
         std::string folder;
-        std::unique_ptr<ModelEngine> engine;
+        std::shared_ptr<ModelEngine> engine;
     };
 
+    void unloadIdleModels();
+
     /// Null when there is no library or no model.
-    [[nodiscard]] ModelEngine* engineFor(const std::string& locale);
+    [[nodiscard]] std::shared_ptr<ModelEngine> engineFor(const std::string& locale);
     [[nodiscard]] std::shared_ptr<const VoskLibrary> library();
 
     SystemLog& log_;
@@ -57,8 +63,10 @@ private:
     std::shared_ptr<const VoskLibrary> library_;
     std::string whyNoLibrary_;
     std::vector<std::string> contextualStrings_;
-    /// The one used last comes first.
+    /// The one used last comes first. More than mostModels while somebody may still speak with them.
     std::list<Loaded> loaded_;
+    /// The ends of models that are being unloaded.
+    std::list<std::future<void>> unloading_;
 };
 
 } // namespace tovik

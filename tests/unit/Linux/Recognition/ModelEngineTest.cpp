@@ -36,7 +36,7 @@ protected:
     }
 
     void makeEngine() {
-        engine_ = std::make_unique<ModelEngine>(
+        engine_ = std::make_shared<ModelEngine>(
             log_,
             ModelEngine::Model{
                 .check = [this] { return filesThere_ ? Result<void>() : Result<void>(kMissing); },
@@ -111,7 +111,7 @@ protected:
     std::atomic<bool> filesThere_{true};
     const std::shared_ptr<Files> files_ = std::make_shared<Files>();
     ModelEngine::Limits limits_;
-    std::unique_ptr<ModelEngine> engine_;
+    std::shared_ptr<ModelEngine> engine_;
     std::vector<std::unique_ptr<RecognitionTask>> tasks_;
 };
 
@@ -311,7 +311,8 @@ TEST_F(ModelEngineTest, whenTheWholeProcessWasStoppedForAWhile_theDecoderGetsTim
     std::atomic<int> looks = 0;
     limits_.clock = [&] {
         ++looks;
-        return std::chrono::steady_clock::time_point(std::chrono::minutes(wasStopped.exchange(false) ? 2 : 0));
+        return std::chrono::steady_clock::time_point(
+            std::chrono::minutes(wasStopped.exchange(false) ? 2 : 0));
     };
     makeEngine();
     const auto answers = say(100);
@@ -403,6 +404,14 @@ TEST_F(ModelEngineTest, whenTheMicrophoneHasNoRate_answersWithAnError) {
     const auto request = std::make_shared<RecognitionRequest>(RecognitionSettings{}, 0);
     request->endAudio();
     EXPECT_EQ(start(request).waitForText(), "<The microphone has no sample rate>");
+}
+
+TEST_F(ModelEngineTest, afterTheEnd_recognisersThatAreStillHeldSaySo) {
+    makeEngine();
+    const auto recognizer = engine_->makeRecognizer();
+    engine_->end();
+    EXPECT_FALSE(recognizer->isAvailable());
+    EXPECT_EQ(say(100).waitForText(), "<Recognition was ended>");
 }
 
 TEST_F(ModelEngineTest, afterTheEnd_tasksMayStillBeFinished) {

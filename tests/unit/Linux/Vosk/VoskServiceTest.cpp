@@ -7,10 +7,13 @@
 #include "support/RecordingLog.h"
 #include "support/VoskFolder.h"
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <cmath>
 #include <filesystem>
+#include <thread>
 
 namespace tovik::test {
 namespace {
@@ -214,6 +217,63 @@ TEST(VoskCheck, whenItsProgramIsMissing_saysSo) {
     const auto outcome = VoskCheck("/nowhere/tovik-check-vosk").run("libvosk.so", "/models/en");
     ASSERT_FALSE(outcome.ok());
     EXPECT_THAT(outcome.error().description, HasSubstr("cannot start /nowhere/tovik-check-vosk"));
+}
+
+/// Three languages, one more than stay loaded.
+class VoskLanguages : public VoskServiceTest {
+protected:
+    VoskLanguages() {
+        folder_.addModel("fr", {"bonjour"});
+        folder_.addModel("de", {"hallo"});
+        folder_.addModel("es", {"hola"});
+    }
+
+    static int loadedModels() {
+        void* const library = ::dlopen(VoskFolder::library().c_str(), RTLD_NOW | RTLD_LOCAL);
+        const auto count = reinterpret_cast<int (*)()>(::dlsym(library, "vosk_test_models"));
+        return count();
+    }
+
+    static std::shared_ptr<RecognitionRequest> soundOfOneSecond() {
+        const auto request = std::make_shared<RecognitionRequest>(RecognitionSettings{}, 16000);
+        request->append({std::vector<float>(16000, 0.25F), 16000});
+        return request;
+    }
+};
+
+TEST_F(VoskLanguages, whileOneIsSpoken_asksForTheOthersCostItNothing) {
+    const auto request = soundOfOneSecond();
+    const RecognitionAnswers answers;
+    task_ = service().makeRecognizer("fr-FR")->startTask(request, answers.handler());
+    EXPECT_NE(service().makeRecognizer("de-DE"), nullptr);
+    EXPECT_NE(service().makeRecognizer("es-ES"), nullptr);
+    request->endAudio();
+    EXPECT_EQ(answers.waitForText(), "bonjour");
+}
+
+TEST_F(VoskLanguages, aRecogniserThatIsHeld_canStillBeUsed) {
+    const auto french = service().makeRecognizer("fr-FR");
+    EXPECT_NE(service().makeRecognizer("de-DE"), nullptr);
+    EXPECT_NE(service().makeRecognizer("es-ES"), nullptr);
+    const auto request = soundOfOneSecond();
+    request->endAudio();
+    const RecognitionAnswers answers;
+    task_ = french->startTask(request, answers.handler());
+    EXPECT_EQ(answers.waitForText(), "bonjour");
+}
+
+TEST_F(VoskLanguages, thatNobodySpeaksAnyMore_areUnloaded) {
+    for (const auto* locale : {"fr-FR", "de-DE", "es-ES"}) {
+        EXPECT_THAT(hear({true}, locale).waitForText(), testing::Not(IsEmpty()));
+    }
+    EXPECT_TRUE(service().waitUntilReady("es-ES", Seconds(60)));
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (loadedModels() > 2 && std::chrono::steady_clock::now() < deadline) {
+        // What has just been answered may still have been in the way.
+        EXPECT_NE(service().makeRecognizer("es-ES"), nullptr);
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(loadedModels(), 2);
 }
 
 /// Which of some models is the one for a locale.
