@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/LibreTranslate/LibreTranslateService.h"
 
+#include "Linux/Storage/SecretTransport.h"
+
 #include <algorithm>
 #include <memory>
 #include <utility>
@@ -194,13 +196,24 @@ void LibreTranslateService::send(const TranslationPair& codes, const std::string
                                  const std::optional<std::string>& key, TextCompletion completion) {
     nlohmann::json content{
         {"q", text}, {"source", codes.source}, {"target", codes.target}, {"format", "text"}};
-    if (key) {
+    const auto server = addressOf(url(), "/translate");
+    if (key && mayHaveKey(server)) {
         content["api_key"] = *key;
     }
-    transfer_.post(addressOf(url(), "/translate"), content,
+    transfer_.post(server, content,
                    [this, completion = std::move(completion)](const Result<JsonTransfer::Answer>& answer) {
                        completion(textOf(answer));
                    });
+}
+
+bool LibreTranslateService::mayHaveKey(const QUrl& server) const {
+    const bool isSafe =
+        isSafeForKeys(server.scheme() == "https", server.host(QUrl::FullyEncoded).toStdString());
+    if (!isSafe) {
+        ports_.log.logLine("[TovikVoice] The translation server's key is not sent, since the connection to " +
+                           server.host(QUrl::FullyEncoded).toStdString() + " is not encrypted");
+    }
+    return isSafe;
 }
 
 Result<std::string> LibreTranslateService::textOf(const Result<JsonTransfer::Answer>& answer) {

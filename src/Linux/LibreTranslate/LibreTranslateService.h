@@ -20,8 +20,8 @@ namespace tovik {
 
 /// Translates on the server that the user default "platform.translation.url" names, which may run on this
 /// machine, on the local network or anywhere. Where the server wants a key, that is the user default
-/// "platform.translation.apiKey" or the desktop's secret "platform.translation.apiKey". Main thread, with an
-/// event loop.
+/// "platform.translation.apiKey" or the desktop's secret "platform.translation.apiKey"; it is sent over
+/// encrypted connections and to this machine only. Main thread, with an event loop.
 class LibreTranslateService : public TranslationService {
 public:
     struct Ports {
@@ -57,6 +57,7 @@ private:
     void translate(const TranslationPair& pair, const std::string& text, TextCompletion completion);
     void send(const TranslationPair& codes, const std::string& text, const std::optional<std::string>& key,
               TextCompletion completion);
+    [[nodiscard]] bool mayHaveKey(const QUrl& server) const;
     [[nodiscard]] Result<std::string> textOf(const Result<JsonTransfer::Answer>& answer);
 
     Ports ports_;

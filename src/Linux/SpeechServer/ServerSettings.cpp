@@ -5,8 +5,8 @@
 #include "Audio/DictationLocales.h"
 #include "Linux/Recognition/LocaleIdentifier.h"
 #include "Linux/Recognition/RecognitionError.h"
+#include "Linux/Storage/SecretTransport.h"
 
-#include <QHostAddress>
 #include <QUrl>
 
 namespace tovik {
@@ -56,7 +56,7 @@ std::vector<std::string> localesOf(const UserDefaults& defaults, const std::stri
 } // namespace
 
 bool ServerAddress::isThisMachine() const {
-    return host == "localhost" || QHostAddress(QString::fromStdString(host)).isLoopback();
+    return tovik::isThisMachine(host);
 }
 
 std::string ServerAddress::origin() const {

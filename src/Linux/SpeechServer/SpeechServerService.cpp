@@ -5,6 +5,7 @@
 #include "Linux/Recognition/LocaleIdentifier.h"
 #include "Linux/Recognition/RecognitionError.h"
 #include "Linux/Recognition/RequestTask.h"
+#include "Linux/Storage/SecretTransport.h"
 #include "Speech/RecognitionRequest.h"
 
 #include <algorithm>
@@ -187,8 +188,7 @@ void SpeechServerService::lookUpKey() {
 /// A key is not shown to everybody on the way.
 std::string SpeechServerService::keyFor(const ServerSettings& settings) const {
     const auto key = withoutOuterSpace(settings.key.value_or(keptKey_.value_or("")));
-    const bool isSafe = settings.address.isEncrypted || settings.address.isThisMachine();
-    if (!key.empty() && !isSafe) {
+    if (!key.empty() && !isSafeForKeys(settings.address.isEncrypted, settings.address.host)) {
         log_->logLine("[TovikVoice] The speech server's key is not sent, since the connection to " +
                       settings.address.origin() + " is not encrypted");
         return {};

@@ -196,6 +196,16 @@ TEST_F(LibreTranslateServiceTest, aKeyInTheSettings_isSent) {
     EXPECT_THAT(secrets.lookUps, IsEmpty());
 }
 
+TEST_F(LibreTranslateServiceTest, aKeyThatOthersCouldReadOnTheWay_isNotSentAndThatIsSaid) {
+    // An address that is this machine's only because it is nobody's.
+    defaults.set("platform.translation.url", "http://0.0.0.0:" + std::to_string(server.port()));
+    defaults.set("platform.translation.apiKey", "from settings");
+    EXPECT_TRUE(translate("hello"));
+    EXPECT_FALSE(lastContent().contains("api_key"));
+    EXPECT_THAT(log.logged(), ElementsAre("[TovikVoice] The translation server's key is not sent, since the "
+                                          "connection to 0.0.0.0 is not encrypted"));
+}
+
 TEST_F(LibreTranslateServiceTest, aKeyInTheSecretStore_isSentAndAskedForOnce) {
     secrets.secrets["platform.translation.apiKey"] = "from store";
     EXPECT_TRUE(translate("hello"));

@@ -210,6 +210,16 @@ TEST_F(SpeechServerServiceTest, whenTheKeyIsInTheKeyRing_sendsIt) {
     EXPECT_EQ(uploads().front().headers.at("authorization"), "Bearer ring");
 }
 
+TEST_F(SpeechServerServiceTest, whenOthersCouldReadTheKeyOnTheWay_sendsNoneAndSaysSo) {
+    // An address that is this machine's only because it is nobody's.
+    defaults_.set("platform.speech.serverUrl", "http://0.0.0.0:" + std::to_string(server_.port()));
+    defaults_.set("platform.speech.serverKey", "abc");
+    EXPECT_EQ(dictate(), "hello there");
+    EXPECT_EQ(uploads().front().headers.count("authorization"), 0U);
+    EXPECT_THAT(log_.logged(),
+                ElementsAre(HasSubstr("The speech server's key is not sent, since the connection")));
+}
+
 TEST_F(SpeechServerServiceTest, whenTheKeyEndsInALineBreak_sendsItWithout) {
     defaults_.set("platform.speech.serverKey", " abc\r\n");
     EXPECT_EQ(dictate(), "hello there");
