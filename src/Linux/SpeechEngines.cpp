@@ -83,6 +83,9 @@ std::shared_ptr<SpeechRecognizer> SpeechEngines::make(Engine engine, const std::
 }
 
 std::shared_ptr<SpeechRecognizer> SpeechEngines::makeRecognizer(const std::string& localeIdentifier) {
+    if (!isIn(Engine::server)) {
+        server_.endServer();
+    }
     std::shared_ptr<SpeechRecognizer> unavailable;
     for (const auto engine : order()) {
         auto recognizer = make(engine, localeIdentifier);
@@ -127,6 +130,8 @@ void SpeechEngines::prepare(const std::vector<std::string>& contextualStrings) {
     vosk_.prepare(contextualStrings);
     if (isIn(Engine::server)) {
         server_.prepare(contextualStrings);
+    } else {
+        server_.endServer();
     }
     if (pocketSphinx_) {
         pocketSphinx_->prepare(contextualStrings);

@@ -13,6 +13,10 @@ namespace tovik {
 
 namespace {
 
+/// The server's first process hears of our end from the system. Those that it has started itself, as a script
+/// does, are reached by their group. The number stays the group's as long as one of them lives.
+constexpr auto kWatch = "read -r _; kill -s TERM -- \"-$0\"; sleep 2; kill -s KILL -- \"-$0\"";
+
 std::chrono::milliseconds milliseconds(Seconds time) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(time);
 }
@@ -78,10 +82,32 @@ void ServerProcess::start() {
     }
     runsWell_.start(milliseconds(pauses_.good));
     process_->start(QString::fromStdString(command_.front()), arguments);
+    if (process_ && process_->processId() > 0) {
+        startWatcher();
+    }
+}
+
+void ServerProcess::startWatcher() {
+    watcher_ = std::make_unique<QProcess>();
+    watcher_->setStandardOutputFile(QProcess::nullDevice());
+    watcher_->setStandardErrorFile(QProcess::nullDevice());
+    // What ends our group must not end the one that cleans up after us.
+    watcher_->setChildProcessModifier([] { ::setpgid(0, 0); });
+    watcher_->start("/bin/sh", {"-c", kWatch, QString::number(process_->processId())});
+}
+
+void ServerProcess::endWatcher() {
+    if (watcher_) {
+        watcher_->disconnect();
+        watcher_->kill();
+        watcher_->waitForFinished(-1);
+        watcher_.reset();
+    }
 }
 
 void ServerProcess::ended(const std::string& how) {
     runsWell_.stop();
+    endWatcher();
     log_->logLine("[TovikVoice] The speech server " + command_.front() + " " + how +
                   "; it is started anew after " + std::to_string(milliseconds(pause_).count()) + " ms");
     startAgain_.start(milliseconds(pause_));
@@ -93,6 +119,7 @@ void ServerProcess::ended(const std::string& how) {
 void ServerProcess::end() {
     startAgain_.stop();
     runsWell_.stop();
+    endWatcher();
     if (!process_) {
         return;
     }

@@ -15,8 +15,8 @@
 namespace tovik {
 
 /// The speech server as a program that is ours to run. It is started when it is needed first and started
-/// anew when it ends by itself, after longer and longer pauses. It ends with this object, and with this
-/// process however that ends. For one thread that has a Qt event loop.
+/// anew when it ends by itself, after longer and longer pauses. It and what it has started end with this
+/// object, and with this process however that ends. For one thread that has a Qt event loop.
 class ServerProcess {
 public:
     struct Pauses {
@@ -42,6 +42,8 @@ public:
 
 private:
     void start();
+    void startWatcher();
+    void endWatcher();
     void ended(const std::string& how);
     void end();
 
@@ -49,6 +51,8 @@ private:
     const Pauses pauses_;
     std::vector<std::string> command_;
     std::unique_ptr<QProcess> process_;
+    /// Ends the server's processes when this one has died, which it sees at the end of its input.
+    std::unique_ptr<QProcess> watcher_;
     QTimer startAgain_;
     QTimer runsWell_;
     Seconds pause_;

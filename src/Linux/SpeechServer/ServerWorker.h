@@ -69,6 +69,9 @@ public:
     /// Looks whether the server is there; starts it when it is ours to start.
     void check(const ServerSettings& settings, const std::string& key);
 
+    /// No server is set any more: one that was ours to start is ended.
+    void endServer() { process_.need({}); }
+
     /// Somebody begins to speak: opens the connection.
     void begin(int number, ServerDictation dictation);
     /// The whole sound is there: it is sent.

@@ -115,7 +115,11 @@ void SpeechServerService::onWorker(Work work) {
 
 std::shared_ptr<SpeechRecognizer> SpeechServerService::makeRecognizer(const std::string& localeIdentifier) {
     const auto settings = ServerSettings::read(services_.defaults);
-    if (!settings || !*settings || localeIdentifier.empty()) {
+    if (!settings || !*settings) {
+        endServer();
+        return nullptr;
+    }
+    if (localeIdentifier.empty()) {
         return nullptr;
     }
     const auto locale = canonicalLocaleIdentifier(localeIdentifier);
@@ -132,8 +136,9 @@ std::string SpeechServerService::currentLocaleIdentifier() const {
 
 void SpeechServerService::prepare(const std::vector<std::string>& /*contextualStrings*/) {
     const auto settings = ServerSettings::read(services_.defaults);
-    if (settings && *settings && services_.isAllowed(settings->value().address) &&
-        health_->claimCheck(kCheckEvery)) {
+    if (!settings || !*settings) {
+        endServer();
+    } else if (services_.isAllowed(settings->value().address) && health_->claimCheck(kCheckEvery)) {
         check(settings->value());
     }
 }
@@ -156,7 +161,14 @@ std::optional<std::string> SpeechServerService::whyUnavailable() {
     return why;
 }
 
+void SpeechServerService::endServer() {
+    if (std::exchange(hasStartedServer_, false)) {
+        onWorker([](ServerWorker& worker) { worker.endServer(); });
+    }
+}
+
 void SpeechServerService::check(const ServerSettings& settings) {
+    hasStartedServer_ = hasStartedServer_ || !settings.command.empty();
     onWorker([settings, key = keyFor(settings)](ServerWorker& worker) { worker.check(settings, key); });
     if (!settings.key && !hasAskedForKey_) {
         lookUpKey();
@@ -214,6 +226,7 @@ void SpeechServerService::start(std::shared_ptr<Utterance> utterance, const std:
     if (dictation.settings.localeIsChosen) {
         dictation.language = locale.substr(0, locale.find('-'));
     }
+    hasStartedServer_ = hasStartedServer_ || !settings->value().command.empty();
     const auto number = ++number_;
     onWorker([number, dictation](ServerWorker& worker) { worker.begin(number, dictation); });
     // The collector is gone before the thread, so its callbacks find this object.

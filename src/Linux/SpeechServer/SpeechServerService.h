@@ -53,6 +53,10 @@ public:
     /// Looks whether the server is there, and starts it when it is ours to start.
     void prepare(const std::vector<std::string>& contextualStrings) override;
 
+    /// Ends the server when it was ours to start and the settings name it no more, or it is not to be used.
+    /// Harmless otherwise.
+    void endServer();
+
     /// Why the server cannot be used, in a sentence for the user. Nothing while it can, or nobody knows yet.
     /// Looks again now and then, in the background.
     [[nodiscard]] std::optional<std::string> whyUnavailable();
@@ -73,6 +77,8 @@ private:
     const std::shared_ptr<ServerHealth> health_ = std::make_shared<ServerHealth>();
     std::optional<std::string> keptKey_;
     bool hasAskedForKey_ = false;
+    /// Whether a server of ours may be running.
+    bool hasStartedServer_ = false;
     int number_ = 0;
     QThread thread_;
     std::unique_ptr<QObject> threadContext_;

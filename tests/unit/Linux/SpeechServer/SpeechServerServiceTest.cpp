@@ -415,6 +415,19 @@ TEST_F(SpeechServerServiceTest, whenNoServerIsSet_thereIsNoRecogniser) {
     EXPECT_THAT(service().whyUnavailable().value_or(""), HasSubstr("No speech server is set"));
 }
 
+TEST_F(SpeechServerServiceTest, whenTheSettingsGo_aServerOfOursEnds) {
+    const auto out = folder_ / "process";
+    defaults_.set("platform.speech.serverCommand",
+                  {"/bin/sh", "-c", "echo $$ > $0.new; mv $0.new $0; exec sleep 1000", out});
+    service().prepare({});
+    ASSERT_TRUE(comesTrue([&] { return std::filesystem::exists(out); }));
+    const auto process = static_cast<pid_t>(std::stol(*readFile(out)));
+    ASSERT_EQ(::kill(process, 0), 0);
+    defaults_.remove("platform.speech.serverUrl");
+    EXPECT_EQ(service().makeRecognizer("en-US"), nullptr);
+    EXPECT_TRUE(comesTrue([&] { return ::kill(process, 0) != 0; }));
+}
+
 TEST_F(SpeechServerServiceTest, servesTheLanguagesOfItsModel) {
     for (const auto& locale : supportedLocales()) {
         EXPECT_NE(service().makeRecognizer(locale), nullptr) << locale;
