@@ -13,6 +13,12 @@ namespace tovik::test {
 /// Remembers what the settings window was asked to do.
 class FakeMainWindow : public MainWindow {
 public:
+    ~FakeMainWindow() override {
+        if (onEnd) {
+            onEnd();
+        }
+    }
+
     void present() override;
     void showSavedToast(const std::string& text) override;
     void reloadHistoryTable() override;
@@ -28,6 +34,9 @@ public:
 
     /// Called with the same texts as they come, to join them with other calls in one record.
     void onCall(std::function<void(const std::string&)> observer) { observer_ = std::move(observer); }
+
+    /// Called when the window ends.
+    std::function<void()> onEnd;
 
 private:
     void note(std::string call);

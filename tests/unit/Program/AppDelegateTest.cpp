@@ -364,6 +364,23 @@ TEST_F(AppDelegateTest, aTextThatArrivesAfterTheEnd_isDropped) {
 
 // The main window.
 
+TEST_F(AppDelegateTest, theWindowEndsWhileWhatItShowsIsStillThere) {
+    defaults.set("transcription.history",
+                 PropertyValue::array({{{"text", "said before"}, {"createdAt", 1740837909.5}}}));
+    launch();
+    auto& history = userInterface.windowContents->history;
+    history.reload();
+    std::string shown;
+    userInterface.mainWindow->onEnd = [&] {
+        // As a list does that is drawn anew when it loses the keyboard.
+        for (const auto& row : history.filteredHistoryEntries()) {
+            shown += row.entry.text;
+        }
+    };
+    delegate.reset();
+    EXPECT_EQ(shown, "said before");
+}
+
 TEST_F(AppDelegateTest, openingFromTheMenu_presentsTheWindow) {
     launch();
     ASSERT_TRUE(userInterface.statusItem->choose({"Open Tovik Record"}));
