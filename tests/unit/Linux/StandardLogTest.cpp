@@ -13,7 +13,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <chrono>
 #include <filesystem>
 #include <sstream>
 #include <thread>
@@ -116,13 +115,11 @@ TEST_F(StandardLogTest,
        whenTheReaderOfStandardOutputStopsReading_theProgramGoesOnAndLaterTellsWhatIsMissing) {
     StandardLog log(output.writer.get(), errors.writer.get(), socketPath);
     const std::string line(1000, 'x');
-    const auto begun = std::chrono::steady_clock::now();
-    // Many times what a pipe holds.
+    // Many times what a pipe holds: a log that waited for the reader would wait here for ever.
     constexpr int lines = 1000;
     for (int n = 0; n < lines; ++n) {
         log.printLine(line);
     }
-    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(5));
     const auto taken = output.content();
     log.printLine("again");
     const auto later = output.content();
