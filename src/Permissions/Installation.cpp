@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "Permissions/Installation.h"
 
+#include "Platform/AsciiCase.h"
+
 #include <algorithm>
-#include <cctype>
 #include <utility>
 
 namespace tovik {
@@ -14,12 +15,6 @@ constexpr Seconds kRefreshDelay{1.0};
 constexpr Seconds kRelaunchDelay{0.25};
 
 enum GuidanceButton { openInstaller = 0, quitAndReopen = 1 };
-
-std::string lowerCased(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
-    return text;
-}
 
 /// The first `count` components of an absolute path, or nothing when it has fewer.
 std::optional<std::string> leadingComponents(const std::string& path, std::size_t count) {
@@ -60,7 +55,7 @@ std::optional<std::string> Installation::folderOfMountedVolume() const {
 }
 
 bool Installation::isInstaller(const std::string& path) const {
-    const auto name = lowerCased(path.substr(path.rfind('/') + 1));
+    const auto name = asciiLowerCased(path.substr(path.rfind('/') + 1));
     return name.starts_with(locations_.installerPrefix) && name.ends_with(locations_.installerSuffix);
 }
 

@@ -49,8 +49,6 @@ public:
     [[nodiscard]] Seconds loadTime() const { return loadTime_; }
 
 private:
-    std::string pastedText(const std::string& recognised);
-
     OwnSettings settings_;
     FinalTextChain chain_;
     TranscriptionDictionary dictionary_;

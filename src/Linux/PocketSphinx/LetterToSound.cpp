@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/PocketSphinx/LetterToSound.h"
 
+#include "Platform/AsciiCase.h"
+
 #include <array>
 #include <cctype>
 
@@ -370,10 +372,10 @@ std::string lettersOf(std::string_view word) {
     for (const char character : word) {
         const auto byte = static_cast<unsigned char>(character);
         if (byte < 0x80 && std::isalpha(byte) != 0) {
-            letters += static_cast<char>(std::tolower(byte));
+            letters += character;
         }
     }
-    return letters;
+    return asciiLowerCased(letters);
 }
 
 } // namespace

@@ -3,10 +3,10 @@
 #include "Linux/PocketSphinx/TermPronouncer.h"
 
 #include "Linux/PocketSphinx/LetterToSound.h"
+#include "Platform/AsciiCase.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <utility>
 
 namespace tovik {
@@ -28,14 +28,6 @@ bool isLower(char character) {
 }
 bool isDigit(char character) {
     return character >= '0' && character <= '9';
-}
-
-std::string lowerCase(std::string_view word) {
-    std::string lower(word);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char character) {
-        return isUpper(character) ? static_cast<char>(character - 'A' + 'a') : character;
-    });
-    return lower;
 }
 
 /// The runs of letters and apostrophes, and each digit alone.
@@ -124,7 +116,7 @@ std::vector<std::string> TermPronouncer::pronounceWord(const std::string& word) 
     std::vector<std::string> ways;
     const auto lower = isDigit(word.front())
                            ? std::string(digits[static_cast<std::size_t>(word.front() - '0')])
-                           : lowerCase(word);
+                           : asciiLowerCased(word);
     if (const auto known = dictionary_(lower)) {
         addOnce(ways, *known);
         for (int variant = 2;; ++variant) {

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/SpeechServer/HttpResponse.h"
 
+#include "Platform/AsciiCase.h"
+
 #include <algorithm>
 #include <charconv>
 
@@ -19,13 +21,6 @@ std::string_view trimmed(std::string_view text) {
     return begin == std::string_view::npos ? std::string_view() : text.substr(begin, end - begin + 1);
 }
 
-std::string lowerCase(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return lower;
-}
-
 std::optional<std::size_t> number(std::string_view text, int base) {
     std::size_t value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
@@ -41,7 +36,6 @@ std::string HttpResponse::header(const std::string& name) const {
 }
 
 HttpResponseReader::State HttpResponseReader::take(std::string_view bytes) {
-    hasBegun_ = hasBegun_ || !bytes.empty();
     if (state_ != State::reading) {
         return state_;
     }
@@ -106,14 +100,14 @@ bool HttpResponseReader::readHeaderLine(std::string_view line) {
     if (colon == std::string_view::npos || colon == 0) {
         return false;
     }
-    response_.headers[lowerCase(line.substr(0, colon))] = trimmed(line.substr(colon + 1));
+    response_.headers[asciiLowerCased(line.substr(0, colon))] = trimmed(line.substr(colon + 1));
     return true;
 }
 
 bool HttpResponseReader::chooseBody() {
     if (response_.status < kFinal || response_.status == kNoContent) {
         body_ = Body::none;
-    } else if (lowerCase(response_.header("transfer-encoding")).ends_with("chunked")) {
+    } else if (asciiLowerCased(response_.header("transfer-encoding")).ends_with("chunked")) {
         body_ = Body::chunked;
     } else if (const auto length = response_.header("content-length"); !length.empty()) {
         const auto count = number(length, 10);

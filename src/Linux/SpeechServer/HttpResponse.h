@@ -31,8 +31,6 @@ public:
     /// The connection was closed: for some responses that is the end of the body.
     State end();
 
-    /// Whether anything has come at all.
-    [[nodiscard]] bool hasBegun() const { return hasBegun_; }
     /// Only when complete.
     [[nodiscard]] const HttpResponse& response() const { return response_; }
 
@@ -49,7 +47,6 @@ private:
     State state_ = State::reading;
     std::string buffer_;
     HttpResponse response_;
-    bool hasBegun_ = false;
     bool headIsRead_ = false;
     Body body_ = Body::none;
     std::size_t left_ = 0;

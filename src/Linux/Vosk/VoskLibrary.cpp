@@ -58,9 +58,7 @@ VoskLibrary::~VoskLibrary() {
 }
 
 std::string VoskLibrary::findFunctions() {
-    find(handle_, "vosk_model_find_word", findWord);
     find(handle_, "vosk_recognizer_set_max_alternatives", setMaxAlternatives);
-    find(handle_, "vosk_recognizer_reset", reset);
     const std::pair<const char*, bool> needed[] = {
         {"vosk_set_log_level", find(handle_, "vosk_set_log_level", setLogLevel)},
         {"vosk_model_new", find(handle_, "vosk_model_new", newModel)},

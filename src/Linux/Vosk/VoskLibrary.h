@@ -36,8 +36,6 @@ public:
     void (*setLogLevel)(int level) = nullptr;
     VoskModel* (*newModel)(const char* path) = nullptr;
     void (*freeModel)(VoskModel* model) = nullptr;
-    /// May be null.
-    int (*findWord)(VoskModel* model, const char* word) = nullptr;
     VoskRecognizer* (*newRecognizer)(VoskModel* model, float sampleRate) = nullptr;
     void (*freeRecognizer)(VoskRecognizer* recognizer) = nullptr;
     /// May be null.
@@ -48,8 +46,6 @@ public:
     const char* (*result)(VoskRecognizer* recognizer) = nullptr;
     const char* (*partialResult)(VoskRecognizer* recognizer) = nullptr;
     const char* (*finalResult)(VoskRecognizer* recognizer) = nullptr;
-    /// May be null.
-    void (*reset)(VoskRecognizer* recognizer) = nullptr;
 
 private:
     VoskLibrary(void* handle, std::string file) : handle_(handle), file_(std::move(file)) {}

@@ -3,6 +3,7 @@
 #include "Linux/Vosk/VoskModels.h"
 
 #include "Linux/Recognition/RecognitionError.h"
+#include "Platform/AsciiCase.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -17,13 +18,6 @@ namespace fs = std::filesystem;
 constexpr std::string_view kPrefix = "vosk-model-";
 constexpr std::string_view kSmall = "small-";
 
-std::string lowerCase(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return lower;
-}
-
 /// Chinese is called "cn" in the names of models.
 std::string modelLanguage(const std::string& language) {
     return language == "zh" ? "cn" : language;
@@ -35,9 +29,9 @@ bool beginsWithWord(std::string_view text, std::string_view word) {
 
 /// Zero when the folder is none for the locale.
 int fitness(const std::string& folderName, const std::string& locale) {
-    const auto wanted = lowerCase(locale);
+    const auto wanted = asciiLowerCased(locale);
     const auto language = wanted.substr(0, wanted.find('-'));
-    auto name = lowerCase(folderName);
+    auto name = asciiLowerCased(folderName);
     std::replace(name.begin(), name.end(), '_', '-');
     std::string_view rest = name;
     int size = 1;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/X11/PasteChord.h"
 
-#include "Linux/X11/AsciiCase.h"
+#include "Platform/AsciiCase.h"
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>

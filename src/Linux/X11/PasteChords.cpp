@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/X11/PasteChords.h"
 
-#include "Linux/X11/AsciiCase.h"
+#include "Platform/AsciiCase.h"
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
 

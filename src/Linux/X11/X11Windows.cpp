@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/X11/X11Windows.h"
 
-#include "Linux/X11/AsciiCase.h"
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11Handle.h"
+#include "Platform/AsciiCase.h"
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
