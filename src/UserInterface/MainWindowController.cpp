@@ -163,9 +163,14 @@ void MainWindowController::presentMainWindow() {
 }
 
 void MainWindowController::makeKeyAndOrderFront() {
+    const bool isComingUp = !window_->isVisible();
     window_->show();
     window_->raise();
-    window_->activateWindow();
+    // Of a window that is just coming up Qt would ask this later, and take the keyboard back from a window that
+    // the user has turned to meanwhile.
+    if (!isComingUp) {
+        window_->activateWindow();
+    }
     // The talk key or another copy of the program may have led here, of which Qt has no event and no time;
     // window managers refuse requests that seem to be of the past. The window has to be theirs by then.
     windowsystem::waitForRequests();
