@@ -38,6 +38,11 @@ HttpConnection::HttpConnection(ServerAddress address) : address_(std::move(addre
     QObject::connect(&wholeTimer_, &QTimer::timeout, &wholeTimer_, [this] { outOfTime(); });
 }
 
+HttpConnection::~HttpConnection() {
+    // It closes while it is destroyed, and would tell an object whose other members are gone already.
+    socket_.disconnect();
+}
+
 int HttpConnection::milliseconds(Seconds time) {
     return static_cast<int>(
         std::clamp(time.count() * 1000, 1.0, static_cast<double>(std::numeric_limits<int>::max())));

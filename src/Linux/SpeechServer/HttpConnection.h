@@ -50,6 +50,7 @@ public:
     };
 
     explicit HttpConnection(ServerAddress address);
+    ~HttpConnection();
     HttpConnection(const HttpConnection&) = delete;
     HttpConnection& operator=(const HttpConnection&) = delete;
 

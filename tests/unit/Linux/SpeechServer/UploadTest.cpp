@@ -121,6 +121,23 @@ TEST_F(UploadTest, whenSendingWouldTakeForEver_givesUp) {
     EXPECT_THAT(std::get<HttpFailure>(*outcome).description, HasSubstr("takes in too slowly"));
 }
 
+TEST_F(UploadTest, whenAConnectionIsDroppedInTheMiddle_itIsNotCalledBackAnyMore) {
+    const auto held = std::make_shared<bool>(false);
+    {
+        HttpConnection connection(settings_.address);
+        connection.open();
+        connection.send(
+            std::string(8 * kMegabyte, 'x'),
+            {.connect = Seconds(20), .firstByte = Seconds(20), .sending = Seconds(20), .whole = Seconds(20)},
+            [held](const HttpConnection::Outcome&) { *held = true; });
+        ASSERT_TRUE(runUntil([this] { return server_.connections() == 1; }));
+    }
+    runPendingEvents();
+    EXPECT_FALSE(*held);
+    // The callback is let go of once, not a second time by what happens while the connection is destroyed.
+    EXPECT_EQ(held.use_count(), 1);
+}
+
 TEST_F(UploadTest, whileSomebodySpeaksForLong_theConnectionIsMadeAnew) {
     Upload upload(settings_, Seconds(0.02));
     upload.open();
