@@ -67,6 +67,9 @@ void ServerProcess::start() {
     });
     QObject::connect(process_.get(), &QProcess::finished, process_.get(),
                      [this](int code, QProcess::ExitStatus status) {
+                         // Its children hold the port and the memory that the next one needs. At once, since
+                         // the number is the group's only as long as one of them lives.
+                         killGroup();
                          ended(status == QProcess::NormalExit ? "ended with " + std::to_string(code)
                                                               : "was killed by a signal");
                      });
@@ -81,8 +84,10 @@ void ServerProcess::start() {
         arguments << QString::fromStdString(command_[i]);
     }
     runsWell_.start(milliseconds(pauses_.good));
+    group_ = 0;
     process_->start(QString::fromStdString(command_.front()), arguments);
     if (process_ && process_->processId() > 0) {
+        group_ = static_cast<pid_t>(process_->processId());
         startWatcher();
     }
 }
@@ -93,7 +98,7 @@ void ServerProcess::startWatcher() {
     watcher_->setStandardErrorFile(QProcess::nullDevice());
     // What ends our group must not end the one that cleans up after us.
     watcher_->setChildProcessModifier([] { ::setpgid(0, 0); });
-    watcher_->start("/bin/sh", {"-c", kWatch, QString::number(process_->processId())});
+    watcher_->start("/bin/sh", {"-c", kWatch, QString::number(group_)});
 }
 
 void ServerProcess::endWatcher() {
@@ -116,6 +121,12 @@ void ServerProcess::ended(const std::string& how) {
     process_.release()->deleteLater();
 }
 
+void ServerProcess::killGroup() {
+    if (const auto group = std::exchange(group_, 0); group > 0) {
+        ::kill(-group, SIGKILL);
+    }
+}
+
 void ServerProcess::end() {
     startAgain_.stop();
     runsWell_.stop();
@@ -125,14 +136,13 @@ void ServerProcess::end() {
     }
     process_->disconnect();
     // With whatever it has started itself.
-    const auto group = static_cast<pid_t>(process_->processId());
-    if (group > 0) {
-        ::kill(-group, SIGTERM);
+    if (group_ > 0) {
+        ::kill(-group_, SIGTERM);
         if (!process_->waitForFinished(static_cast<int>(milliseconds(pauses_.goodbye).count()))) {
-            ::kill(-group, SIGKILL);
+            ::kill(-group_, SIGKILL);
             process_->waitForFinished(-1);
         }
-        ::kill(-group, SIGKILL);
+        killGroup();
     }
     process_.reset();
 }

@@ -8,6 +8,8 @@
 #include <QProcess>
 #include <QTimer>
 
+#include <sys/types.h>
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,8 +17,8 @@
 namespace tovik {
 
 /// The speech server as a program that is ours to run. It is started when it is needed first and started
-/// anew when it ends by itself, after longer and longer pauses. It and what it has started end with this
-/// object, and with this process however that ends. For one thread that has a Qt event loop.
+/// anew when it ends by itself, after longer and longer pauses. What it has started ends with it. All end
+/// with this object, and with this process however that ends. For one thread that has a Qt event loop.
 class ServerProcess {
 public:
     struct Pauses {
@@ -46,11 +48,14 @@ private:
     void endWatcher();
     void ended(const std::string& how);
     void end();
+    void killGroup();
 
     const std::shared_ptr<SharedLog> log_;
     const Pauses pauses_;
     std::vector<std::string> command_;
     std::unique_ptr<QProcess> process_;
+    /// Of the server's process and those it has started; 0 when there is none.
+    pid_t group_ = 0;
     /// Ends the server's processes when this one has died, which it sees at the end of its input.
     std::unique_ptr<QProcess> watcher_;
     QTimer startAgain_;

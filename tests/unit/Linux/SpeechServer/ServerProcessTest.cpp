@@ -43,6 +43,12 @@ protected:
 
     [[nodiscard]] static bool isThere(qint64 process) { return ::kill(static_cast<pid_t>(process), 0) == 0; }
 
+    /// Whoever inherits an ended process collects it in his own time.
+    [[nodiscard]] static bool hasEnded(const std::string& process) {
+        const auto status = readFile("/proc/" + process + "/stat").value_or(") Z");
+        return status.find(") Z") != std::string::npos;
+    }
+
     const TemporaryFolder folder_;
     RecordingLog log_;
     std::optional<ServerProcess> process_;
@@ -79,11 +85,14 @@ TEST_F(ServerProcessTest, whenItHasStartedOthers_theyEndWithIt) {
     const auto grandchild = std::stol(*readFile(folder_ / "out"));
     EXPECT_TRUE(isThere(grandchild));
     process_.reset();
-    // Whoever inherits it collects it in his own time.
-    EXPECT_TRUE(runUntil([&] {
-        const auto status = readFile("/proc/" + std::to_string(grandchild) + "/stat").value_or(") Z");
-        return status.find(") Z") != std::string::npos;
-    }));
+    EXPECT_TRUE(runUntil([&] { return hasEnded(std::to_string(grandchild)); }));
+}
+
+TEST_F(ServerProcessTest, whenItEndsByItself_thoseItHasStartedEndToo) {
+    need(shell("sleep 1000 & echo $! >> $0; exit 3"));
+    ASSERT_TRUE(runUntil([this] { return starts() >= 2; }));
+    const auto written = *readFile(folder_ / "out");
+    EXPECT_TRUE(runUntil([&] { return hasEnded(written.substr(0, written.find('\n'))); }));
 }
 
 TEST_F(ServerProcessTest, whenTheCommandChanges_theOldOneEnds) {
@@ -115,10 +124,7 @@ TEST_F(ServerProcessTest, whenTheProgramIsKilled_theServerEndsToo) {
     ::kill(program, SIGKILL);
     ::waitpid(program, nullptr, 0);
     for (const auto& server : servers) {
-        EXPECT_TRUE(runUntil([&] {
-            const auto status = readFile("/proc/" + server + "/stat").value_or(") Z");
-            return status.find(") Z") != std::string::npos;
-        })) << server;
+        EXPECT_TRUE(runUntil([&] { return hasEnded(server); })) << server;
     }
 }
 
