@@ -63,10 +63,18 @@ ServerWorker::~ServerWorker() {
     }
 }
 
+void ServerWorker::need(const std::vector<std::string>& command) {
+    // Nobody would start it again for a dictation that it still works on.
+    endsProcess_ = command.empty() && !jobs_.empty();
+    if (!endsProcess_) {
+        process_.need(command);
+    }
+}
+
 // --------------------------------------------------------------------------------- availability
 
 void ServerWorker::check(const ServerSettings& settings, const std::string& key) {
-    process_.need(settings.command);
+    need(settings.command);
     checkedSettings_ = settings;
     check_ = std::make_unique<Upload>(settings);
     check_->send(healthRequest(settings, key), [this](const Upload::Outcome& outcome) { checked(outcome); });
@@ -102,7 +110,7 @@ std::string ServerWorker::whyRefused(const ServerSettings& settings, const HttpR
 // ----------------------------------------------------------------------------------- dictations
 
 void ServerWorker::begin(int number, ServerDictation dictation) {
-    process_.need(dictation.settings.command);
+    need(dictation.settings.command);
     auto upload = std::make_unique<Upload>(dictation.settings);
     upload->open();
     jobs_.emplace(number, Job{std::move(dictation), std::move(upload), {}});
@@ -201,6 +209,9 @@ void ServerWorker::drop(int number) {
     QMetaObject::invokeMethod(
         &context_, [job = std::make_shared<Job>(std::move(jobs_.at(number)))] {}, Qt::QueuedConnection);
     jobs_.erase(number);
+    if (jobs_.empty() && std::exchange(endsProcess_, false)) {
+        process_.need({});
+    }
 }
 
 } // namespace tovik

@@ -69,8 +69,8 @@ public:
     /// Looks whether the server is there; starts it when it is ours to start.
     void check(const ServerSettings& settings, const std::string& key);
 
-    /// No server is set any more: one that was ours to start is ended.
-    void endServer() { process_.need({}); }
+    /// No server is set any more: one that was ours to start is ended, after the dictations under way.
+    void endServer() { need({}); }
 
     /// Somebody begins to speak: opens the connection.
     void begin(int number, ServerDictation dictation);
@@ -84,6 +84,7 @@ private:
         std::vector<std::int16_t> samples;
     };
 
+    void need(const std::vector<std::string>& command);
     void answered(int number, const Upload::Outcome& outcome);
     void recognised(Job& job, const HttpResponse& response);
     void failed(Job& job, const std::string& why);
@@ -95,6 +96,8 @@ private:
     const Services services_;
     QObject context_;
     ServerProcess process_;
+    /// Nobody needs it any more but the dictations under way.
+    bool endsProcess_ = false;
     FailedAudio failedAudio_;
     std::map<int, Job> jobs_;
     std::unique_ptr<Upload> check_;

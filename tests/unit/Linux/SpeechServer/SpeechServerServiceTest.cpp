@@ -1,25 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/SpeechServer/SpeechServerService.h"
-
 #include "Audio/DictationLocales.h"
-#include "Speech/RecognitionRequest.h"
-#include "support/FakeSecretStore.h"
-#include "support/FakeSpeechService.h"
-#include "support/HttpServer.h"
-#include "support/ManualTime.h"
-#include "support/MemoryUserDefaults.h"
-#include "support/RecognitionAnswers.h"
-#include "support/RecordingLog.h"
-#include "support/TemporaryFolder.h"
+#include "unit/Linux/SpeechServer/SpeechServerFixture.h"
 
 #include <gmock/gmock.h>
-#include <signal.h>
 #include <sys/stat.h>
 
-#include <array>
 #include <atomic>
-#include <fstream>
 
 namespace tovik::test {
 namespace {
@@ -32,102 +19,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 
-constexpr auto kText = R"({"text": " hello there"})";
-
-/// Looks again and again, for as long as anybody could wait.
-bool comesTrue(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::yield();
-    }
-    return true;
-}
-
-class SpeechServerServiceTest : public testing::Test {
-protected:
-    SpeechServerServiceTest() {
-        defaults_.set("platform.speech.serverUrl", server_.url());
-        setTimeouts(20, 20, 20);
-    }
-
-    void setTimeouts(double connect, double firstByte, double whole) {
-        defaults_.set("platform.speech.serverTimeouts",
-                      {{"connect", connect}, {"firstByte", firstByte}, {"whole", whole}});
-    }
-
-    SpeechServerService& service() {
-        if (!service_) {
-            service_ = std::make_unique<SpeechServerService>(SpeechServerService::Services{
-                .log = log_,
-                .defaults = defaults_,
-                .queue = time_,
-                .secrets = &secrets_,
-                .failedAudioFolder = failedAudio_,
-                .isAllowed = [this](const ServerAddress&) { return isAllowed_.load(); },
-                .embedded = [this](const std::string& locale) { return embedded_.makeRecognizer(locale); }});
-        }
-        return *service_;
-    }
-
-    static std::shared_ptr<RecognitionRequest> request(std::vector<std::string> contextualStrings = {}) {
-        RecognitionSettings settings;
-        settings.contextualStrings = std::move(contextualStrings);
-        return std::make_shared<RecognitionRequest>(std::move(settings), 16000);
-    }
-
-    static void append(RecognitionRequest& request, float loudness = 0.25F) {
-        const std::vector<float> sound(16000, loudness);
-        request.append({sound, 16000});
-    }
-
-    RecognitionAnswers start(const std::shared_ptr<RecognitionRequest>& request,
-                             const std::string& locale = "en-US") {
-        const RecognitionAnswers answers;
-        tasks_.push_back(service().makeRecognizer(locale)->startTask(request, answers.handler()));
-        return answers;
-    }
-
-    /// A whole dictation, and the text or the error that comes of it.
-    std::string dictate(const std::string& locale = "en-US", float loudness = 0.25F) {
-        const auto utterance = request();
-        append(*utterance, loudness);
-        utterance->endAudio();
-        return start(utterance, locale).waitForText();
-    }
-
-    /// The uploads among what the server was asked for.
-    std::vector<HttpRequest> uploads() {
-        std::vector<HttpRequest> found;
-        for (auto& one : server_.requests()) {
-            if (one.method == "POST") {
-                found.push_back(std::move(one));
-            }
-        }
-        return found;
-    }
-
-    [[nodiscard]] std::vector<std::string> keptFiles() const {
-        return std::filesystem::exists(failedAudio_) ? namesIn(failedAudio_) : std::vector<std::string>();
-    }
-
-    /// What the server does with uploads, unless a test says otherwise.
-    void answerUploads(std::function<void(HttpExchange&)> how) { server_.setHandler(std::move(how)); }
-
-    const TemporaryFolder folder_;
-    const std::string failedAudio_ = folder_ / "failed";
-    HttpServer server_{[](HttpExchange& exchange) { exchange.answerJson(200, kText); }};
-    RecordingLog log_;
-    MemoryUserDefaults defaults_;
-    ManualTime time_;
-    FakeSecretStore secrets_{time_};
-    FakeSpeechService embedded_;
-    std::atomic<bool> isAllowed_{true};
-    std::vector<std::unique_ptr<RecognitionTask>> tasks_;
-    std::unique_ptr<SpeechServerService> service_;
-};
+class SpeechServerServiceTest : public SpeechServerFixture {};
 
 TEST_F(SpeechServerServiceTest, uploadsTheSoundAndGivesTheTextInOneLine) {
     answerUploads([](HttpExchange& exchange) {
@@ -386,21 +278,6 @@ TEST_F(SpeechServerServiceTest, whenTheUserWantsIt_theEmbeddedEngineRecognisesIn
     EXPECT_THAT(keptFiles(), SizeIs(1));
 }
 
-TEST_F(SpeechServerServiceTest, whenTheServerIsOursToRun_startsItAndEndsItWithTheService) {
-    const std::string started = folder_ / "started";
-    defaults_.set("platform.speech.serverCommand", {"/bin/sh", "-c",
-                                                    "echo $$ > " + started + ".new && mv " + started +
-                                                        ".new " + started + " && exec sleep 600"});
-    EXPECT_EQ(dictate(), "hello there");
-    ASSERT_TRUE(comesTrue([&] { return std::filesystem::exists(started); }));
-    pid_t process = 0;
-    std::ifstream(started) >> process;
-    ASSERT_EQ(::kill(process, 0), 0);
-    tasks_.clear();
-    service_.reset();
-    EXPECT_NE(::kill(process, 0), 0);
-}
-
 TEST_F(SpeechServerServiceTest, whenTheUserDoesNotAllowIt_nothingIsSent) {
     isAllowed_ = false;
     EXPECT_FALSE(service().makeRecognizer("en-US")->isAvailable());
@@ -413,19 +290,6 @@ TEST_F(SpeechServerServiceTest, whenNoServerIsSet_thereIsNoRecogniser) {
     defaults_.remove("platform.speech.serverUrl");
     EXPECT_EQ(service().makeRecognizer("en-US"), nullptr);
     EXPECT_THAT(service().whyUnavailable().value_or(""), HasSubstr("No speech server is set"));
-}
-
-TEST_F(SpeechServerServiceTest, whenTheSettingsGo_aServerOfOursEnds) {
-    const auto out = folder_ / "process";
-    defaults_.set("platform.speech.serverCommand",
-                  {"/bin/sh", "-c", "echo $$ > $0.new; mv $0.new $0; exec sleep 1000", out});
-    service().prepare({});
-    ASSERT_TRUE(comesTrue([&] { return std::filesystem::exists(out); }));
-    const auto process = static_cast<pid_t>(std::stol(*readFile(out)));
-    ASSERT_EQ(::kill(process, 0), 0);
-    defaults_.remove("platform.speech.serverUrl");
-    EXPECT_EQ(service().makeRecognizer("en-US"), nullptr);
-    EXPECT_TRUE(comesTrue([&] { return ::kill(process, 0) != 0; }));
 }
 
 TEST_F(SpeechServerServiceTest, servesTheLanguagesOfItsModel) {
@@ -454,11 +318,7 @@ TEST_F(SpeechServerServiceTest, whenEndedWhileTheServerThinks_answersAndKeepsThe
 }
 
 TEST_F(SpeechServerServiceTest, whenASecondDictationComesBeforeTheFirstIsAnswered_answersBoth) {
-    answerUploads([](HttpExchange& exchange) {
-        if (exchange.waitForRelease()) {
-            exchange.answerJson(200, kText);
-        }
-    });
+    holdUploads();
     const auto first = request();
     append(*first);
     first->endAudio();
