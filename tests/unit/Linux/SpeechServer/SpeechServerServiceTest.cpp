@@ -219,11 +219,14 @@ TEST_F(SpeechServerServiceTest, whenTheServerDoesNotAnswerInTime_givesUp) {
     setTimeouts(20, 0.05, 20);
     answerUploads([](HttpExchange& exchange) { exchange.stall(); });
     EXPECT_THAT(dictate(), HasSubstr("does not answer"));
+    // The server may well read it only after that.
+    EXPECT_TRUE(server_.waitForRequests(1));
     EXPECT_THAT(uploads(), SizeIs(1));
 }
 
 TEST_F(SpeechServerServiceTest, whenTheAnswerNeverEnds_givesUp) {
-    setTimeouts(20, 20, 0.3);
+    // Long enough for the answer to begin on a busy machine.
+    setTimeouts(20, 20, 3);
     answerUploads([](HttpExchange& exchange) { exchange.drip(std::chrono::milliseconds(10)); });
     EXPECT_THAT(dictate(), HasSubstr("does not finish its answer in time"));
 }
