@@ -95,6 +95,10 @@ AppDelegate::~AppDelegate() {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
+    if (!parts_->listening) {
+        // Asked to end before it has begun.
+        return;
+    }
     parts_->debugLog.debugLog("applicationDidFinishLaunching started");
     createStatusItem();
     createRecorder();
@@ -184,8 +188,12 @@ void AppDelegate::createSession() {
 }
 
 void AppDelegate::createMenuAndWindow() {
-    parts_->languages = std::make_unique<LanguageMenu>(platform_.defaults, platform_.log, parts_->window,
-                                                       [this] { parts_->pushToTalk->restartRecording(); });
+    parts_->languages =
+        std::make_unique<LanguageMenu>(platform_.defaults, platform_.log, parts_->window, [this] {
+            if (parts_->listening) {
+                parts_->pushToTalk->restartRecording();
+            }
+        });
     parts_->defaultsChanges = platform_.defaultsChanges.observe(lifetime_.guard([this] {
         parts_->languages->showStoredChoice();
         if (parts_->history.loadIfChanged()) {
@@ -244,6 +252,14 @@ void AppDelegate::openMainWindowFromMenu() {
 }
 
 void AppDelegate::quitApp() {
+    sayFarewell(Farewell::patienceOfUser);
+}
+
+void AppDelegate::sessionWillEnd() {
+    sayFarewell(Farewell::patienceOfSession);
+}
+
+void AppDelegate::sayFarewell(Seconds patience) {
     // A key that is let go of now no longer ends a recording by the rules: whoever reads the state file
     // learns the rest from the end of this process.
     parts_->listening.reset();
@@ -252,7 +268,7 @@ void AppDelegate::quitApp() {
         return;
     }
     parts_->overlay->hide();
-    parts_->farewell->quit();
+    parts_->farewell->quit(patience);
 }
 
 void AppDelegate::displayLost() {

@@ -83,6 +83,8 @@ public:
     void openMainWindowFromMenu();
     /// Ends the program, after a text that is still on its way has been delivered; asked again, at once.
     void quitApp();
+    /// The same, when it is not the user who waits: in less time.
+    void sessionWillEnd();
     /// The process ends because its windows have lost the desktop: saves what was being recognised.
     void displayLost();
 
@@ -94,6 +96,7 @@ private:
     void createSession();
     void createMenuAndWindow();
     void startKeyMonitor();
+    void sayFarewell(Seconds patience);
 
     Platform platform_;
     std::unique_ptr<Parts> parts_;

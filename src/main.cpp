@@ -79,7 +79,7 @@ int main(int argc, char** argv) {
                          }
                      });
     const DisplayLoss displayLoss([&delegate] { delegate.displayLost(); });
-    const TerminationSignals termination([&delegate] { delegate.quitApp(); });
+    const TerminationSignals termination([&delegate] { delegate.sessionWillEnd(); });
     // The window shows how the permissions stand, and the sound server tells within milliseconds.
     desktop.whenSoundIsKnown([&] {
         delegate.applicationDidFinishLaunching();

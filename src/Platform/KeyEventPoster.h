@@ -33,6 +33,9 @@ public:
 
     /// Returns without waiting for the key to arrive.
     virtual void post(const KeyEvent& event, EventTap tap) = 0;
+
+    /// Whether something that was posted has not been pressed yet.
+    [[nodiscard]] virtual bool isPosting() const = 0;
 };
 
 } // namespace tovik

@@ -20,7 +20,7 @@ constexpr Seconds kTimeToFetchThePaste{0.3};
 
 Farewell::Farewell(Collaborators collaborators) : with_(std::move(collaborators)) {}
 
-void Farewell::quit() {
+void Farewell::quit(Seconds patience) {
     if (std::exchange(hasBegun_, true) || !isUnderWay()) {
         terminate();
         return;
@@ -54,13 +54,17 @@ void Farewell::keepLastWords() {
     if (with_.recorder.isRecognising()) {
         with_.recorder.stop();
     }
-    for (auto left = patience; with_.recorder.isRecognising() && left > Seconds(0); left -= kLookInterval) {
+    for (auto left = patienceOfSession; with_.recorder.isRecognising() && left > Seconds(0);
+         left -= kLookInterval) {
         with_.clock.pause(kLookInterval);
     }
     if (with_.recorder.isRecognising()) {
-        with_.log.printLine("[TovikVoice] The last dictation was not recognised in time: its words are lost");
+        with_.log.printLine("[TovikVoice] The last dictation was not recognised in time");
     }
     while (const auto text = with_.inbox.take()) {
+        if (text->empty()) {
+            continue;
+        }
         with_.delivery.keepWithoutPasting(*text);
         with_.log.printLine("[TovikVoice] The desktop is gone: the last dictation is kept in the history");
     }
@@ -69,7 +73,7 @@ void Farewell::keepLastWords() {
 void Farewell::giveUp() {
     with_.log.printLine(
         with_.recorder.isRecognising()
-            ? "[TovikVoice] The last dictation was not recognised in time: its words are lost"
+            ? "[TovikVoice] The last dictation was not recognised in time"
             : "[TovikVoice] The last dictation was not pasted in time: its text is in the history");
     terminate();
 }

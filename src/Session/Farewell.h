@@ -19,8 +19,10 @@ class TranscriptInbox;
 /// still on its way is delivered first, if it comes soon. Main thread.
 class Farewell {
 public:
-    /// How long the text of a dictation is waited for. A session that ends kills programs that take longer.
-    static constexpr Seconds patience{3.0};
+    /// How long the text of a dictation is waited for when the session ends, which kills programs that take
+    /// longer, and when the user quits.
+    static constexpr Seconds patienceOfSession{3.0};
+    static constexpr Seconds patienceOfUser{10.0};
 
     struct Collaborators {
         Clock& clock;
@@ -36,7 +38,7 @@ public:
 
     /// Terminates now when nothing is under way, or when it was asked for before; otherwise as soon as the
     /// text has been delivered, and at the end of the patience whatever comes.
-    void quit();
+    void quit(Seconds patience);
 
     /// The desktop is gone and the process about to end, without the event loop: puts what is still being
     /// recognised into the history, in so far as its text comes in time. Blocks that long.

@@ -60,8 +60,9 @@ public:
     /// Makes an earlier transcript the last one and pastes it, as pasteLastTranscript() does.
     void pasteTranscript(const std::string& text);
 
-    /// Whether a text is being translated or waits for its target to come to the front.
-    [[nodiscard]] bool isUnderWay() const { return underWay_ > 0; }
+    /// Whether a text is being translated, waits for its target to come to the front, or has not been pressed
+    /// there yet.
+    [[nodiscard]] bool isUnderWay() const { return underWay_ > 0 || with_.poster.isPosting(); }
 
     [[nodiscard]] const std::optional<std::string>& lastTranscript() const { return lastTranscript_; }
     /// Of this run, newest first, at most 25.

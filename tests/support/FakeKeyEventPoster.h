@@ -43,6 +43,11 @@ public:
         }
     }
 
+    [[nodiscard]] bool isPosting() const override { return waitsForTheUser; }
+
+    /// True: what was posted waits, as for keys that the user still holds.
+    bool waitsForTheUser = false;
+
     /// False: the session does not let the program press, or release, keys.
     bool canMakeKeyDown = true;
     bool canMakeKeyUp = true;

@@ -7,6 +7,7 @@
 #include <QThread>
 #include <QtGlobal>
 
+#include <atomic>
 #include <utility>
 
 namespace tovik {
@@ -16,14 +17,13 @@ namespace {
 /// What Qt says last. There is no other sign.
 constexpr auto kLastMessage = "The X11 connection broke";
 
-/// A message handler knows nothing but globals. Both are for the main thread, save for reading the second,
-/// which changes before there are other threads.
+/// A message handler knows nothing but globals. The first is for the main thread; messages come on any.
 std::function<void()> onLoss;
-QtMessageHandler handlerBefore = nullptr;
+std::atomic<QtMessageHandler> handlerBefore = nullptr;
 
 void look(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-    if (handlerBefore != nullptr) {
-        handlerBefore(type, context, message);
+    if (const auto before = handlerBefore.load()) {
+        before(type, context, message);
     }
     const auto* application = QCoreApplication::instance();
     if (message.startsWith(QLatin1String(kLastMessage)) && application != nullptr &&

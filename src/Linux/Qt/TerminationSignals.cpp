@@ -28,6 +28,9 @@ void noteArrival(int /*signal*/) {
     const int before = errno;
     const std::uint64_t one = 1;
     (void)!::write(arrivedFd, &one, sizeof one);
+    // A terminal that is closed says so twice, through the shell and through the system, and a service
+    // manager says it behind SIGTERM. That is no second wish.
+    ::signal(SIGHUP, SIG_IGN);
     errno = before;
 }
 
@@ -58,14 +61,13 @@ TerminationSignals::TerminationSignals(std::function<void()> handler)
         action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
         sigemptyset(&action.sa_mask);
         ::sigaction(signal, &action, nullptr);
+        taken_.push_back(signal);
     }
 }
 
 TerminationSignals::~TerminationSignals() {
-    for (const int signal : kSignals) {
-        if (actionOf(signal).sa_handler == noteArrival) {
-            ::signal(signal, SIG_DFL);
-        }
+    for (const int signal : taken_) {
+        ::signal(signal, SIG_DFL);
     }
     arrivedFd = -1;
 }

@@ -46,6 +46,7 @@ public:
     [[nodiscard]] std::optional<KeyEvent> makeEvent(EventSourceState source, std::uint16_t keyCode,
                                                     bool keyDown) override;
     void post(const KeyEvent& event, EventTap tap) override;
+    [[nodiscard]] bool isPosting() const override { return waiting_ > 0; }
 
 private:
     void pasteWhenPossible();

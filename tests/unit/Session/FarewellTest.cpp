@@ -50,7 +50,7 @@ protected:
 };
 
 TEST_F(FarewellTest, whenNothingIsUnderWay_terminatesAtOnceAndSaysNothing) {
-    farewell.quit();
+    farewell.quit(Farewell::patienceOfSession);
     EXPECT_EQ(terminations, 1);
     EXPECT_THAT(recorder.calls, IsEmpty());
     EXPECT_THAT(log.printed(), IsEmpty());
@@ -58,7 +58,7 @@ TEST_F(FarewellTest, whenNothingIsUnderWay_terminatesAtOnceAndSaysNothing) {
 
 TEST_F(FarewellTest, whileADictationHasNoText_endsTheRecordingAndWaits) {
     recorder.recognises = true;
-    farewell.quit();
+    farewell.quit(Farewell::patienceOfSession);
     time.advance(Seconds(2.9));
     EXPECT_EQ(terminations, 0);
     EXPECT_THAT(recorder.calls, ElementsAre("stop"));
@@ -67,7 +67,7 @@ TEST_F(FarewellTest, whileADictationHasNoText_endsTheRecordingAndWaits) {
 
 TEST_F(FarewellTest, whenTheDictationEndsInAnError_terminates) {
     recorder.recognises = true;
-    farewell.quit();
+    farewell.quit(Farewell::patienceOfSession);
     recorder.recognises = false;
     time.advance(Seconds(1));
     EXPECT_EQ(terminations, 1);
@@ -76,7 +76,7 @@ TEST_F(FarewellTest, whenTheDictationEndsInAnError_terminates) {
 
 TEST_F(FarewellTest, whenTheTextIsOnItsWayToTheMainThread_letsItArriveAndBePasted) {
     recorder.recognises = true;
-    farewell.quit();
+    farewell.quit(Farewell::patienceOfSession);
     time.asyncAfter(Seconds(0.2), [this] {
         // As the recogniser's thread does it: the text is queued, then the dictation counts as answered.
         time.async([this] { delivery.handleTranscription("last words"); });
@@ -92,7 +92,7 @@ TEST_F(FarewellTest, whenTheTextIsOnItsWayToTheMainThread_letsItArriveAndBePaste
 
 TEST_F(FarewellTest, whileAPasteIsPending_waitsForItAndGivesTheTargetTimeToFetchTheText) {
     delivery.handleTranscription("text");
-    farewell.quit();
+    farewell.quit(Farewell::patienceOfSession);
     time.advance(Seconds(0.28));
     EXPECT_THAT(poster.posted, SizeIs(2));
     time.advance(Seconds(0.25));
@@ -101,13 +101,40 @@ TEST_F(FarewellTest, whileAPasteIsPending_waitsForItAndGivesTheTargetTimeToFetch
     EXPECT_EQ(terminations, 1);
 }
 
-TEST_F(FarewellTest, whenTheRecogniserDoesNotAnswerInTime_terminatesAndSaysWhatIsLost) {
-    recorder.recognises = true;
-    farewell.quit();
-    time.advance(Farewell::patience);
+TEST_F(FarewellTest, whileThePasteWaitsForKeysThatTheUserHolds_waitsWithIt) {
+    delivery.handleTranscription("text");
+    poster.waitsForTheUser = true;
+    farewell.quit(Farewell::patienceOfSession);
+    time.advance(Seconds(2.5));
+    EXPECT_EQ(terminations, 0);
+    poster.waitsForTheUser = false;
+    time.advance(Seconds(0.5));
     EXPECT_EQ(terminations, 1);
-    EXPECT_EQ(log.printed().back(),
-              "[TovikVoice] The last dictation was not recognised in time: its words are lost");
+    EXPECT_THAT(log.printed(), testing::Not(testing::Contains(testing::HasSubstr("not pasted in time"))));
+}
+
+TEST_F(FarewellTest, whenTheUserQuits_aSlowRecogniserHasMoreTime) {
+    recorder.recognises = true;
+    farewell.quit(Farewell::patienceOfUser);
+    time.advance(Seconds(9.9));
+    EXPECT_EQ(terminations, 0);
+    time.advance(Seconds(0.2));
+    EXPECT_EQ(terminations, 1);
+}
+
+TEST_F(FarewellTest, whenTheDesktopIsGoneAndNothingWasSaid_saysNothing) {
+    inbox.put("");
+    farewell.keepLastWords();
+    EXPECT_THAT(history.entries(), IsEmpty());
+    EXPECT_THAT(log.printed(), IsEmpty());
+}
+
+TEST_F(FarewellTest, whenTheRecogniserDoesNotAnswerInTime_terminatesAndSaysSo) {
+    recorder.recognises = true;
+    farewell.quit(Farewell::patienceOfSession);
+    time.advance(Farewell::patienceOfSession);
+    EXPECT_EQ(terminations, 1);
+    EXPECT_EQ(log.printed().back(), "[TovikVoice] The last dictation was not recognised in time");
     time.advance(Seconds(10));
     EXPECT_EQ(terminations, 1);
 }
@@ -115,8 +142,8 @@ TEST_F(FarewellTest, whenTheRecogniserDoesNotAnswerInTime_terminatesAndSaysWhatI
 TEST_F(FarewellTest, whenTheTranslationDoesNotComeInTime_saysWhereTheTextIs) {
     defaults.set("TranslationEnabled", true);
     delivery.handleTranscription("text");
-    farewell.quit();
-    time.advance(Farewell::patience);
+    farewell.quit(Farewell::patienceOfSession);
+    time.advance(Farewell::patienceOfSession);
     EXPECT_EQ(terminations, 1);
     EXPECT_EQ(log.printed().back(),
               "[TovikVoice] The last dictation was not pasted in time: its text is in the history");
@@ -124,8 +151,8 @@ TEST_F(FarewellTest, whenTheTranslationDoesNotComeInTime_saysWhereTheTextIs) {
 
 TEST_F(FarewellTest, whenAskedAgain_terminatesAtOnce) {
     recorder.recognises = true;
-    farewell.quit();
-    farewell.quit();
+    farewell.quit(Farewell::patienceOfSession);
+    farewell.quit(Farewell::patienceOfSession);
     EXPECT_EQ(terminations, 1);
     time.advance(Seconds(10));
     EXPECT_EQ(terminations, 1);
@@ -153,9 +180,8 @@ TEST_F(FarewellTest, whenTheDesktopIsGoneAndNoTextComes_waitsNoLongerThanItsPati
     recorder.recognises = true;
     const auto before = time.now();
     farewell.keepLastWords();
-    EXPECT_LE(time.now() - before, Farewell::patience + Seconds(0.1));
-    EXPECT_THAT(log.printed(), ElementsAre("[TovikVoice] The last dictation was not recognised in time: its "
-                                           "words are lost"));
+    EXPECT_LE(time.now() - before, Farewell::patienceOfSession + Seconds(0.1));
+    EXPECT_THAT(log.printed(), ElementsAre("[TovikVoice] The last dictation was not recognised in time"));
 }
 
 TEST_F(FarewellTest, whenTheDesktopIsGoneAndNothingIsUnderWay_doesNothing) {
