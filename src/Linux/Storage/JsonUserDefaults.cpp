@@ -37,7 +37,8 @@ JsonUserDefaults::JsonUserDefaults(std::string path, SystemLog& log, std::functi
       view_(path_) {}
 
 JsonUserDefaults::~JsonUserDefaults() {
-    if (!saveAgain()) {
+    // There is no next time.
+    if (!saveAgain(kLockPatience)) {
         complain("The settings and transcripts that could not be saved in " + path_ + " are lost");
     }
 }
@@ -98,14 +99,13 @@ void JsonUserDefaults::change(std::string_view key, const JsonDocument::Value& v
     }
 }
 
-bool JsonUserDefaults::saveAgain() {
+bool JsonUserDefaults::saveAgain(Seconds patience) {
     const std::lock_guard lock(writing_);
     (void)newest();
     if (!hasUnsaved()) {
         return true;
     }
-    // There is always a next time: nothing is worth holding up the main thread for.
-    if (!save([] {}, Seconds(0))) {
+    if (!save([] {}, patience)) {
         return false;
     }
     complain("The settings that could not be saved are saved now");

@@ -36,9 +36,10 @@ public:
     void remove(std::string_view key) override;
     [[nodiscard]] bool isSaved(std::string_view key) const override;
 
-    /// Tries to save the changes that could not be saved. Whether there are none any more. Says so when they
-    /// have been, and is silent when it fails. Main thread.
-    bool saveAgain();
+    /// Tries to save the changes that could not be saved, and waits so long for another process that is
+    /// writing. Whether there are none any more. Says so when they have been, and is silent when it fails.
+    /// Main thread.
+    bool saveAgain(Seconds patience = Seconds(0));
 
 private:
     [[nodiscard]] std::shared_ptr<const JsonDocument> newest() const;

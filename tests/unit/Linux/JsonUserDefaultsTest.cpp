@@ -12,9 +12,12 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 
+#include <array>
 #include <atomic>
+#include <climits>
 #include <filesystem>
 #include <thread>
 
@@ -278,6 +281,28 @@ TEST_F(JsonUserDefaultsTest, atTheEnd_savesWhatCouldNotBeSaved) {
         const FullDisk full(4);
         defaults.set("a", "value");
     }
+    EXPECT_EQ(stored(), nlohmann::json({{"a", "value"}}));
+}
+
+TEST_F(JsonUserDefaultsTest, whenAnotherProcessIsWritingAtTheEnd_waitsForIt) {
+    std::thread other;
+    {
+        auto defaults = open();
+        {
+            const FullDisk full(4);
+            defaults.set("a", "value");
+        }
+        UnixFd lock(::open((file + ".lock").c_str(), O_RDWR | O_CLOEXEC));
+        ASSERT_EQ(::flock(lock.get(), LOCK_EX), 0);
+        UnixFd openings(::inotify_init1(IN_CLOEXEC));
+        ASSERT_GE(::inotify_add_watch(openings.get(), (file + ".lock").c_str(), IN_OPEN), 0);
+        // Has finished writing right after the lock was asked for.
+        other = std::thread([held = std::move(lock), asked = std::move(openings)] {
+            std::array<char, sizeof(inotify_event) + NAME_MAX + 1> event{};
+            (void)!::read(asked.get(), event.data(), event.size());
+        });
+    }
+    other.join();
     EXPECT_EQ(stored(), nlohmann::json({{"a", "value"}}));
 }
 
