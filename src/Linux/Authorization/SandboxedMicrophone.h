@@ -51,7 +51,6 @@ public:
 
 private:
     [[nodiscard]] bool isPortalConcerned() const;
-    [[nodiscard]] std::string sandboxExplanation() const;
     [[nodiscard]] bool isSaid(MicrophonePortal::Verdict verdict) const { return verdict_ == verdict; }
     void look();
     void learn(const MicrophonePortal::Answer& answer);
