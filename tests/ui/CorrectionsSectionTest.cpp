@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/CorrectionsSection.h"
 
+#include "CorrectionsSectionFixture.h"
 #include "UserInterface/BorderlessButton.h"
 #include "UserInterface/CorrectionGroupView.h"
 #include "UserInterface/CorrectionsListView.h"
@@ -31,90 +32,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
-using Control = CorrectionGroupView::Control;
 
-/// The section as it stands in the window: in a column that scrolls, with a control above and one below.
-struct CorrectionsSectionTest : testing::Test {
-    test::MemoryUserDefaults defaults;
-    test::RecordingLog log;
-    TranscriptionDictionary dictionary{defaults, log};
-    std::vector<std::string> toasts;
-    std::unique_ptr<QWidget> window = std::make_unique<QWidget>();
-    QScrollArea* scroll = new QScrollArea(window.get());
-    QPushButton* above = new QPushButton(QStringLiteral("above"));
-    QPushButton* below = new QPushButton(QStringLiteral("below"));
-    CorrectionsSection* section = nullptr;
-
-    void build(const TranscriptionDictionary::Mapping& mapping) {
-        dictionary.setDictionary(mapping);
-        section = new CorrectionsSection(dictionary, defaults,
-                                         [this](const std::string& text) { toasts.push_back(text); });
-        auto* document = new QWidget;
-        auto* column = new QVBoxLayout(document);
-        column->addWidget(above);
-        column->addWidget(section);
-        column->addWidget(below);
-        column->addStretch();
-        scroll->setWidgetResizable(true);
-        scroll->setFocusPolicy(Qt::NoFocus);
-        scroll->setWidget(document);
-        scroll->resize(440, 500);
-        window->resize(440, 500);
-        window->show();
-        QApplication::setActiveWindow(window.get());
-        test::runPendingEvents();
-    }
-
-    [[nodiscard]] TranscriptionDictionary::Mapping stored() const {
-        return defaults.value(TranscriptionDictionary::dictionaryKey)
-            ->get<TranscriptionDictionary::Mapping>();
-    }
-    [[nodiscard]] CorrectionGroupView& groupOf(const std::string& heard) const {
-        return *section->list().showGroupOf(heard);
-    }
-    [[nodiscard]] FieldShell& heardField(const std::string& heard) const {
-        return *qobject_cast<FieldShell*>(groupOf(heard).controlAt({Control::heardField, heard}));
-    }
-    [[nodiscard]] FieldShell& replacementField(const std::string& heard) const {
-        return *qobject_cast<FieldShell*>(groupOf(heard).controlAt({Control::replacementField, heard}));
-    }
-    [[nodiscard]] BorderlessButton& button(const std::string& heard, Control control) const {
-        return *qobject_cast<BorderlessButton*>(groupOf(heard).controlAt({control, heard}));
-    }
-    static void click(QWidget& control) {
-        QTest::mouseClick(&control, Qt::LeftButton);
-        test::runPendingEvents();
-    }
-    static void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
-        test::runPendingEvents();
-    }
-    /// Replaces what is in the field that has the keyboard.
-    static void type(const char* text) {
-        press(Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
-        QTest::keyClicks(QApplication::focusWidget(), QString::fromUtf8(text));
-    }
-    static void typeInto(QWidget& field, const char* text) {
-        click(field);
-        type(text);
-    }
-    [[nodiscard]] std::vector<std::string> shownReplacements() const {
-        std::vector<std::string> texts;
-        for (auto* group : section->list().shownGroups()) {
-            texts.push_back(group->group().corrected);
-        }
-        return texts;
-    }
-    [[nodiscard]] static TranscriptionDictionary::Mapping many(int count) {
-        TranscriptionDictionary::Mapping mapping;
-        for (int number = 0; number < count; ++number) {
-            const auto text = std::to_string(10000 + number);
-            mapping.emplace("heard " + text, "Meant " + text);
-        }
-        return mapping;
-    }
-};
+using CorrectionsSectionTest = test::CorrectionsSectionFixture;
 
 // What it shows.
 
@@ -412,91 +331,6 @@ TEST_F(CorrectionsSectionTest, deletingWithTheKeyboard_leadsToWhatComesNext) {
     press(Qt::Key_Space);
     EXPECT_THAT(stored(), IsEmpty());
     EXPECT_EQ(QApplication::focusWidget(), &section->addButton());
-}
-
-// Walking.
-
-TEST_F(CorrectionsSectionTest, tab_leadsThroughTheFieldsOfAGroupThenItsButtonsThenOn) {
-    build({{"a", "Alpha"}, {"b", "Alpha"}, {"c", "Gamma"}});
-    above->setFocus(Qt::TabFocusReason);
-    std::vector<std::string> names;
-    while (QApplication::focusWidget() != below && names.size() < 40) {
-        press(Qt::Key_Tab);
-        const auto* field = qobject_cast<FieldShell*>(QApplication::focusWidget());
-        names.push_back(field ? field->text().toStdString()
-                              : QApplication::focusWidget()->accessibleName().toStdString());
-    }
-    EXPECT_THAT(names, ElementsAre("a", "b", "Alpha", "Delete variation", "Delete variation", "Add variation",
-                                   "Delete correction", "c", "Gamma", "Delete variation", "Add variation",
-                                   "Delete correction", "Add correction", ""));
-    EXPECT_EQ(QApplication::focusWidget(), below);
-    for (std::size_t step = names.size(); step > 1; --step) {
-        press(Qt::Key_Backtab, Qt::ShiftModifier);
-    }
-    EXPECT_EQ(QApplication::focusWidget(), &heardField("a"));
-}
-
-TEST_F(CorrectionsSectionTest, tab_reachesEveryRowOfALongListAndBringsItIntoSight) {
-    build(many(300));
-    above->setFocus(Qt::TabFocusReason);
-    for (int row = 0; row < 300; ++row) {
-        press(Qt::Key_Tab);
-        auto* field = qobject_cast<FieldShell*>(QApplication::focusWidget());
-        ASSERT_NE(field, nullptr) << row;
-        ASSERT_EQ(field->text(), QStringLiteral("heard %1").arg(10000 + row));
-        const int top = field->mapTo(scroll->viewport(), QPoint(0, 0)).y();
-        ASSERT_GE(top, 0) << row;
-        ASSERT_LE(top + field->height(), scroll->viewport()->height()) << row;
-        for (int control = 0; control < 4; ++control) {
-            press(Qt::Key_Tab);
-        }
-    }
-    press(Qt::Key_Tab);
-    EXPECT_EQ(QApplication::focusWidget(), &section->addButton());
-}
-
-// Long lists.
-
-TEST_F(CorrectionsSectionTest, aLongList_hasWidgetsOnlyAroundWhatIsSeen) {
-    build(many(1000));
-    EXPECT_LT(section->list().shownGroups().size(), 120U);
-    EXPECT_EQ(section->list().shownGroups().front()->group().corrected, "Meant 10000");
-    scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum() / 2);
-    test::runPendingEvents();
-    EXPECT_LT(section->list().shownGroups().size(), 120U);
-    for (int y = 10; y < scroll->viewport()->height(); y += 30) {
-        const auto* seen = window->childAt(100, y);
-        ASSERT_TRUE(seen && section->list().isAncestorOf(seen)) << y;
-    }
-    scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
-    test::runPendingEvents();
-    EXPECT_EQ(section->list().shownGroups().back()->group().corrected, "Meant 10999");
-}
-
-TEST_F(CorrectionsSectionTest, whileScrolledAway_theFieldBeingTypedInKeepsItsText) {
-    build(many(1000));
-    FieldShell& field = heardField("heard 10003");
-    typeInto(field, "half a wo");
-    scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
-    test::runPendingEvents();
-    EXPECT_EQ(QApplication::focusWidget(), &field);
-    EXPECT_EQ(field.text(), QStringLiteral("half a wo"));
-    scroll->verticalScrollBar()->setValue(0);
-    test::runPendingEvents();
-    EXPECT_EQ(&heardField("heard 10003"), &field);
-    press(Qt::Key_Return);
-    EXPECT_EQ(stored().at("half a wo"), "Meant 10003");
-}
-
-TEST_F(CorrectionsSectionTest, addingToALongList_bringsTheNewFieldIntoSight) {
-    build(many(1000));
-    click(section->addButton());
-    test::runPendingEvents();
-    FieldShell& field = heardField("new phrase");
-    EXPECT_EQ(QApplication::focusWidget(), &field);
-    const int top = field.mapTo(scroll->viewport(), QPoint(0, 0)).y();
-    EXPECT_GE(top, 0);
-    EXPECT_LE(top + field.height(), scroll->viewport()->height());
 }
 
 } // namespace
