@@ -70,6 +70,8 @@ class End(ProgramTest):
     def test_byTerminationBeforeTheTextIsThere_deliversItFirst(self) -> None:
         self.set_stage()
         program = self.start()
+        # A model that is still loading could outlast the patience of the farewell.
+        wait_until_calm(program.process.pid)
         editor = self.open_editor()
         editor.focus()
         self.desktop.press(TALK_KEY)
@@ -104,6 +106,7 @@ class End(ProgramTest):
     def test_ofTheXServerDuringARecording_keepsWhatWasSaid(self) -> None:
         self.set_stage()
         program = self.start()
+        wait_until_calm(program.process.pid)
         self.open_editor()
         self.desktop.press(TALK_KEY)
         program.wait_for_line(RECORDING_STARTED, 5)
