@@ -64,6 +64,7 @@ void VoiceEvidence::processFrame() {
     const auto before = past_[frames_ % kMoment];
     past_[frames_ % kMoment] = now;
     ++frames_;
+    countLoudness(now, before);
 
     if (now.period == 0) {
         row_ = 0;
@@ -88,7 +89,32 @@ VoiceEvidence::Moment VoiceEvidence::present() {
     }
     const auto period = pitchPeriod();
     tonalFrames_ += period != 0 ? 1 : 0;
-    return {period != 0 && isPureTone() ? 0 : period, 10 * std::log10(energy)};
+    return {period != 0 && isPureTone() ? 0 : period, period != 0, 10 * std::log10(energy)};
+}
+
+void VoiceEvidence::countLoudness(const Moment& now, const Moment& before) {
+    const auto loudness = std::min(static_cast<std::size_t>(now.decibels), kDecibels - 1);
+    ++framesOfLoudness_[loudness];
+    if (now.isTonal && before.isTonal && std::abs(now.decibels - before.decibels) <= kLiving) {
+        ++steadyFrames_;
+        ++steadyFramesOfLoudness_[loudness];
+    }
+}
+
+bool VoiceEvidence::isSomethingAboveHum() const {
+    if (steadyFrames_ == 0) {
+        return false;
+    }
+    // The median: a vowel or two may be as steady as a hum for a moment.
+    std::size_t hum = 0;
+    for (int quieter = steadyFramesOfLoudness_[0]; 2 * quieter < steadyFrames_;) {
+        quieter += steadyFramesOfLoudness_[++hum];
+    }
+    int above = 0;
+    for (auto loudness = hum + kDecibelsAboveHum; loudness < kDecibels; ++loudness) {
+        above += framesOfLoudness_[loudness];
+    }
+    return above >= kFramesAboveHum;
 }
 
 /// Between -1 and 1.

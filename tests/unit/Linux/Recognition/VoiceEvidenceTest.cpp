@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <functional>
 #include <ostream>
 #include <random>
@@ -152,6 +154,100 @@ TEST(VoiceEvidence, humsWhistlesAndBeepsAreOnlyTones) {
         EXPECT_TRUE(evidenceIn(hum(frequency, 0.1)).heardOnlyTones()) << frequency;
     }
     EXPECT_TRUE(evidenceIn(beeps()).heardOnlyTones());
+}
+
+/// A single word of a recording, in seconds from its beginning.
+struct Word {
+    std::string name;
+    std::string recording;
+    double begin;
+    double end;
+};
+
+const std::vector<Word> kWords{{"go", "goforward.raw", 0.45, 0.85},
+                               {"forward", "goforward.raw", 0.8, 1.2},
+                               {"five", "cards/004.wav", 0.25, 0.65},
+                               {"four", "cards/002.wav", 0.1, 0.6},
+                               {"seven", "cards/003.wav", 0.05, 0.6}};
+
+/// With the word in the middle.
+std::vector<float> withWord(std::vector<float> sound, const Word& word) {
+    const auto at = [](double seconds) { return static_cast<std::ptrdiff_t>(seconds * kRate); };
+    const auto recording = test::readRecording(kRecordings + word.recording);
+    std::transform(recording.begin() + at(word.begin), recording.begin() + at(word.end),
+                   sound.begin() + at(2), sound.begin() + at(2), std::plus<>());
+    return sound;
+}
+
+/// A buzz that is rich in overtones, and the faint noise of a room.
+std::vector<float> buzz(double frequency, double loudness, bool isSwitched) {
+    std::mt19937 random(7);
+    std::normal_distribution<double> noise(0, 0.001);
+    return sound([&, isSwitched](double time) {
+        double value = 0;
+        for (int number = 1; number <= 15; ++number) {
+            value += std::sin(2 * M_PI * frequency * number * time) / number;
+        }
+        const bool isOn = !isSwitched || (time > 1 && time < 3);
+        return (isOn ? loudness * value : 0) + noise(random);
+    });
+}
+
+struct Hum {
+    double frequency;
+    double loudness;
+
+    friend void PrintTo(const Hum& hum, std::ostream* out) {
+        *out << hum.frequency << " Hz, " << hum.loudness;
+    }
+};
+
+class SteadyHum : public testing::TestWithParam<Hum> {};
+
+TEST_P(SteadyHum, aloneIsNoVoice) {
+    for (const bool isSwitched : {false, true}) {
+        const auto evidence = evidenceIn(buzz(GetParam().frequency, GetParam().loudness, isSwitched));
+        EXPECT_FALSE(evidence.heardVoice());
+        EXPECT_TRUE(evidence.heardOnlyTones());
+    }
+}
+
+TEST_P(SteadyHum, withAShortWordBesideIt_isAVoice) {
+    for (const auto& word : kWords) {
+        const auto evidence =
+            evidenceIn(withWord(buzz(GetParam().frequency, GetParam().loudness, false), word));
+        EXPECT_TRUE(evidence.heardVoice()) << word.name;
+        EXPECT_FALSE(evidence.heardOnlyTones()) << word.name;
+    }
+}
+
+TEST_P(SteadyHum, withAWordOfFewVoicedFramesBesideIt_isMoreThanTones) {
+    const Word ten{"ten", "goforward.raw", 1.2, 1.5};
+    EXPECT_FALSE(
+        evidenceIn(withWord(buzz(GetParam().frequency, GetParam().loudness, false), ten)).heardOnlyTones());
+}
+
+TEST_P(SteadyHum, withAClickAtEitherEnd_isNoVoice) {
+    auto sound = buzz(GetParam().frequency, GetParam().loudness, false);
+    for (const auto click : {std::size_t{kRate / 10}, sound.size() - kRate / 10}) {
+        for (std::size_t i = 0; i < 160; ++i) {
+            sound[click + i] += i % 2 == 0 ? 0.3F : -0.2F;
+        }
+    }
+    EXPECT_TRUE(evidenceIn(sound).heardOnlyTones());
+}
+
+INSTANTIATE_TEST_SUITE_P(Hums, SteadyHum,
+                         testing::Values(Hum{250, 0.01}, Hum{250, 0.03}, Hum{100, 0.01}, Hum{100, 0.03},
+                                         Hum{120, 0.01}, Hum{120, 0.03}, Hum{150, 0.01}, Hum{150, 0.03},
+                                         Hum{200, 0.01}, Hum{200, 0.03}));
+
+TEST(VoiceEvidence, aVoiceBesideANoisyHumIsHeard) {
+    for (const double frequency : {100.0, 120.0, 150.0}) {
+        for (const auto& word : kWords) {
+            EXPECT_TRUE(hasVoice(withWord(noisyHum(frequency), word))) << word.name << " at " << frequency;
+        }
+    }
 }
 
 TEST(VoiceEvidence, whatHasNoPitchCouldBeAWhisper) {

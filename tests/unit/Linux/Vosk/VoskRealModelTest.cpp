@@ -12,6 +12,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <functional>
@@ -88,6 +89,27 @@ TEST_F(VoskRealModel, wordsBeforeAndAfterAPauseAreOneText) {
     const auto more = readRecording(kGoSomewhere);
     sound.insert(sound.end(), more.begin(), more.end());
     EXPECT_EQ(hear(sound).waitForText(), "go forward ten meters go somewhere and do something");
+}
+
+TEST_F(VoskRealModel, aWordBesideAHum_isHeard) {
+    auto five = readRecording(kRecordings + "cards/004.wav");
+    five.resize(12000);
+    std::minstd_rand random(5);
+    std::normal_distribution<double> noise(0, 0.001);
+    for (const double frequency : {100.0, 150.0, 200.0}) {
+        std::vector<float> sound(static_cast<std::size_t>(4 * kRecordingRate));
+        for (std::size_t i = 0; i < sound.size(); ++i) {
+            double hum = 0;
+            for (int overtone = 1; overtone <= 15; ++overtone) {
+                const double phase =
+                    2 * M_PI * frequency * overtone * static_cast<double>(i) / kRecordingRate;
+                hum += 0.01 * std::sin(phase) / overtone;
+            }
+            sound[i] = static_cast<float>(hum + noise(random));
+        }
+        std::transform(five.begin(), five.end(), sound.begin() + 20000, sound.begin() + 20000, std::plus<>());
+        EXPECT_THAT(hear(sound).waitForText(), HasSubstr("five")) << frequency;
+    }
 }
 
 /// Four seconds without a word.
