@@ -8,8 +8,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <ostream>
 #include <random>
 #include <string_view>
@@ -111,6 +113,29 @@ TEST(PocketSphinxDecoder, makesNoWordsOfNoise) {
         std::generate(sound.begin(), sound.end(),
                       [&] { return loudness == 0 ? 0 : std::clamp(noise(random), -1.0F, 1.0F); });
         EXPECT_EQ(decode(*decoder, sound), "<No speech detected>") << loudness;
+    }
+}
+
+TEST(PocketSphinxDecoder, whenAHumGoesOnForLong_hearsAWordBesideIt) {
+    const auto decoder = loadDecoder();
+    ASSERT_NE(decoder, nullptr);
+    const auto forward = readRecording(kGoForward);
+    std::mt19937 random(7);
+    std::normal_distribution<double> noise(0, 0.001);
+    for (const double frequency : {100.0, 150.0, 200.0}) {
+        std::vector<float> sound(static_cast<std::size_t>(8 * kRecordingRate));
+        for (std::size_t i = 0; i < sound.size(); ++i) {
+            double hum = 0;
+            for (int overtone = 1; overtone <= 15; ++overtone) {
+                const double phase =
+                    2 * M_PI * frequency * overtone * static_cast<double>(i) / kRecordingRate;
+                hum += 0.01 * std::sin(phase) / overtone;
+            }
+            sound[i] = static_cast<float>(hum + noise(random));
+        }
+        std::transform(forward.begin(), forward.begin() + 20000, sound.begin() + 20000, sound.begin() + 20000,
+                       std::plus<>());
+        EXPECT_THAT(decode(*decoder, sound), HasSubstr("forward")) << frequency;
     }
 }
 
