@@ -3,26 +3,16 @@
 #include "UserInterface/CorrectionsSection.h"
 
 #include "CorrectionsSectionFixture.h"
-#include "UserInterface/BorderlessButton.h"
-#include "UserInterface/CorrectionGroupView.h"
 #include "UserInterface/CorrectionsListView.h"
 #include "UserInterface/FieldShell.h"
 #include "support/EventLoop.h"
-#include "support/MemoryUserDefaults.h"
-#include "support/RecordingLog.h"
 
 #include <QApplication>
 #include <QLabel>
-#include <QPushButton>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QTest>
-#include <QVBoxLayout>
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <memory>
 #include <string>
 #include <vector>
 
