@@ -33,9 +33,21 @@ constexpr std::size_t kMostClasses = 48;
 /// Further ways to say a term are looked up under its first one: they take up no weight.
 constexpr float kNoWeight = 1e-6F;
 
+/// The decoder's one search with a language model. Asking for the name of the present search would be
+/// simpler, but that loses a little memory each time.
+ngram_model_t* languageModelSet(ps_decoder_t* decoder) {
+    for (auto* search = ps_search_iter(decoder); search != nullptr; search = ps_search_iter_next(search)) {
+        if (auto* const set = ps_get_lm(decoder, ps_search_iter_val(search))) {
+            ps_search_iter_free(search);
+            return set;
+        }
+    }
+    return nullptr;
+}
+
 /// The words of the decoder's one language model, which stands inside a set.
 ngram_model_t* languageModel(ps_decoder_t* decoder) {
-    auto* const set = ps_get_lm(decoder, ps_get_search(decoder));
+    auto* const set = languageModelSet(decoder);
     if (set == nullptr) {
         return nullptr;
     }
