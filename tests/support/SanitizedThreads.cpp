@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 //
-// For tests in which Qt or GLib has threads of its own. Those libraries are not built for the thread
-// sanitizer, which therefore sees what their threads touch and not how they wait for each other.
+// Part of every test under the thread sanitizer. Libraries that have threads of their own are not built for it:
+// it sees what their threads touch, and not how they wait for each other.
 
 extern "C" const char* __tsan_default_suppressions();
 extern "C" const char* __tsan_default_suppressions() {
@@ -19,7 +19,10 @@ extern "C" const char* __tsan_default_suppressions() {
            "race:libQt6Core.so.6\n"
            "race:libQt6Network.so.6\n"
            "race:libQt6DBus.so.6\n"
-           "race:libglib-2.0.so.0\n";
+           "race:libglib-2.0.so.0\n"
+           "race:libproxy.so.1\n"
+           "race:libpulsecommon-\n"
+           "race:libxcb.so.1\n";
 }
 
 /// Qt starts processes by a kind of fork that shares the memory, and with it the sanitizer's mark for
@@ -27,15 +30,4 @@ extern "C" const char* __tsan_default_suppressions() {
 extern "C" const char* __tsan_default_options();
 extern "C" const char* __tsan_default_options() {
     return "die_after_fork=0";
-}
-
-/// Each of libsecret's waiting calls loses a few bytes: the bus library frees them in the event loop of the
-/// call, which is gone by then. To tell these from others, the sanitizer needs whole stacks.
-extern "C" const char* __asan_default_options();
-extern "C" const char* __asan_default_options() {
-    return "fast_unwind_on_malloc=0";
-}
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:secret_password_\n";
 }
