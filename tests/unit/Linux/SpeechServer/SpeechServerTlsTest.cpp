@@ -7,6 +7,7 @@
 #include <QSslConfiguration>
 #include <QSslKey>
 #include <QSslServer>
+#include <QTcpServer>
 
 #include <gmock/gmock.h>
 
@@ -61,16 +62,18 @@ protected:
     }
 
     /// The body of the answer, or what went wrong.
-    std::string ask(const std::string& host) {
+    std::string ask(const std::string& host) { return ask(host, server_.serverPort()); }
+
+    std::string ask(const std::string& host, quint16 port) {
         ServerAddress address;
         address.isEncrypted = true;
         address.host = host;
-        address.port = server_.serverPort();
+        address.port = port;
         HttpConnection connection(address);
         std::optional<HttpConnection::Outcome> outcome;
         connection.open();
         connection.send("GET / HTTP/1.1\r\nAuthorization: Bearer secret\r\n\r\n",
-                        {Seconds(20), firstByte_, Seconds(20), Seconds(20)},
+                        {connect_, firstByte_, Seconds(20), Seconds(20)},
                         [&](const HttpConnection::Outcome& answer) { outcome = answer; });
         if (!runUntil([&] { return outcome.has_value(); }, std::chrono::seconds(60))) {
             return "nothing at all";
@@ -84,6 +87,7 @@ protected:
     QSslServer server_;
     QByteArray received_;
     bool answers_ = true;
+    Seconds connect_{20};
     Seconds firstByte_{20};
 };
 
@@ -98,6 +102,13 @@ TEST_F(SpeechServerTls, whenTheServerHasItAllAndDoesNotAnswer_saysSo) {
     answers_ = false;
     firstByte_ = Seconds(0.2);
     EXPECT_THAT(ask("127.0.0.1"), HasSubstr("does not answer"));
+}
+
+TEST_F(SpeechServerTls, whenTheServerTakesTheCallAndSaysNothing_itCannotBeReached) {
+    QTcpServer silent;
+    ASSERT_TRUE(silent.listen(QHostAddress::LocalHost));
+    connect_ = Seconds(0.2);
+    EXPECT_THAT(ask("127.0.0.1", silent.serverPort()), HasSubstr("cannot be reached in time"));
 }
 
 TEST_F(SpeechServerTls, whenNobodyVouchesForTheCertificate_nothingIsSent) {
