@@ -4,6 +4,7 @@
 
 import os
 import struct
+import time
 import zlib
 
 from Xlib import X, XK, Xatom, display as xdisplay, error
@@ -206,9 +207,19 @@ class Desktop:
     def screenshot(self, path: str) -> None:
         """Writes the whole screen as a PNG file."""
         shape = self._root.get_geometry()
-        image = self._root.get_image(0, 0, shape.width, shape.height, X.ZPixmap, 0xFFFFFFFF)
         with open(path, "wb") as file:
-            file.write(_png(shape.width, shape.height, image.data))
+            file.write(_png(shape.width, shape.height, self._pixels()))
+
+    def wait_until_painted(self) -> None:
+        """Waits until nothing on the screen has changed for longer than programs take to paint, 2 s at most."""
+        before, deadline = b"", time.monotonic() + 2
+        while (pixels := self._pixels()) != before and time.monotonic() < deadline:
+            before = pixels
+            time.sleep(0.25)
+
+    def _pixels(self) -> bytes:
+        shape = self._root.get_geometry()
+        return self._root.get_image(0, 0, shape.width, shape.height, X.ZPixmap, 0xFFFFFFFF).data
 
     def _atom(self, name: str) -> int:
         return self._display.intern_atom(name)

@@ -134,8 +134,10 @@ class Rehearsal:
             result.transcript = corrected[-1].removeprefix(CORRECTED)
         result.pasted = _inserted(before, text)
         self._tell("The text stands in the editor.")
-        self._take_picture(result, "pasted", time.monotonic())
         result.saved = self._editor.save()
+        # The editor has the text before it has painted it.
+        self._desktop.wait_until_painted()
+        self._take_picture(result, "pasted", time.monotonic())
 
     def _take_picture(self, result: Dictation, name: str, moment: float) -> None:
         time.sleep(max(0.0, moment - time.monotonic()))
