@@ -3,6 +3,7 @@
 #include "Linux/Apertium/StageProcesses.h"
 
 #include "Linux/Storage/PosixError.h"
+#include "Linux/Storage/SpawnAttributes.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -40,28 +41,6 @@ public:
 
 private:
     posix_spawn_file_actions_t actions_{};
-};
-
-/// Signals as every program expects them, whatever this thread has blocked.
-class SpawnAttributes {
-public:
-    SpawnAttributes() {
-        posix_spawnattr_init(&attributes_);
-        sigset_t signals;
-        sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&attributes_, &signals);
-        sigfillset(&signals);
-        posix_spawnattr_setsigdefault(&attributes_, &signals);
-        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    }
-    SpawnAttributes(const SpawnAttributes&) = delete;
-    SpawnAttributes& operator=(const SpawnAttributes&) = delete;
-    ~SpawnAttributes() { posix_spawnattr_destroy(&attributes_); }
-
-    [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
-
-private:
-    posix_spawnattr_t attributes_{};
 };
 
 /// Ours, in a character encoding that the stages can read.

@@ -4,6 +4,7 @@
 
 #include "Linux/Recognition/RecognitionError.h"
 #include "Linux/Storage/PosixError.h"
+#include "Linux/Storage/SpawnAttributes.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -29,29 +30,19 @@ public:
         posix_spawn_file_actions_addopen(&files_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
         posix_spawn_file_actions_addopen(&files_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
         posix_spawn_file_actions_addclosefrom_np(&files_, STDERR_FILENO + 1);
-        posix_spawnattr_init(&attributes_);
-        sigset_t signals;
-        sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&attributes_, &signals);
-        sigfillset(&signals);
-        posix_spawnattr_setsigdefault(&attributes_, &signals);
-        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     }
     CleanStart(const CleanStart&) = delete;
     CleanStart& operator=(const CleanStart&) = delete;
-    ~CleanStart() {
-        posix_spawnattr_destroy(&attributes_);
-        posix_spawn_file_actions_destroy(&files_);
-    }
+    ~CleanStart() { posix_spawn_file_actions_destroy(&files_); }
 
     /// 0, or an errno.
     [[nodiscard]] int spawn(pid_t& process, const char* program, char* const* arguments) const {
-        return ::posix_spawn(&process, program, &files_, &attributes_, arguments, environ);
+        return ::posix_spawn(&process, program, &files_, attributes_.get(), arguments, environ);
     }
 
 private:
     posix_spawn_file_actions_t files_{};
-    posix_spawnattr_t attributes_{};
+    SpawnAttributes attributes_;
 };
 
 /// What is wrong, when something is.
