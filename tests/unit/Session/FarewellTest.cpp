@@ -2,12 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Session/Farewell.h"
 
-#include "Session/TranscriptDelivery.h"
 #include "Session/TranscriptInbox.h"
-#include "Speech/TranscriptHistoryStore.h"
-#include "Speech/TranscriptionDictionary.h"
-#include "support/FakeTextTranslator.h"
-#include "unit/Session/SessionFixture.h"
+#include "unit/Session/DeliveryFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,23 +17,8 @@ using testing::SizeIs;
 
 constexpr auto kWaits = "[TovikVoice] Quitting as soon as the last dictation has been delivered";
 
-class FarewellTest : public test::SessionFixture {
+class FarewellTest : public test::DeliveryFixture {
 protected:
-    TranscriptionDictionary dictionary{defaults, log};
-    TranscriptHistoryStore history{defaults, time};
-    test::FakeTextTranslator translator;
-    TranscriptDelivery delivery{{.queue = time,
-                                 .log = log,
-                                 .defaults = defaults,
-                                 .permissionRequests = permissionRequests,
-                                 .dictionary = dictionary,
-                                 .history = history,
-                                 .translator = translator,
-                                 .mainWindow = mainWindow,
-                                 .pasteboard = pasteboard,
-                                 .poster = poster,
-                                 .workspace = workspace,
-                                 .targets = targets}};
     int terminations = 0;
     TranscriptInbox inbox;
     Farewell farewell{{.clock = time,

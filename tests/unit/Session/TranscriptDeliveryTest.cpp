@@ -2,10 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Session/TranscriptDelivery.h"
 
-#include "Speech/TranscriptHistoryStore.h"
-#include "Speech/TranscriptionDictionary.h"
-#include "support/FakeTextTranslator.h"
-#include "unit/Session/SessionFixture.h"
+#include "unit/Session/DeliveryFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,7 +14,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class TranscriptDeliveryTest : public test::SessionFixture {
+class TranscriptDeliveryTest : public test::DeliveryFixture {
 protected:
     TranscriptDeliveryTest() {
         targets.startFollowing();
@@ -41,22 +38,6 @@ protected:
 
     const Date begin = time.now();
     std::vector<Date::duration> postedAt;
-
-    TranscriptionDictionary dictionary{defaults, log};
-    TranscriptHistoryStore history{defaults, time};
-    test::FakeTextTranslator translator;
-    TranscriptDelivery delivery{{.queue = time,
-                                 .log = log,
-                                 .defaults = defaults,
-                                 .permissionRequests = permissionRequests,
-                                 .dictionary = dictionary,
-                                 .history = history,
-                                 .translator = translator,
-                                 .mainWindow = mainWindow,
-                                 .pasteboard = pasteboard,
-                                 .poster = poster,
-                                 .workspace = workspace,
-                                 .targets = targets}};
 };
 
 const test::FakeKeyEventPoster::Posted pasteDown{{EventSourceState::hidSystem, kVKeyCode, true, kCommandFlag},
