@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/PocketSphinx/PocketSphinxDecoder.h"
 
+#include "support/Buzz.h"
 #include "support/Recordings.h"
 #include "support/TemporaryFolder.h"
 
@@ -125,19 +126,8 @@ TEST(PocketSphinxDecoder, whenAHumGoesOnForLong_hearsAWordBesideIt) {
     const auto decoder = loadDecoder();
     ASSERT_NE(decoder, nullptr);
     const auto forward = readRecording(kGoForward);
-    std::mt19937 random(7);
-    std::normal_distribution<double> noise(0, 0.001);
     for (const double frequency : {100.0, 150.0, 200.0}) {
-        std::vector<float> sound(static_cast<std::size_t>(8 * kRecordingRate));
-        for (std::size_t i = 0; i < sound.size(); ++i) {
-            double hum = 0;
-            for (int overtone = 1; overtone <= 15; ++overtone) {
-                const double phase =
-                    2 * M_PI * frequency * overtone * static_cast<double>(i) / kRecordingRate;
-                hum += 0.01 * std::sin(phase) / overtone;
-            }
-            sound[i] = static_cast<float>(hum + noise(random));
-        }
+        auto sound = buzz(frequency, 8);
         std::transform(forward.begin(), forward.begin() + 20000, sound.begin() + 20000, sound.begin() + 20000,
                        std::plus<>());
         EXPECT_THAT(decode(*decoder, sound), HasSubstr("forward")) << frequency;

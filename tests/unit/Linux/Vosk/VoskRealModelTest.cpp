@@ -4,6 +4,7 @@
 // The real library with a real model: only where tools/fetch-vosk --model has brought them.
 #include "Linux/Vosk/VoskService.h"
 #include "Speech/RecognitionRequest.h"
+#include "support/Buzz.h"
 #include "support/RealVosk.h"
 #include "support/RecognitionAnswers.h"
 #include "support/RecordingLog.h"
@@ -94,19 +95,8 @@ TEST_F(VoskRealModel, wordsBeforeAndAfterAPauseAreOneText) {
 TEST_F(VoskRealModel, aWordBesideAHum_isHeard) {
     auto five = readRecording(kRecordings + "cards/004.wav");
     five.resize(12000);
-    std::minstd_rand random(5);
-    std::normal_distribution<double> noise(0, 0.001);
     for (const double frequency : {100.0, 150.0, 200.0}) {
-        std::vector<float> sound(static_cast<std::size_t>(4 * kRecordingRate));
-        for (std::size_t i = 0; i < sound.size(); ++i) {
-            double hum = 0;
-            for (int overtone = 1; overtone <= 15; ++overtone) {
-                const double phase =
-                    2 * M_PI * frequency * overtone * static_cast<double>(i) / kRecordingRate;
-                hum += 0.01 * std::sin(phase) / overtone;
-            }
-            sound[i] = static_cast<float>(hum + noise(random));
-        }
+        auto sound = buzz(frequency, 4);
         std::transform(five.begin(), five.end(), sound.begin() + 20000, sound.begin() + 20000, std::plus<>());
         EXPECT_THAT(hear(sound).waitForText(), HasSubstr("five")) << frequency;
     }
