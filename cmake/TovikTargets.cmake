@@ -6,9 +6,9 @@ add_library(tovik_flags INTERFACE)
 target_include_directories(tovik_flags INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(tovik_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
                                              -Woverloaded-virtual -Wconversion -Wno-sign-conversion)
-# GCC 12 sees overlaps in std::string's own operator+ that are not there (GCC bug 105651).
+# GCC 12 sees overlaps and overflows in std::string's own operators that are not there (GCC bugs 105651, 105329).
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  target_compile_options(tovik_flags INTERFACE -Wno-restrict)
+  target_compile_options(tovik_flags INTERFACE -Wno-restrict -Wno-stringop-overflow -Wno-array-bounds)
 endif()
 if(TOVIK_WARNINGS_AS_ERRORS)
   target_compile_options(tovik_flags INTERFACE -Werror)
@@ -18,26 +18,51 @@ if(TOVIK_SANITIZE)
   add_link_options(-fsanitize=${TOVIK_SANITIZE})
 endif()
 
-# tovik_library(<name> SOURCES ... [LINKS ...])
-# A static library of the program. LINKS are public: they say which layers it stands on.
+# What nearly every source includes and nobody here changes. The tidy preset builds without, so that each file still
+# names what it needs.
+set(TOVIK_COMMON_HEADERS <algorithm> <array> <chrono> <filesystem> <functional> <map> <memory> <mutex> <optional> <set>
+                         <span> <string> <string_view> <thread> <utility> <vector>)
+set(TOVIK_QT_HEADERS <QApplication> <QObject> <QString> <QWidget>)
+
+# tovik_library(<name> [FOLDERS ...] [SOURCES ...] [LINKS ...])
+# A static library of the program: every source below the folders, and the named ones. LINKS are public: they say
+# which layers it stands on.
 function(tovik_library name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "FOLDERS;SOURCES;LINKS" ${ARGN})
+  foreach(folder ${ARG_FOLDERS})
+    file(GLOB_RECURSE found CONFIGURE_DEPENDS ${folder}/*.cpp)
+    list(APPEND ARG_SOURCES ${found})
+  endforeach()
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC tovik_flags ${ARG_LINKS})
+  target_precompile_headers(${name} PRIVATE ${TOVIK_COMMON_HEADERS})
+  if("Qt6::Widgets" IN_LIST ARG_LINKS)
+    target_precompile_headers(${name} PRIVATE ${TOVIK_QT_HEADERS})
+  endif()
 endfunction()
 
-# tovik_test(<name> KIND unit|contract|ui|desktop [STAGED] SOURCES ... [LINKS ...])
-# A GoogleTest program, run by ctest under the label of its kind. One that is STAGED finds an X server, a window
-# manager, a session bus, a sound server and private folders (see tools/stage). Those that want a stage of another
-# shape, or several, start them themselves.
+# tovik_test(<name> KIND unit|contract|ui|desktop [STAGED] [MAIN Core|Offscreen] [FOLDERS ...] [SOURCES ...]
+#            [LINKS ...])
+# A GoogleTest program of every source in the folders and the named ones, run by ctest under the label of its kind.
+# One that is STAGED finds an X server, a window manager, a session bus, a sound server and private folders (see
+# tools/stage). Those that want a stage of another shape, or several, start them themselves. MAIN names the main
+# function of tests/support that it wants instead of GoogleTest's: with a Qt application, or with one for widgets.
 function(tovik_test name)
-  cmake_parse_arguments(ARG "STAGED" "KIND" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "STAGED" "KIND;MAIN" "FOLDERS;SOURCES;LINKS" ${ARGN})
+  foreach(folder ${ARG_FOLDERS})
+    file(GLOB found CONFIGURE_DEPENDS ${folder}/*.cpp)
+    list(APPEND ARG_SOURCES ${found})
+  endforeach()
+  if(ARG_MAIN)
+    list(APPEND ARG_SOURCES ${CMAKE_SOURCE_DIR}/tests/support/${ARG_MAIN}Main.cpp)
+  endif()
   add_executable(${name} ${ARG_SOURCES})
   if(TOVIK_SANITIZE MATCHES thread)
     target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/SanitizedThreads.cpp)
   endif()
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE tovik_flags ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  target_precompile_headers(${name} PRIVATE ${TOVIK_COMMON_HEADERS} <gmock/gmock.h> <gtest/gtest.h>)
   if(ARG_STAGED)
     add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/tools/stage -- $<TARGET_FILE:${name}>)
   else()

@@ -21,11 +21,11 @@
 #include "Session/TranscriptDelivery.h"
 #include "Session/TranscriptHistoryMenu.h"
 #include "Session/TranscriptInbox.h"
-#include "Speech/FinalTextChain.h"
-#include "Speech/TranscriptHistoryBrowser.h"
-#include "Speech/TranscriptHistoryStore.h"
-#include "Speech/TranscriptionDictionary.h"
-#include "Speech/TranslationManager.h"
+#include "Speech/Text/FinalTextChain.h"
+#include "Speech/History/TranscriptHistoryBrowser.h"
+#include "Speech/History/TranscriptHistoryStore.h"
+#include "Speech/Text/TranscriptionDictionary.h"
+#include "Speech/Translation/TranslationManager.h"
 
 #include <optional>
 #include <utility>

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "QtUserInterface.h"
 
-#include "Linux/Qt/QtStatusItem.h"
-#include "UserInterface/MainWindowController.h"
-#include "UserInterface/QtHintPanels.h"
-#include "UserInterface/SymbolImage.h"
+#include "Linux/Desktop/QtStatusItem.h"
+#include "UserInterface/Window/MainWindowController.h"
+#include "UserInterface/Overlay/QtHintPanels.h"
+#include "UserInterface/Controls/SymbolImage.h"
 #include "WaveformOverlay.h"
 
 #include <QGuiApplication>

@@ -8,7 +8,7 @@
 #include "Platform/SystemLog.h"
 #include "Platform/UserInterface.h"
 #include "Platform/Workspace.h"
-#include "UserInterface/Compositing.h"
+#include "UserInterface/Overlay/Compositing.h"
 
 #include <memory>
 

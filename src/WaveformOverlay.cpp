@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "WaveformOverlay.h"
 
-#include "Speech/ElapsedTime.h"
-#include "UserInterface/FloatingPanel.h"
-#include "UserInterface/OverlayPlacement.h"
-#include "UserInterface/TabularDigitsLabel.h"
-#include "UserInterface/WaveformView.h"
+#include "Speech/Text/ElapsedTime.h"
+#include "UserInterface/Overlay/FloatingPanel.h"
+#include "UserInterface/Overlay/OverlayPlacement.h"
+#include "UserInterface/Overlay/TabularDigitsLabel.h"
+#include "UserInterface/Overlay/WaveformView.h"
 
 #include <algorithm>
 

@@ -6,8 +6,8 @@
 #include "Platform/RecordingOverlay.h"
 #include "Platform/Screens.h"
 #include "Platform/Workspace.h"
-#include "UserInterface/Compositing.h"
-#include "UserInterface/FrameAnimation.h"
+#include "UserInterface/Overlay/Compositing.h"
+#include "UserInterface/Controls/FrameAnimation.h"
 
 #include <memory>
 #include <optional>

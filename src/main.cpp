@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "AppDelegate.h"
 #include "Linux/LinuxPlatform.h"
-#include "Linux/Qt/DisplayLoss.h"
-#include "Linux/Qt/SingleInstance.h"
-#include "Linux/Qt/TerminationSignals.h"
+#include "Linux/Desktop/DisplayLoss.h"
+#include "Linux/Desktop/SingleInstance.h"
+#include "Linux/Desktop/TerminationSignals.h"
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11Session.h"
 #include "QtUserInterface.h"

@@ -6,8 +6,8 @@
 #include "Audio/LevelMeter.h"
 #include "Audio/RequestFeed.h"
 #include "Audio/Vocabulary.h"
-#include "Speech/CustomVocabulary.h"
-#include "Speech/RecognitionRequest.h"
+#include "Audio/CustomVocabulary.h"
+#include "Audio/RecognitionRequest.h"
 
 #include <algorithm>
 #include <utility>

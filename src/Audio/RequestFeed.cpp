@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Audio/RequestFeed.h"
 
-#include "Speech/RecognitionRequest.h"
+#include "Audio/RecognitionRequest.h"
 
 #include <array>
 #include <cmath>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/LinuxPlatform.h"
 
-#include "Linux/Authorization/ProgramPaths.h"
+#include "Linux/Desktop/ProgramPaths.h"
 
 #include <QApplication>
 #include <QWidget>

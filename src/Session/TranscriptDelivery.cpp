@@ -3,9 +3,9 @@
 #include "Session/TranscriptDelivery.h"
 
 #include "Permissions/PermissionRequests.h"
-#include "Speech/TranscriptHistoryStore.h"
-#include "Speech/TranscriptionDictionary.h"
-#include "Speech/UserCharacters.h"
+#include "Speech/History/TranscriptHistoryStore.h"
+#include "Speech/Text/TranscriptionDictionary.h"
+#include "Speech/Text/UserCharacters.h"
 
 namespace tovik {
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Session/TranscriptHistoryMenu.h"
 
-#include "Speech/TranscriptHistoryStore.h"
-#include "Speech/TranscriptTitle.h"
+#include "Speech/History/TranscriptHistoryStore.h"
+#include "Speech/History/TranscriptTitle.h"
 
 #include <algorithm>
 

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 //
 // What the corrections editor costs with many corrections, painting included.
-#include "UserInterface/Accordion.h"
-#include "UserInterface/CorrectionsListView.h"
-#include "UserInterface/CorrectionsSection.h"
-#include "UserInterface/MainWindowView.h"
+#include "UserInterface/Window/Accordion.h"
+#include "UserInterface/Corrections/CorrectionsListView.h"
+#include "UserInterface/Corrections/CorrectionsSection.h"
+#include "UserInterface/Window/MainWindowView.h"
 #include "ui/WindowStage.h"
 
 #include <QApplication>

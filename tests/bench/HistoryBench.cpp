@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 //
 // What a key press in the search field of the transcript history costs: 100 transcripts of 2,000 characters.
-#include "Speech/TranscriptHistoryFilter.h"
-#include "UserInterface/MainWindowSections.h"
-#include "UserInterface/SearchField.h"
-#include "UserInterface/TranscriptHistorySection.h"
+#include "Speech/History/TranscriptHistoryFilter.h"
+#include "UserInterface/Window/MainWindowSections.h"
+#include "UserInterface/History/SearchField.h"
+#include "UserInterface/History/TranscriptHistorySection.h"
 #include "ui/StatusMenuStage.h"
 
 #include <QApplication>

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/FinalTextChain.h"
-#include "Speech/PhraseReplacer.h"
-#include "Speech/TextPattern.h"
-#include "Speech/TranscriptionDictionary.h"
-#include "Speech/UserCharacters.h"
-#include "Speech/Utf16.h"
+#include "Speech/Text/FinalTextChain.h"
+#include "Speech/Text/PhraseReplacer.h"
+#include "Speech/Text/TextPattern.h"
+#include "Speech/Text/TranscriptionDictionary.h"
+#include "Speech/Text/UserCharacters.h"
+#include "Speech/Text/Utf16.h"
 #include "support/MemoryUserDefaults.h"
 #include "support/PlainTextRules.h"
 #include "support/RecordingLog.h"

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // How long the translator on this machine takes, as the program uses it: through its event loop.
-#include "Linux/Apertium/ApertiumService.h"
-#include "Linux/Qt/QtMainQueue.h"
+#include "Engines/Apertium/ApertiumService.h"
+#include "Linux/Desktop/QtMainQueue.h"
 
 #include <QCoreApplication>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/Authorization/LinuxAuthorization.h"
+#include "Linux/Desktop/LinuxAuthorization.h"
 #include "support/FakeAlert.h"
 #include "support/FakeAuthorization.h"
 #include "support/ManualTime.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What every key event poster of the program does: that of the X server, and the one of the tests.
-#include "Linux/Qt/QtMainQueue.h"
+#include "Linux/Desktop/QtMainQueue.h"
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11KeyEventPoster.h"
 #include "Platform/KeyMonitor.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/Qt/QtPasteboard.h"
+#include "Linux/Desktop/QtPasteboard.h"
 #include "support/EventLoop.h"
 #include "support/FakePasteboard.h"
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/Qt/QtMainQueue.h"
-#include "Linux/Secrets/LibsecretStore.h"
+#include "Linux/Desktop/QtMainQueue.h"
+#include "Linux/DBus/LibsecretStore.h"
 #include "support/EventLoop.h"
 #include "support/FakeSecretStore.h"
 #include "support/KeyRing.h"

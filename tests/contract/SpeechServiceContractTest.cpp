@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "SpeechServiceContract.h"
 
-#include "Linux/PocketSphinx/PocketSphinxService.h"
-#include "Linux/SpeechServer/SpeechServerService.h"
-#include "Linux/Vosk/VoskService.h"
-#include "Speech/RecognitionRequest.h"
+#include "Engines/PocketSphinx/PocketSphinxService.h"
+#include "Engines/Server/SpeechServerService.h"
+#include "Engines/Vosk/VoskService.h"
+#include "Audio/RecognitionRequest.h"
 #include "support/FakeSpeechService.h"
 #include "support/HttpServer.h"
 #include "support/ManualTime.h"

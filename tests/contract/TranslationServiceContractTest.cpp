@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/Apertium/ApertiumService.h"
-#include "Linux/LibreTranslate/LibreTranslateService.h"
-#include "Linux/Qt/QtMainQueue.h"
+#include "Engines/Apertium/ApertiumService.h"
+#include "Engines/LibreTranslate/LibreTranslateService.h"
+#include "Linux/Desktop/QtMainQueue.h"
 #include "support/EventLoop.h"
 #include "support/FakeSecretStore.h"
 #include "support/FakeTranslationService.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/Qt/QtUserDefaultsChanges.h"
+#include "Linux/Desktop/QtUserDefaultsChanges.h"
 #include "Linux/Storage/JsonUserDefaults.h"
 #include "support/EventLoop.h"
 #include "support/FakeUserDefaultsChanges.h"

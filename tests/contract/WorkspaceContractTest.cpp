@@ -3,7 +3,7 @@
 //
 // What every workspace of the program does: that of the X server, under a window manager, and the one of the
 // tests.
-#include "Linux/Qt/QtMainQueue.h"
+#include "Linux/Desktop/QtMainQueue.h"
 #include "Linux/X11/X11Workspace.h"
 #include "support/EventLoop.h"
 #include "support/FakeWorkspace.h"

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Platform/SpeechService.h"
-#include "Speech/RecognitionRequest.h"
+#include "Audio/RecognitionRequest.h"
 
 #include <cstddef>
 #include <map>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/HttpServer.h"
 
-#include "Linux/Storage/UnixFd.h"
+#include "Platform/UnixFd.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

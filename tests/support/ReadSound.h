@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Speech/RecognitionRequest.h"
+#include "Audio/RecognitionRequest.h"
 
 #include <chrono>
 #include <cstddef>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "support/TranslationServer.h"
 
-#include "Linux/Apertium/ApertiumService.h"
-#include "Linux/Apertium/StreamText.h"
+#include "Engines/Apertium/ApertiumService.h"
+#include "Engines/Apertium/StreamText.h"
 #include "support/TemporaryFolder.h"
 
 #include <nlohmann/json.hpp>

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/Accordion.h"
+#include "UserInterface/Window/Accordion.h"
 
-#include "UserInterface/AccordionCard.h"
-#include "UserInterface/BorderlessButton.h"
-#include "UserInterface/SymbolView.h"
+#include "UserInterface/Window/AccordionCard.h"
+#include "UserInterface/Controls/BorderlessButton.h"
+#include "UserInterface/Controls/SymbolView.h"
 #include "support/ManualTime.h"
 
 #include <QImage>

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/CleanupSection.h"
+#include "UserInterface/Settings/CleanupSection.h"
 
-#include "UserInterface/FieldShell.h"
+#include "UserInterface/Controls/FieldShell.h"
 #include "support/EventLoop.h"
 #include "support/MemoryUserDefaults.h"
 #include "support/RecordingLog.h"

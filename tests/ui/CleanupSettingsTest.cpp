@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/CleanupSettings.h"
+#include "UserInterface/Settings/CleanupSettings.h"
 
 #include "support/MemoryUserDefaults.h"
 #include "support/RecordingLog.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/CorrectionGroups.h"
+#include "UserInterface/Corrections/CorrectionGroups.h"
 
 #include <gmock/gmock.h>
 

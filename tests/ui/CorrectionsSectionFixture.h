@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "UserInterface/BorderlessButton.h"
-#include "UserInterface/CorrectionGroupView.h"
-#include "UserInterface/CorrectionsListView.h"
-#include "UserInterface/CorrectionsSection.h"
-#include "UserInterface/FieldShell.h"
+#include "UserInterface/Controls/BorderlessButton.h"
+#include "UserInterface/Corrections/CorrectionGroupView.h"
+#include "UserInterface/Corrections/CorrectionsListView.h"
+#include "UserInterface/Corrections/CorrectionsSection.h"
+#include "UserInterface/Controls/FieldShell.h"
 #include "support/EventLoop.h"
 #include "support/MemoryUserDefaults.h"
 #include "support/RecordingLog.h"

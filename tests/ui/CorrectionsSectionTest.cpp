@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/CorrectionsSection.h"
+#include "UserInterface/Corrections/CorrectionsSection.h"
 
 #include "CorrectionsSectionFixture.h"
-#include "UserInterface/CorrectionsListView.h"
-#include "UserInterface/FieldShell.h"
+#include "UserInterface/Corrections/CorrectionsListView.h"
+#include "UserInterface/Controls/FieldShell.h"
 #include "support/EventLoop.h"
 
 #include <QApplication>

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/FadeEffect.h"
+#include "UserInterface/Controls/FadeEffect.h"
 
 #include "support/EventLoop.h"
 

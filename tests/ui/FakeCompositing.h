@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "UserInterface/Compositing.h"
+#include "UserInterface/Overlay/Compositing.h"
 
 namespace tovik::test {
 

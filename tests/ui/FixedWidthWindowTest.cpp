@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/FixedWidthWindow.h"
+#include "UserInterface/Window/FixedWidthWindow.h"
 
 #include "support/ManualTime.h"
 

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/HoverFillButton.h"
-#include "UserInterface/HoverLinkButton.h"
-#include "UserInterface/HoverRevealView.h"
-#include "UserInterface/Theme.h"
+#include "UserInterface/Controls/HoverFillButton.h"
+#include "UserInterface/Controls/HoverLinkButton.h"
+#include "UserInterface/History/HoverRevealView.h"
+#include "UserInterface/Controls/Theme.h"
 
 #include <QCoreApplication>
 #include <QEnterEvent>

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/ListRows.h"
+#include "UserInterface/History/ListRows.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/MainWindowGeometry.h"
+#include "UserInterface/Window/MainWindowGeometry.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/MainWindowSections.h"
+#include "UserInterface/Window/MainWindowSections.h"
 
 #include <gmock/gmock.h>
 

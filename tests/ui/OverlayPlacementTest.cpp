@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/OverlayPlacement.h"
+#include "UserInterface/Overlay/OverlayPlacement.h"
 
 #include "support/FakeScreens.h"
 

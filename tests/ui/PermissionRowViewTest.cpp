@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/PermissionRowView.h"
+#include "UserInterface/Permissions/PermissionRowView.h"
 
-#include "UserInterface/HoverLinkButton.h"
-#include "UserInterface/PermissionsSection.h"
-#include "UserInterface/SymbolView.h"
+#include "UserInterface/Controls/HoverLinkButton.h"
+#include "UserInterface/Permissions/PermissionsSection.h"
+#include "UserInterface/Controls/SymbolView.h"
 #include "WindowStage.h"
 
 #include <QImage>

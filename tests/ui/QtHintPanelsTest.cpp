@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/QtHintPanels.h"
+#include "UserInterface/Overlay/QtHintPanels.h"
 
 #include "FakeCompositing.h"
-#include "UserInterface/FloatingPanel.h"
+#include "UserInterface/Overlay/FloatingPanel.h"
 #include "support/ManualTime.h"
 
 #include <QApplication>

@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/Accordion.h"
-#include "UserInterface/AccordionCard.h"
-#include "UserInterface/BorderlessButton.h"
-#include "UserInterface/FixedWidthWindow.h"
-#include "UserInterface/HoverLinkButton.h"
-#include "UserInterface/MainWindowView.h"
-#include "UserInterface/PermissionRowView.h"
-#include "UserInterface/Theme.h"
-#include "UserInterface/ToastView.h"
+#include "UserInterface/Window/Accordion.h"
+#include "UserInterface/Window/AccordionCard.h"
+#include "UserInterface/Controls/BorderlessButton.h"
+#include "UserInterface/Window/FixedWidthWindow.h"
+#include "UserInterface/Controls/HoverLinkButton.h"
+#include "UserInterface/Window/MainWindowView.h"
+#include "UserInterface/Permissions/PermissionRowView.h"
+#include "UserInterface/Controls/Theme.h"
+#include "UserInterface/Window/ToastView.h"
 #include "WindowStage.h"
 
 #include <QApplication>

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/Rgba.h"
+#include "UserInterface/Controls/Rgba.h"
 
 #include <gtest/gtest.h>
 

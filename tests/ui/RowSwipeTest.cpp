@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/RowSwipe.h"
+#include "UserInterface/History/RowSwipe.h"
 
 #include "support/ManualTime.h"
 

@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/Qt/QtMenu.h"
+#include "Linux/Desktop/QtMenu.h"
 #include "Session/InputDeviceMenu.h"
 #include "Session/LanguageMenu.h"
 #include "Session/StatusMenu.h"
 #include "Session/TargetTracker.h"
 #include "Session/TranscriptHistoryMenu.h"
-#include "Speech/TranscriptionDictionary.h"
+#include "Speech/Text/TranscriptionDictionary.h"
 #include "support/FakeKeyEventPoster.h"
 #include "support/FakeTextTranslator.h"
 #include "ui/WindowStage.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/SymbolImage.h"
+#include "UserInterface/Controls/SymbolImage.h"
 
 #include <QImage>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/TinyWaveform.h"
+#include "UserInterface/Window/TinyWaveform.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/ToastView.h"
+#include "UserInterface/Window/ToastView.h"
 
-#include "UserInterface/SymbolView.h"
+#include "UserInterface/Controls/SymbolView.h"
 #include "support/ManualTime.h"
 
 #include <QImage>

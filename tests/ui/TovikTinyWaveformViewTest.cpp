@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/TovikTinyWaveformView.h"
+#include "UserInterface/Window/TovikTinyWaveformView.h"
 
 #include "support/ManualTime.h"
 

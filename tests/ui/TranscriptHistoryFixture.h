@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "UserInterface/MainWindowSections.h"
-#include "UserInterface/MainWindowView.h"
-#include "UserInterface/SearchField.h"
-#include "UserInterface/ToastView.h"
-#include "UserInterface/TranscriptHistorySection.h"
-#include "UserInterface/TranscriptHistoryTable.h"
+#include "UserInterface/Window/MainWindowSections.h"
+#include "UserInterface/Window/MainWindowView.h"
+#include "UserInterface/History/SearchField.h"
+#include "UserInterface/Window/ToastView.h"
+#include "UserInterface/History/TranscriptHistorySection.h"
+#include "UserInterface/History/TranscriptHistoryTable.h"
 #include "WindowStage.h"
 
 #include <QApplication>

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/TranscriptHistorySection.h"
+#include "UserInterface/History/TranscriptHistorySection.h"
 
 #include "TranscriptHistoryFixture.h"
-#include "UserInterface/HighlightView.h"
-#include "UserInterface/HoverFillButton.h"
+#include "UserInterface/History/HighlightView.h"
+#include "UserInterface/Controls/HoverFillButton.h"
 
 #include <QLocale>
 

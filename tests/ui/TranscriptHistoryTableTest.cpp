@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/TranscriptHistoryTable.h"
+#include "UserInterface/History/TranscriptHistoryTable.h"
 
 #include "TranscriptHistoryFixture.h"
-#include "UserInterface/ClampedLabel.h"
-#include "UserInterface/HighlightView.h"
-#include "UserInterface/HoverFillButton.h"
-#include "UserInterface/RowSwipe.h"
-#include "UserInterface/SwipeActionButton.h"
+#include "UserInterface/Controls/ClampedLabel.h"
+#include "UserInterface/History/HighlightView.h"
+#include "UserInterface/Controls/HoverFillButton.h"
+#include "UserInterface/History/RowSwipe.h"
+#include "UserInterface/History/SwipeActionButton.h"
 
 #include <QAccessible>
 

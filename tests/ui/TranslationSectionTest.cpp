@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/TranslationSection.h"
+#include "UserInterface/Settings/TranslationSection.h"
 
-#include "UserInterface/LanguagePopUp.h"
+#include "UserInterface/Settings/LanguagePopUp.h"
 #include "support/EventLoop.h"
 #include "support/FakeTextTranslator.h"
 #include "support/MemoryUserDefaults.h"

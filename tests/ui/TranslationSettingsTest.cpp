@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/TranslationSettings.h"
+#include "UserInterface/Settings/TranslationSettings.h"
 
 #include "support/FakeTextTranslator.h"
 #include "support/MemoryUserDefaults.h"

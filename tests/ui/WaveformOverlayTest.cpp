@@ -3,9 +3,9 @@
 #include "WaveformOverlay.h"
 
 #include "FakeCompositing.h"
-#include "UserInterface/FloatingPanel.h"
-#include "UserInterface/TabularDigitsLabel.h"
-#include "UserInterface/WaveformView.h"
+#include "UserInterface/Overlay/FloatingPanel.h"
+#include "UserInterface/Overlay/TabularDigitsLabel.h"
+#include "UserInterface/Overlay/WaveformView.h"
 #include "support/EventLoop.h"
 #include "support/FakeScreens.h"
 #include "support/FakeWorkspace.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/WaveformView.h"
+#include "UserInterface/Overlay/WaveformView.h"
 
 #include "support/EventLoop.h"
 #include "support/ProcessorTime.h"

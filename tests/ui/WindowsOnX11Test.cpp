@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Linux/X11/X11Workspace.h"
-#include "UserInterface/Compositing.h"
-#include "UserInterface/FloatingPanel.h"
-#include "UserInterface/MainWindowController.h"
-#include "UserInterface/QtHintPanels.h"
+#include "UserInterface/Overlay/Compositing.h"
+#include "UserInterface/Overlay/FloatingPanel.h"
+#include "UserInterface/Window/MainWindowController.h"
+#include "UserInterface/Overlay/QtHintPanels.h"
 #include "WaveformOverlay.h"
 #include "WindowStage.h"
 #include "support/EventLoop.h"

@@ -4,11 +4,11 @@
 
 #include "Audio/LevelMeter.h"
 #include "Audio/WaveformBar.h"
-#include "Speech/CustomVocabulary.h"
-#include "Speech/ElapsedTime.h"
-#include "Speech/TranscriptTitle.h"
-#include "Speech/TranscriptionDictionary.h"
-#include "Speech/Utf16.h"
+#include "Audio/CustomVocabulary.h"
+#include "Speech/Text/ElapsedTime.h"
+#include "Speech/History/TranscriptTitle.h"
+#include "Speech/Text/TranscriptionDictionary.h"
+#include "Speech/Text/Utf16.h"
 
 #include <algorithm>
 #include <array>

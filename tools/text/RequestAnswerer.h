@@ -4,7 +4,7 @@
 
 #include "Platform/SystemLog.h"
 #include "RequestSettings.h"
-#include "Speech/FinalTextChain.h"
+#include "Speech/Text/FinalTextChain.h"
 
 #include <string>
 #include <string_view>

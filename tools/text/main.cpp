@@ -4,8 +4,8 @@
 #include "Linux/Storage/JsonUserDefaults.h"
 #include "Linux/Storage/XdgFolders.h"
 #include "RequestAnswerer.h"
-#include "Speech/FinalTextChain.h"
-#include "Speech/TranscriptionDictionary.h"
+#include "Speech/Text/FinalTextChain.h"
+#include "Speech/Text/TranscriptionDictionary.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -5,11 +5,11 @@
 #include "Audio/MacAudioManager.h"
 #include "FileAudioEngine.h"
 #include "FileDesk.h"
-#include "Linux/SpeechEngines.h"
+#include "Engines/SpeechEngines.h"
 #include "Linux/Storage/XdgFolders.h"
 #include "OwnSettings.h"
-#include "Speech/FinalTextChain.h"
-#include "Speech/TranscriptionDictionary.h"
+#include "Speech/Text/FinalTextChain.h"
+#include "Speech/Text/TranscriptionDictionary.h"
 #include "WatchedSpeechService.h"
 
 #include <optional>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "WatchedSpeechService.h"
 
-#include "Speech/RecognitionRequest.h"
+#include "Audio/RecognitionRequest.h"
 
 #include <utility>
 

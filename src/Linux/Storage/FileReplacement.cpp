@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Storage/FileReplacement.h"
 
-#include "Linux/Storage/PosixError.h"
-#include "Linux/Storage/UnixFd.h"
+#include "Platform/PosixError.h"
+#include "Platform/UnixFd.h"
 
 #include <fcntl.h>
 #include <limits.h>

@@ -3,7 +3,7 @@
 #include "Linux/Storage/FileWatch.h"
 
 #include "Linux/Storage/FileReplacement.h"
-#include "Linux/Storage/PosixError.h"
+#include "Platform/PosixError.h"
 
 #include <sys/inotify.h>
 #include <unistd.h>

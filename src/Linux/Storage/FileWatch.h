@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/Storage/UnixFd.h"
+#include "Platform/UnixFd.h"
 #include "Platform/Result.h"
 
 #include <string>

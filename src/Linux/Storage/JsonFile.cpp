@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Storage/JsonFile.h"
 
-#include "Linux/Storage/PosixError.h"
+#include "Platform/PosixError.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

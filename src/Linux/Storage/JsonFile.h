@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Linux/Storage/JsonDocument.h"
-#include "Linux/Storage/UnixFd.h"
+#include "Platform/UnixFd.h"
 #include "Platform/Result.h"
 
 #include <sys/types.h>

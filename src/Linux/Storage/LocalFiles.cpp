@@ -3,8 +3,8 @@
 #include "Linux/Storage/LocalFiles.h"
 
 #include "Linux/Storage/FileReplacement.h"
-#include "Linux/Storage/PosixError.h"
-#include "Linux/Storage/UnixFd.h"
+#include "Platform/PosixError.h"
+#include "Platform/UnixFd.h"
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/X11/X11Workspace.h"
 
-#include "Linux/X11/DesktopOpener.h"
+#include "Linux/Desktop/DesktopOpener.h"
 #include "Linux/X11/ProcessState.h"
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11EventWatch.h"

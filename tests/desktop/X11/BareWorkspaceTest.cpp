@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The workspace where no window manager is at work.
-#include "Linux/Qt/QtMainQueue.h"
+#include "Linux/Desktop/QtMainQueue.h"
 #include "Linux/X11/X11Workspace.h"
 #include "support/EventLoop.h"
 #include "support/WindowProgram.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The key monitor on a real X server: what a keyboard does beyond going down and up.
-#include "Linux/Qt/QtMainQueue.h"
+#include "Linux/Desktop/QtMainQueue.h"
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11KeyEventPoster.h"
 #include "Linux/X11/X11KeyMonitor.h"

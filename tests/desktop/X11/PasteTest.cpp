@@ -3,8 +3,8 @@
 //
 // Pasting for real: into a GTK editor, a Qt editor, two kinds of terminal and a browser, under several
 // keyboard layouts, by way of the clipboard and the paste keys alone.
-#include "Linux/Qt/QtMainQueue.h"
-#include "Linux/Qt/QtPasteboard.h"
+#include "Linux/Desktop/QtMainQueue.h"
+#include "Linux/Desktop/QtPasteboard.h"
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11KeyEventPoster.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The workspace under a window manager: windows that are hidden away, gone, or tell little of themselves.
-#include "Linux/Qt/QtMainQueue.h"
+#include "Linux/Desktop/QtMainQueue.h"
 #include "Linux/X11/X11Workspace.h"
 #include "support/EventLoop.h"
 #include "support/WindowProgram.h"

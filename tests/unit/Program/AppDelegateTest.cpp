@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppDelegate.h"
 
-#include "Speech/TranscriptHistoryBrowser.h"
+#include "Speech/History/TranscriptHistoryBrowser.h"
 #include "support/FakeAlert.h"
 #include "support/FakeAudioEngine.h"
 #include "support/FakeAudioHardware.h"

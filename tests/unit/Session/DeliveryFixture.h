@@ -3,8 +3,8 @@
 #pragma once
 
 #include "Session/TranscriptDelivery.h"
-#include "Speech/TranscriptHistoryStore.h"
-#include "Speech/TranscriptionDictionary.h"
+#include "Speech/History/TranscriptHistoryStore.h"
+#include "Speech/Text/TranscriptionDictionary.h"
 #include "support/FakeTextTranslator.h"
 #include "unit/Session/SessionFixture.h"
 

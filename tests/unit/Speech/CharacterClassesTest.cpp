@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/CharacterClasses.h"
+#include "Speech/Text/CharacterClasses.h"
 
 #include "Rows.h"
-#include "Speech/Utf16.h"
+#include "Speech/Text/Utf16.h"
 
 #include <gmock/gmock.h>
 #include <unicode/regex.h>

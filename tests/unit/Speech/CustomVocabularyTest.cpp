@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/CustomVocabulary.h"
+#include "Audio/CustomVocabulary.h"
 
 #include "support/MemoryUserDefaults.h"
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/ElapsedTime.h"
+#include "Speech/Text/ElapsedTime.h"
 
 #include "Rows.h"
 

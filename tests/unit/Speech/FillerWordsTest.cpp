@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/FillerWords.h"
+#include "Speech/Text/FillerWords.h"
 
 #include "Rows.h"
 #include "support/MemoryUserDefaults.h"

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/FinalTextChain.h"
-#include "Speech/PunctuationSpacing.h"
-#include "Speech/TranscriptionDictionary.h"
-#include "Speech/Utf16.h"
+#include "Speech/Text/FinalTextChain.h"
+#include "Speech/Text/PunctuationSpacing.h"
+#include "Speech/Text/TranscriptionDictionary.h"
+#include "Speech/Text/Utf16.h"
 #include "support/MemoryUserDefaults.h"
 #include "support/PlainTextRules.h"
 #include "support/RecordingLog.h"

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/ReplacementTemplate.h"
+#include "Speech/Text/ReplacementTemplate.h"
 
 #include "Rows.h"
-#include "Speech/Utf16.h"
+#include "Speech/Text/Utf16.h"
 
 namespace tovik::test {
 

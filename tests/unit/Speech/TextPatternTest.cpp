@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/TextPattern.h"
+#include "Speech/Text/TextPattern.h"
 
-#include "Speech/TextFault.h"
+#include "Speech/Text/TextFault.h"
 #include "support/RecordingLog.h"
 
 #include <gmock/gmock.h>

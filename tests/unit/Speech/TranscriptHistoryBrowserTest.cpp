@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/TranscriptHistoryBrowser.h"
+#include "Speech/History/TranscriptHistoryBrowser.h"
 
 #include "support/FakeMainWindow.h"
 #include "support/FakePasteboard.h"

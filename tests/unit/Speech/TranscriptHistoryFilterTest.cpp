@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/TranscriptHistoryFilter.h"
+#include "Speech/History/TranscriptHistoryFilter.h"
 
 #include "Rows.h"
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/TranscriptHistoryStore.h"
+#include "Speech/History/TranscriptHistoryStore.h"
 
 #include "Rows.h"
 #include "support/ManualTime.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/TranscriptionDictionary.h"
+#include "Speech/Text/TranscriptionDictionary.h"
 
 #include "Rows.h"
 #include "support/MemoryUserDefaults.h"

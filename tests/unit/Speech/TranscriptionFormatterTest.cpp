@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/TranscriptionFormatter.h"
+#include "Speech/Text/TranscriptionFormatter.h"
 
 #include "Rows.h"
-#include "Speech/Utf16.h"
+#include "Speech/Text/Utf16.h"
 #include "support/MemoryUserDefaults.h"
 #include "support/RecordingLog.h"
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/TranslationLanguage.h"
+#include "Speech/Translation/TranslationLanguage.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/TranslationManager.h"
+#include "Speech/Translation/TranslationManager.h"
 
 #include "support/FakeTranslationService.h"
 #include "support/ManualTime.h"

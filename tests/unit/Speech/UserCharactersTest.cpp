@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/UserCharacters.h"
+#include "Speech/Text/UserCharacters.h"
 
 #include "Rows.h"
-#include "Speech/TranscriptTitle.h"
+#include "Speech/History/TranscriptTitle.h"
 
 namespace tovik::test {
 

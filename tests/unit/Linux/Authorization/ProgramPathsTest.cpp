@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/Authorization/ProgramPaths.h"
+#include "Linux/Desktop/ProgramPaths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

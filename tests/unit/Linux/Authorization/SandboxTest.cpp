@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/Authorization/Sandbox.h"
+#include "Linux/Desktop/Sandbox.h"
 
 #include <gtest/gtest.h>
 

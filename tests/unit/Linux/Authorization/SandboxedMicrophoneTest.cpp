@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/Authorization/SandboxedMicrophone.h"
+#include "Linux/Desktop/SandboxedMicrophone.h"
 
 #include "support/RecordingLog.h"
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/Authorization/SettingsPanes.h"
+#include "Linux/Desktop/SettingsPanes.h"
 
-#include "Linux/Authorization/SettingsWorkspace.h"
+#include "Linux/Desktop/SettingsWorkspace.h"
 #include "support/FakeAlert.h"
 #include "support/FakeProcessLauncher.h"
 #include "support/FakeWorkspace.h"

@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Engines/Apertium/ModeFile.h"
+#include "Platform/Lifetime.h"
+#include "Platform/MainQueue.h"
+#include "Platform/Result.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tovik {
+
+/// One pair's pipeline: started with its first text, kept running for the next ones, started again when it
+/// has died, and ended when nobody needed it for five minutes. Main thread; the texts go through on a thread
+/// of its own, one after the other.
+class WarmPipeline {
+public:
+    using Completion = std::function<void(const Result<std::string>&)>;
+
+    WarmPipeline(std::vector<Stage> stages, MainQueue& queue);
+    /// What is under way is given up, without a completion.
+    ~WarmPipeline();
+    WarmPipeline(const WarmPipeline&) = delete;
+    WarmPipeline& operator=(const WarmPipeline&) = delete;
+
+    /// Completes once, later. Fails when the programs cannot be started, die over the text, or take longer
+    /// than ten seconds and one more for each 10 kB.
+    void translate(const std::string& text, Completion completion);
+
+private:
+    class Worker;
+    struct Task {
+        Completion completion;
+        Subscription timeLimit;
+    };
+
+    void finish(std::uint64_t id, const Result<std::string>& outcome);
+
+    MainQueue& queue_;
+    std::uint64_t nextId_ = 1;
+    std::map<std::uint64_t, Task> tasks_;
+    Subscription idleLimit_;
+    std::unique_ptr<Worker> worker_;
+    Lifetime lifetime_;
+};
+
+} // namespace tovik

@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Engines/PocketSphinx/ModelFiles.h"
+#include "Engines/Host/ModelEngine.h"
+#include "Platform/SpeechService.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tovik {
+
+/// Recognises United States English with PocketSphinx, the embedded engine.
+class PocketSphinxService : public SpeechService {
+public:
+    explicit PocketSphinxService(SystemLog& log, const ModelFiles& files = ModelFiles::unitedStatesEnglish());
+    ~PocketSphinxService() override { engine_->end(); }
+    PocketSphinxService(const PocketSphinxService&) = delete;
+    PocketSphinxService& operator=(const PocketSphinxService&) = delete;
+
+    /// Recognisers serve "en-US" and what means the same: "en", "en_US.UTF-8".
+    [[nodiscard]] std::shared_ptr<SpeechRecognizer>
+    makeRecognizer(const std::string& localeIdentifier) override;
+    [[nodiscard]] std::string currentLocaleIdentifier() const override;
+    void prepare(const std::vector<std::string>& contextualStrings) override;
+
+    /// As ModelEngine.
+    [[nodiscard]] std::optional<std::string> whyUnavailable() { return engine_->whyUnavailable(); }
+    [[nodiscard]] bool waitUntilReady(Seconds atMost) { return engine_->waitUntilReady(atMost); }
+
+private:
+    const std::shared_ptr<ModelEngine> engine_;
+};
+
+} // namespace tovik

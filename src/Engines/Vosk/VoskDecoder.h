@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Engines/Host/UtteranceDecoder.h"
+#include "Engines/Host/VoiceEvidence.h"
+#include "Engines/Vosk/VoskLibrary.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tovik {
+
+/// Decodes with the Vosk library.
+///
+/// A phrase list would restrict what it hears to the phrases. So the words to favour are looked for among the
+/// likeliest readings instead, and the likeliest that has some of them may win over one that has fewer.
+///
+/// Silence and noise it makes no words of, but of a hum it makes one or two now and then.
+class VoskDecoder : public UtteranceDecoder {
+public:
+    /// Loads the model, which takes from half a second to a minute.
+    [[nodiscard]] static Result<std::unique_ptr<UtteranceDecoder>>
+    load(std::shared_ptr<const VoskLibrary> library, const std::string& modelFolder);
+    ~VoskDecoder() override;
+
+    Result<void> prepare(const std::vector<std::string>& contextualStrings) override;
+    Result<void> begin(const std::vector<std::string>& contextualStrings) override;
+    Result<void> accept(std::span<const std::int16_t> samples) override;
+    [[nodiscard]] std::string hypothesis() override;
+    [[nodiscard]] Result<std::string> finish() override;
+
+private:
+    VoskDecoder(std::shared_ptr<const VoskLibrary> library, VoskModel* model);
+
+    void freeRecognizer();
+    void append(const char* answer);
+    [[nodiscard]] bool isHum(const std::string& text) const;
+
+    const std::shared_ptr<const VoskLibrary> library_;
+    VoskModel* const model_;
+    VoskRecognizer* recognizer_ = nullptr;
+    /// In lower case, as the library writes.
+    std::vector<std::string> favoured_;
+    std::string text_;
+    VoiceEvidence voice_;
+};
+
+} // namespace tovik

@@ -1,0 +1,95 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "Speech/Text/FillerWords.h"
+
+#include "Speech/Text/CharacterClasses.h"
+#include "Speech/Text/PunctuationSpacing.h"
+#include "Speech/Text/Utf16.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace tovik {
+
+namespace {
+
+/// Default lists of earlier days; whoever has one of them never chose it.
+constexpr std::array<std::string_view, 2> kStaleLists{
+    "you know, I mean, kind of, sort of, um, uh, erm, hmm",
+    "you know, i mean, kind of, sort of, um, uh, erm, hmm",
+};
+
+bool countsAsUnset(std::string_view list) {
+    return list.empty() || std::find(kStaleLists.begin(), kStaleLists.end(), list) != kStaleLists.end();
+}
+
+std::vector<PhraseReplacer::Rule> removalsOf(std::string_view list) {
+    std::vector<PhraseReplacer::Rule> removals;
+    const auto utf16 = toUtf16(list);
+    for (const auto piece : pieces(utf16, u',')) {
+        if (const auto word = trimmed(piece); !word.empty()) {
+            removals.push_back({std::u16string(word), ReplacementTemplate(u"")});
+        }
+    }
+    return removals;
+}
+
+} // namespace
+
+FillerWords::FillerWords(UserDefaults& defaults, SystemLog& log) : defaults_(defaults), log_(log) {}
+
+bool FillerWords::cleanupEnabled() const {
+    return defaults_.boolean(removeKey).value_or(false);
+}
+
+std::string FillerWords::fillerWords() {
+    const auto stored = defaults_.string(listKey);
+    if (stored && countsAsUnset(trimmed(std::string_view(*stored)))) {
+        defaults_.set(listKey, std::string(defaultList));
+    }
+    return effectiveList();
+}
+
+std::string FillerWords::saveFillerWords(std::string_view typed) {
+    const auto list = trimmed(typed);
+    defaults_.set(listKey, toUtf8(toUtf16(list.empty() ? defaultList : list)));
+    return fillerWords();
+}
+
+std::string FillerWords::removeConfiguredFillerWords(std::string_view text) {
+    if (!cleanupEnabled()) {
+        return std::string(text);
+    }
+    auto utf16 = toUtf16(text);
+    removeConfiguredFillerWords(utf16);
+    return toUtf8(utf16);
+}
+
+void FillerWords::removeConfiguredFillerWords(std::u16string& text) {
+    if (!cleanupEnabled()) {
+        return;
+    }
+    auto list = effectiveList();
+    const std::lock_guard lock(mutex_);
+    if (list != preparedList_) {
+        preparedList_ = std::move(list);
+        auto removals = removalsOf(preparedList_);
+        replacer_.reset();
+        if (!removals.empty()) {
+            replacer_.emplace("filler words", std::move(removals));
+        }
+    }
+    if (replacer_) {
+        replacer_->apply(text, log_);
+        text = tidied(text);
+    }
+}
+
+std::string FillerWords::effectiveList() const {
+    const auto stored = defaults_.string(listKey).value_or("");
+    const auto list = trimmed(std::string_view(stored));
+    return std::string(countsAsUnset(list) ? defaultList : list);
+}
+
+} // namespace tovik

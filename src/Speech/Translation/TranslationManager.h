@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Lifetime.h"
+#include "Platform/MainQueue.h"
+#include "Platform/SystemLog.h"
+#include "Platform/TextTranslator.h"
+#include "Platform/TranslationService.h"
+#include "Platform/UserDefaults.h"
+#include "Speech/Translation/TranslationLanguage.h"
+
+#include <functional>
+#include <list>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tovik {
+
+/// Has transcripts translated between the languages that the user chose. A failure costs the translation and
+/// never the text: the completion gets no result, and the log says why. Main thread.
+class TranslationManager : public TextTranslator {
+public:
+    struct Ports {
+        MainQueue& queue;
+        SystemLog& log;
+        UserDefaults& defaults;
+        TranslationService& service;
+        /// Asked only for a service that needs a visible window.
+        std::function<bool()> hasVisibleWindow;
+    };
+
+    explicit TranslationManager(const Ports& ports);
+
+    [[nodiscard]] const std::vector<TranslationLanguage>& availableLanguages() const {
+        return availableTranslationLanguages();
+    }
+
+    [[nodiscard]] std::optional<std::string> whyUnavailable() const override {
+        return ports_.service.whyUnavailable();
+    }
+    [[nodiscard]] bool isAvailable() const { return !whyUnavailable(); }
+
+    /// Kept in the user defaults, read at each use.
+    [[nodiscard]] bool isEnabled() const;
+    void setEnabled(bool enabled);
+    [[nodiscard]] std::string sourceLanguageCode() const;
+    void setSourceLanguageCode(const std::string& code);
+    [[nodiscard]] std::string targetLanguageCode() const;
+    void setTargetLanguageCode(const std::string& code);
+
+    /// The stored codes as entries of the table; nothing for a code that is not in it.
+    [[nodiscard]] std::optional<TranslationLanguage> sourceLanguage() const;
+    [[nodiscard]] std::optional<TranslationLanguage> targetLanguage() const;
+
+    void translate(const std::string& text,
+                   std::function<void(const std::optional<TranslationResult>&)> completion) override;
+
+private:
+    using Completion = std::function<void(const std::optional<TranslationResult>&)>;
+
+    [[nodiscard]] TranslationPair chosenPair() const;
+    void performTranslation(const std::string& text, const Completion& completion);
+    /// False: the pair cannot be translated.
+    [[nodiscard]] bool admit(const TranslationPair& pair, TranslationAvailability availability);
+    void requestTranslation(const std::string& text, const TranslationPair& pair,
+                            const Completion& completion);
+    void finish(const std::string& text, const TranslationPair& pair, const Result<std::string>& outcome,
+                const Completion& completion);
+
+    Ports ports_;
+    /// What the bridges of the last ten seconds are offered by.
+    std::list<Subscription> hostings_;
+    Lifetime lifetime_;
+};
+
+} // namespace tovik

@@ -1,0 +1,160 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#include "UserInterface/Overlay/FloatingPanel.h"
+
+#include "UserInterface/Controls/ScaleEffect.h"
+#include "UserInterface/Controls/ShadowPainter.h"
+
+#include <QBitmap>
+#include <QPaintEvent>
+#include <QPainter>
+
+#include <cmath>
+
+namespace tovik {
+
+namespace {
+
+constexpr Qt::WindowFlags kFloatingFlags = Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
+                                           Qt::WindowTransparentForInput | Qt::X11BypassWindowManagerHint |
+                                           Qt::NoDropShadowWindowHint;
+
+void makeFloating(QWidget& window) {
+    window.setAttribute(Qt::WA_TranslucentBackground);
+    window.setAttribute(Qt::WA_ShowWithoutActivating);
+    window.setAttribute(Qt::WA_TransparentForMouseEvents);
+    window.setFocusPolicy(Qt::NoFocus);
+}
+
+QPoint rounded(Point point) {
+    return {static_cast<int>(std::lround(point.x)), static_cast<int>(std::lround(point.y))};
+}
+
+/// The rounded ground and its border.
+class PanelContent : public QWidget {
+public:
+    PanelContent(const PanelStyle& style, QWidget* parent) : QWidget(parent), style_(style) {}
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(theme::color(style_.background));
+        painter.drawRoundedRect(rect(), style_.cornerRadius, style_.cornerRadius);
+        if (style_.borderWidth > 0) {
+            const double inset = style_.borderWidth / 2;
+            const double radius = style_.cornerRadius - inset;
+            painter.setPen(QPen(theme::color(style_.borderColor), style_.borderWidth));
+            painter.setBrush(Qt::NoBrush);
+            painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius, radius);
+        }
+    }
+
+private:
+    PanelStyle style_;
+};
+
+QBitmap roundedMask(const QSize& size, double cornerRadius) {
+    QBitmap mask(size);
+    mask.fill(Qt::color0);
+    QPainter painter(&mask);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::color1);
+    painter.drawRoundedRect(QRect(QPoint(0, 0), size), cornerRadius, cornerRadius);
+    return mask;
+}
+
+} // namespace
+
+/// The panel's shadow is a window of its own just beneath it, so that the panel is exactly as large as it
+/// looks.
+class FloatingPanel::Shadow : public KeyableWindow {
+public:
+    Shadow(const QRect& panel, double cornerRadius)
+        : KeyableWindow(kFloatingFlags),
+          cornerRadius_(cornerRadius),
+          reach_(shadowReach(theme::kPanelShadow)) {
+        makeFloating(*this);
+        follow(panel);
+    }
+
+    void follow(const QRect& panel) { setGeometry(panel.adjusted(-reach_, -reach_, reach_, reach_)); }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        paintShadow(painter, QRectF(rect()).adjusted(reach_, reach_, -reach_, -reach_), cornerRadius_,
+                    theme::kPanelShadow);
+    }
+
+private:
+    double cornerRadius_;
+    int reach_;
+};
+
+FloatingPanel::FloatingPanel(const PanelStyle& style, const Rect& frame, const Compositing& compositing)
+    : KeyableWindow(kFloatingFlags),
+      style_(style),
+      compositing_(compositing),
+      content_(new PanelContent(style, this)),
+      scaleEffect_(new ScaleEffect(content_)) {
+    makeFloating(*this);
+    setGeometry(QRect(rounded({frame.x, frame.y}),
+                      QSize(static_cast<int>(frame.width), static_cast<int>(frame.height))));
+    content_->setGeometry(rect());
+    content_->setGraphicsEffect(scaleEffect_);
+    setAlpha(0);
+}
+
+FloatingPanel::~FloatingPanel() = default;
+
+Rect FloatingPanel::panelFrame() const {
+    const QRect frame = geometry();
+    return {static_cast<double>(frame.x()), static_cast<double>(frame.y()),
+            static_cast<double>(frame.width()), static_cast<double>(frame.height())};
+}
+
+void FloatingPanel::setOrigin(Point origin) {
+    move(rounded(origin));
+    if (shadow_) {
+        shadow_->follow(geometry());
+    }
+}
+
+void FloatingPanel::setAlpha(double alpha) {
+    alpha_ = alpha;
+    setWindowOpacity(alpha);
+    if (shadow_) {
+        shadow_->setWindowOpacity(alpha);
+    }
+}
+
+void FloatingPanel::setContentScale(double scale) {
+    scaleEffect_->setScale(scale);
+}
+
+double FloatingPanel::contentScale() const {
+    return scaleEffect_->scale();
+}
+
+void FloatingPanel::orderFront() {
+    if (compositing_.isActive()) {
+        clearMask();
+        shadow_ = std::make_unique<Shadow>(geometry(), style_.cornerRadius);
+        shadow_->setWindowOpacity(alpha_);
+        shadow_->show();
+    } else {
+        // Nothing mixes windows here: what is transparent would be black.
+        setMask(roundedMask(size(), style_.cornerRadius));
+    }
+    show();
+    raise();
+}
+
+void FloatingPanel::orderOut() {
+    hide();
+    shadow_.reset();
+}
+
+} // namespace tovik

@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/UserDefaults.h"
+#include "Speech/Text/FillerWords.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace tovik {
+
+/// The switch and the list of the Cleanup section. Main thread.
+class CleanupSettings {
+public:
+    /// Both outlive it.
+    CleanupSettings(FillerWords& fillerWords, UserDefaults& defaults,
+                    std::function<void(const std::string&)> showSavedToast);
+
+    [[nodiscard]] bool cleanupEnabled() const { return fillerWords_.cleanupEnabled(); }
+    [[nodiscard]] std::string fillerWords() { return fillerWords_.fillerWords(); }
+
+    void cleanupToggled(bool on);
+    /// Stores what was typed, the default list when that is nothing; returns the list then in effect.
+    std::string fillerWordsChanged(std::string_view text);
+
+private:
+    FillerWords& fillerWords_;
+    UserDefaults& defaults_;
+    const std::function<void(const std::string&)> showSavedToast_;
+};
+
+} // namespace tovik

@@ -1,0 +1,88 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Clock.h"
+#include "Platform/Lifetime.h"
+#include "Platform/MainQueue.h"
+#include "Platform/MainWindow.h"
+#include "Platform/Screens.h"
+#include "Platform/Subscription.h"
+#include "Platform/UserInterface.h"
+#include "Platform/Workspace.h"
+#include "UserInterface/Window/Accordion.h"
+#include "UserInterface/Window/FixedWidthWindow.h"
+
+#include <functional>
+#include <memory>
+
+class QPoint;
+
+namespace tovik {
+
+class CleanupSection;
+class CorrectionsSection;
+class MainWindowView;
+class PermissionsSection;
+class TranscriptHistorySection;
+class TranslationSection;
+
+/// The main window: built once, hidden when closed, presented again on request. Main thread.
+class MainWindowController : public MainWindow {
+public:
+    /// What it works with; all of it outlives the controller.
+    struct Collaborators {
+        const Clock& clock;
+        MainQueue& queue;
+        const Screens& screens;
+        Workspace& workspace;
+        /// Pops up the status menu with its upper left corner here, in the coordinates of the desktop. Empty
+        /// where there is no status menu.
+        std::function<void(const QPoint&)> popUpStatusMenu;
+    };
+
+    /// Builds the window and shows it.
+    MainWindowController(const Collaborators& collaborators, const MainWindowContents& contents);
+    ~MainWindowController() override;
+
+    void present() override;
+    void showSavedToast(const std::string& text) override;
+    void reloadHistoryTable() override;
+    void refreshPermissions() override;
+
+    [[nodiscard]] FixedWidthWindow& window() { return *window_; }
+    [[nodiscard]] MainWindowView& view() { return *view_; }
+    [[nodiscard]] Accordion& accordion() { return *accordion_; }
+    [[nodiscard]] CorrectionsSection& corrections() { return *corrections_; }
+    [[nodiscard]] CleanupSection& cleanup() { return *cleanup_; }
+    [[nodiscard]] TranslationSection& translation() { return *translation_; }
+
+private:
+    void buildSections(const MainWindowContents& contents);
+    [[nodiscard]] QWidget* contentOf(const SectionHeader& section, const MainWindowContents& contents);
+    [[nodiscard]] QWidget* buildPermissionsSection(const MainWindowContents& contents);
+    [[nodiscard]] QWidget* buildCorrectionsSection(const MainWindowContents& contents);
+    [[nodiscard]] QWidget* buildCleanupSection(const MainWindowContents& contents);
+    [[nodiscard]] QWidget* buildTranslationSection(const MainWindowContents& contents);
+    void connectHeaderAndFooter(const MainWindowContents& contents);
+    void showStatusMenuFromWindow();
+    void presentMainWindow();
+    void makeKeyAndOrderFront();
+    void forceMainWindowFrame();
+    void updateMainWindowHeight(bool animated);
+
+    const Collaborators with_;
+    const std::function<void()> reloadTranscriptHistoryMenu_;
+    std::unique_ptr<FixedWidthWindow> window_;
+    MainWindowView* view_ = nullptr;
+    PermissionsSection* permissions_ = nullptr;
+    TranscriptHistorySection* history_ = nullptr;
+    CorrectionsSection* corrections_ = nullptr;
+    CleanupSection* cleanup_ = nullptr;
+    TranslationSection* translation_ = nullptr;
+    std::unique_ptr<Accordion> accordion_;
+    Subscription settingsChanges_;
+    Lifetime lifetime_;
+};
+
+} // namespace tovik

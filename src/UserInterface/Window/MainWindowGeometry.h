@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/Screens.h"
+#include "UserInterface/Overlay/OverlayPlacement.h"
+
+#include <optional>
+
+namespace tovik {
+
+inline constexpr double mainWindowWidth = 500;
+inline constexpr double mainContentWidth = 440;
+inline constexpr double mainWindowDefaultHeight = 680;
+inline constexpr double mainWindowMinHeight = 560;
+inline constexpr double mainWindowMaxHeight = 760;
+
+/// Keeps a frame's centre and gives it the locked width; without one the frame stays as it is.
+[[nodiscard]] Rect frameWithLockedWidth(Rect frame, std::optional<double> lockedFrameWidth);
+
+/// What becomes of a size that the user drags the main window to.
+[[nodiscard]] Size windowWillResize(Size proposed);
+
+/// The main window's frame whenever it is presented: centred in the screen's visible part.
+[[nodiscard]] Rect defaultMainWindowFrame(const Rect& visibleFrame);
+
+/// The frame that fits the stack of cards, with the top edge and the horizontal centre kept.
+[[nodiscard]] Rect fittedMainWindowFrame(const Rect& current, double stackFittingHeight);
+
+/// How opaque the band under the header is at this scroll offset.
+[[nodiscard]] double headerFadeAlpha(double scrollOffset);
+
+} // namespace tovik
