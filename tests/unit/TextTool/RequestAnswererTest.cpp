@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "RequestAnswerer.h"
 
-#include "Rows.h"
+#include "unit/Speech/Rows.h"
 #include "support/RecordingLog.h"
 
 #include <gmock/gmock.h>
