@@ -2,67 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Permissions/InstallLocations.h"
-#include "Platform/Alert.h"
-#include "Platform/AudioEngine.h"
-#include "Platform/AudioHardware.h"
-#include "Platform/Authorization.h"
-#include "Platform/CaptureDevices.h"
-#include "Platform/Clock.h"
-#include "Platform/Files.h"
-#include "Platform/KeyEventPoster.h"
-#include "Platform/KeyMonitor.h"
 #include "Platform/Lifetime.h"
-#include "Platform/MainQueue.h"
-#include "Platform/Pasteboard.h"
-#include "Platform/ProcessLauncher.h"
-#include "Platform/Screens.h"
-#include "Platform/SpeechService.h"
-#include "Platform/SystemLog.h"
-#include "Platform/TranslationService.h"
-#include "Platform/UserDefaults.h"
-#include "Platform/UserDefaultsChanges.h"
-#include "Platform/UserInterface.h"
-#include "Platform/Workspace.h"
+#include "Platform/Platform.h"
 
-#include <cstdint>
-#include <functional>
 #include <memory>
-#include <string>
 
 namespace tovik {
-
-/// The desktop, as the program is given it. All of it outlives the AppDelegate.
-struct Platform {
-    Clock& clock;
-    MainQueue& mainQueue;
-    SystemLog& log;
-    UserDefaults& defaults;
-    UserDefaultsChanges& defaultsChanges;
-    Files& files;
-    Workspace& workspace;
-    KeyMonitor& keyMonitor;
-    KeyEventPoster& keyEventPoster;
-    Pasteboard& pasteboard;
-    AudioEngine& audioEngine;
-    CaptureDevices& captureDevices;
-    AudioHardware& audioHardware;
-    SpeechService& speechService;
-    Authorization& authorization;
-    TranslationService& translationService;
-    Screens& screens;
-    Alert& alert;
-    ProcessLauncher& processLauncher;
-    UserInterface& userInterface;
-    std::function<void()> terminate;
-    /// Whether any window of the program is on the screen.
-    std::function<bool()> hasVisibleWindow;
-    /// Where programs of this user keep their data, and the trace of this one's launches.
-    std::string dataFolder;
-    std::string debugLogFile;
-    std::int64_t processIdentifier = 0;
-    InstallLocations installLocations;
-};
 
 /// Owns the parts of the program and joins them; the rules are theirs. Main thread.
 class AppDelegate {

@@ -3,6 +3,7 @@
 #include "Linux/LinuxPlatform.h"
 
 #include "Linux/Desktop/ProgramPaths.h"
+#include "Permissions/InstallLocations.h"
 
 #include <QApplication>
 #include <QWidget>
