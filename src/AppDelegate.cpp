@@ -21,9 +21,9 @@
 #include "Session/TranscriptDelivery.h"
 #include "Session/TranscriptHistoryMenu.h"
 #include "Session/TranscriptInbox.h"
-#include "Speech/Text/FinalTextChain.h"
 #include "Speech/History/TranscriptHistoryBrowser.h"
 #include "Speech/History/TranscriptHistoryStore.h"
+#include "Speech/Text/FinalTextChain.h"
 #include "Speech/Text/TranscriptionDictionary.h"
 #include "Speech/Translation/TranslationManager.h"
 
@@ -41,7 +41,7 @@ struct AppDelegate::Parts {
           dictionary(p.defaults, p.log),
           history(p.defaults, p.clock),
           chain(p.defaults, p.log),
-          translation({p.mainQueue, p.log, p.defaults, p.translationService, p.hasVisibleWindow}),
+          translation({p.mainQueue, p.log, p.defaults, p.translationService}),
           permissions(p.authorization, p.installLocations),
           installation({p.authorization, p.files, p.workspace, p.processLauncher, p.alert, p.mainQueue,
                         window, p.terminate},

@@ -22,12 +22,12 @@ public:
     [[nodiscard]] std::optional<std::string> whyUnavailable() const override {
         return chosen().whyUnavailable();
     }
-    [[nodiscard]] bool needsVisibleWindow() const override { return chosen().needsVisibleWindow(); }
     void availability(const TranslationPair& pair,
                       std::function<void(const Result<TranslationAvailability>&)> completion) override {
         chosen().availability(pair, std::move(completion));
     }
-    [[nodiscard]] Subscription offerSessions(const TranslationPair& pair, SessionHandler handler) override {
+    [[nodiscard]] std::optional<Subscription> offerSessions(const TranslationPair& pair,
+                                                            SessionHandler handler) override {
         return chosen().offerSessions(pair, std::move(handler));
     }
 

@@ -10,7 +10,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <utility>
@@ -45,10 +44,6 @@ void hideOwnWindows() {
             window->hide();
         }
     }
-}
-
-bool hasVisibleWindow() {
-    return std::ranges::any_of(QApplication::topLevelWidgets(), isVisibleToWorkIn);
 }
 
 } // namespace
@@ -195,7 +190,6 @@ Platform LinuxPlatform::describe(UserInterface& userInterface, std::function<voi
         .processLauncher = launcher_,
         .userInterface = userInterface,
         .terminate = std::move(terminate),
-        .hasVisibleWindow = hasVisibleWindow,
         .dataFolder = folders_.applicationSupport(),
         .debugLogFile = folders_.debugLogFile(),
         .processIdentifier = getpid(),

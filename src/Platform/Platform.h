@@ -53,8 +53,6 @@ struct Platform {
     ProcessLauncher& processLauncher;
     UserInterface& userInterface;
     std::function<void()> terminate;
-    /// Whether any window of the program is on the screen.
-    std::function<bool()> hasVisibleWindow;
     /// Where programs of this user keep their data, and the trace of this one's launches.
     std::string dataFolder;
     std::string debugLogFile;

@@ -6,7 +6,6 @@
 #include "Platform/Subscription.h"
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -31,22 +30,16 @@ enum class TranslationAvailability {
     unsupported,
 };
 
-/// Translates texts of one pair.
-class TranslationSession {
-public:
-    virtual ~TranslationSession() = default;
-
-    /// Calls completion exactly once, later, on the main thread; also when the session is dropped meanwhile.
-    /// The service sees to it that the answer does not take for ever. Line breaks and characters that the
-    /// service does not know survive.
-    virtual void translate(const std::string& text,
-                           std::function<void(const Result<std::string>&)> completion) = 0;
-};
+/// Translates a text of one pair. Calls completion exactly once, later, on the main thread; also when the
+/// session is dropped meanwhile, but no more when the service is gone. The service sees to it that the answer
+/// does not take for ever. Line breaks and characters that the service does not know survive.
+using TranslationSession =
+    std::function<void(const std::string& text, std::function<void(const Result<std::string>&)> completion)>;
 
 /// What translates on this desktop. Main thread.
 class TranslationService {
 public:
-    using SessionHandler = std::function<void(std::shared_ptr<TranslationSession>)>;
+    using SessionHandler = std::function<void(const TranslationSession&)>;
 
     virtual ~TranslationService() = default;
 
@@ -54,16 +47,15 @@ public:
     /// service.
     [[nodiscard]] virtual std::optional<std::string> whyUnavailable() const = 0;
 
-    /// True for a service that works only while one of the program's windows is visible.
-    [[nodiscard]] virtual bool needsVisibleWindow() const = 0;
-
     /// Calls completion exactly once, later. An error: the service could not be asked.
     virtual void availability(const TranslationPair& pair,
                               std::function<void(const Result<TranslationAvailability>&)> completion) = 0;
 
     /// Hands over a session for the pair, later: usually once, possibly again and again, possibly never.
-    /// Dropping the token ends the handing over, and leaves what is being translated alone.
-    [[nodiscard]] virtual Subscription offerSessions(const TranslationPair& pair, SessionHandler handler) = 0;
+    /// Dropping the token ends the handing over, and leaves what is being translated alone. Nothing, and no
+    /// session: this service works only inside a visible window of the program, and none is visible.
+    [[nodiscard]] virtual std::optional<Subscription> offerSessions(const TranslationPair& pair,
+                                                                    SessionHandler handler) = 0;
 };
 
 } // namespace tovik

@@ -49,10 +49,9 @@ private:
 double timeOf(TranslationService& service, const std::string& text) {
     const Stopwatch watch;
     std::optional<Result<std::string>> outcome;
-    const auto offer =
-        service.offerSessions({"en", "es"}, [&](const std::shared_ptr<TranslationSession>& session) {
-            session->translate(text, [&](const Result<std::string>& answer) { outcome = answer; });
-        });
+    const auto offer = service.offerSessions({"en", "es"}, [&](const TranslationSession& session) {
+        session(text, [&](const Result<std::string>& answer) { outcome = answer; });
+    });
     while (!outcome) {
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
     }

@@ -8,7 +8,6 @@
 
 #include <functional>
 #include <map>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -23,7 +22,6 @@ public:
     explicit FakeTranslationService(MainQueue& queue) : queue_(queue) {}
 
     [[nodiscard]] std::optional<std::string> whyUnavailable() const override { return reason; }
-    [[nodiscard]] bool needsVisibleWindow() const override { return needsWindow; }
 
     void availability(const TranslationPair& pair,
                       std::function<void(const Result<TranslationAvailability>&)> completion) override {
@@ -34,7 +32,11 @@ public:
         }));
     }
 
-    [[nodiscard]] Subscription offerSessions(const TranslationPair& pair, SessionHandler handler) override {
+    [[nodiscard]] std::optional<Subscription> offerSessions(const TranslationPair& pair,
+                                                            SessionHandler handler) override {
+        if (!windowIsVisible) {
+            return std::nullopt;
+        }
         const auto number = nextOffer_++;
         offers_[number] = std::move(handler);
         offered.push_back(pair);
@@ -47,7 +49,7 @@ public:
     /// Hands every open offer a session, as often as it is called.
     void handOverSessions() {
         for (const auto& [number, handler] : std::map(offers_)) {
-            handler(std::make_shared<Session>(*this));
+            handler(session());
         }
     }
 
@@ -61,7 +63,8 @@ public:
     [[nodiscard]] std::size_t openOffers() const { return offers_.size(); }
 
     std::optional<std::string> reason;
-    bool needsWindow = false;
+    /// Its sessions need a visible window, and whether there is one.
+    bool windowIsVisible = true;
     /// Pairs that are not here are unsupported.
     std::map<TranslationPair, Result<TranslationAvailability>> answers;
     /// If set, sessions come by themselves and translate by it; other texts come back as they are.
@@ -71,23 +74,16 @@ public:
     std::vector<std::string> texts;
 
 private:
-    class Session : public TranslationSession {
-    public:
-        explicit Session(FakeTranslationService& service) : service_(service) {}
-
-        void translate(const std::string& text,
-                       std::function<void(const Result<std::string>&)> completion) override {
-            service_.take(text, std::move(completion));
-        }
-
-    private:
-        FakeTranslationService& service_;
-    };
+    [[nodiscard]] TranslationSession session() {
+        return [this](const std::string& text, std::function<void(const Result<std::string>&)> completion) {
+            take(text, std::move(completion));
+        };
+    }
 
     void handOver(int number) {
         if (const auto found = offers_.find(number); found != offers_.end()) {
             const auto handler = found->second;
-            handler(std::make_shared<Session>(*this));
+            handler(session());
         }
     }
 

@@ -34,22 +34,6 @@ bool hasModes(const std::string& folder) {
 
 } // namespace
 
-/// May be used after the service is gone; then nothing is answered.
-class ApertiumService::Session : public TranslationSession {
-public:
-    using Translate = std::function<void(const std::string&, WarmPipeline::Completion)>;
-
-    explicit Session(Translate translate) : translate_(std::move(translate)) {}
-
-    void translate(const std::string& text,
-                   std::function<void(const Result<std::string>&)> completion) override {
-        translate_(text, std::move(completion));
-    }
-
-private:
-    const Translate translate_;
-};
-
 ApertiumService::ApertiumService(MainQueue& queue, std::string modesFolder)
     : queue_(queue),
       modesFolder_(std::move(modesFolder)) {}
@@ -86,12 +70,14 @@ void ApertiumService::availability(const TranslationPair& pair,
     queue_.async(lifetime_.guard([answer, completion = std::move(completion)] { completion(answer); }));
 }
 
-Subscription ApertiumService::offerSessions(const TranslationPair& pair, SessionHandler handler) {
-    auto session = std::make_shared<Session>(
+std::optional<Subscription> ApertiumService::offerSessions(const TranslationPair& pair,
+                                                           SessionHandler handler) {
+    TranslationSession session =
         lifetime_.guard([this, pair](const std::string& text, WarmPipeline::Completion completion) {
             translate(pair, text, std::move(completion));
-        }));
-    return queue_.after(Seconds(0), [session, handler = std::move(handler)] { handler(session); });
+        });
+    return queue_.after(Seconds(0),
+                        [session = std::move(session), handler = std::move(handler)] { handler(session); });
 }
 
 Result<WarmPipeline*> ApertiumService::pipelineFor(const TranslationPair& pair) {

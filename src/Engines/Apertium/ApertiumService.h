@@ -23,14 +23,12 @@ public:
     explicit ApertiumService(MainQueue& queue, std::string modesFolder = kDebianModes);
 
     [[nodiscard]] std::optional<std::string> whyUnavailable() const override;
-    [[nodiscard]] bool needsVisibleWindow() const override { return false; }
     void availability(const TranslationPair& pair,
                       std::function<void(const Result<TranslationAvailability>&)> completion) override;
-    [[nodiscard]] Subscription offerSessions(const TranslationPair& pair, SessionHandler handler) override;
+    [[nodiscard]] std::optional<Subscription> offerSessions(const TranslationPair& pair,
+                                                            SessionHandler handler) override;
 
 private:
-    class Session;
-
     [[nodiscard]] std::string pathOf(const std::string& mode) const;
     [[nodiscard]] std::optional<std::string> installedMode(const TranslationPair& pair) const;
     [[nodiscard]] Result<WarmPipeline*> pipelineFor(const TranslationPair& pair);

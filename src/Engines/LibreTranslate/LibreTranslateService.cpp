@@ -46,20 +46,6 @@ QUrl addressOf(const std::string& url, const char* path) {
 
 } // namespace
 
-/// May be used after the service is gone; then nothing is answered.
-class LibreTranslateService::Session : public TranslationSession {
-public:
-    explicit Session(std::function<void(const std::string&, TextCompletion)> translate)
-        : translate_(std::move(translate)) {}
-
-    void translate(const std::string& text, TextCompletion completion) override {
-        translate_(text, std::move(completion));
-    }
-
-private:
-    const std::function<void(const std::string&, TextCompletion)> translate_;
-};
-
 LibreTranslateService::LibreTranslateService(const Ports& ports) : ports_(ports), transfer_(ports.queue) {}
 
 std::string LibreTranslateService::url() const {
@@ -98,12 +84,14 @@ void LibreTranslateService::availability(
     });
 }
 
-Subscription LibreTranslateService::offerSessions(const TranslationPair& pair, SessionHandler handler) {
-    auto session = std::make_shared<Session>(
+std::optional<Subscription> LibreTranslateService::offerSessions(const TranslationPair& pair,
+                                                                 SessionHandler handler) {
+    TranslationSession session =
         lifetime_.guard([this, pair](const std::string& text, TextCompletion completion) {
             translate(pair, text, std::move(completion));
-        }));
-    return ports_.queue.after(Seconds(0), [session, handler = std::move(handler)] { handler(session); });
+        });
+    return ports_.queue.after(
+        Seconds(0), [session = std::move(session), handler = std::move(handler)] { handler(session); });
 }
 
 void LibreTranslateService::fetchLanguages(LanguagesCompletion completion) {

@@ -38,14 +38,13 @@ public:
 
     /// A server that is named counts as there; whether it answers shows when it is needed.
     [[nodiscard]] std::optional<std::string> whyUnavailable() const override;
-    [[nodiscard]] bool needsVisibleWindow() const override { return false; }
     /// The server is asked for its languages once.
     void availability(const TranslationPair& pair,
                       std::function<void(const Result<TranslationAvailability>&)> completion) override;
-    [[nodiscard]] Subscription offerSessions(const TranslationPair& pair, SessionHandler handler) override;
+    [[nodiscard]] std::optional<Subscription> offerSessions(const TranslationPair& pair,
+                                                            SessionHandler handler) override;
 
 private:
-    class Session;
     using LanguagesCompletion = std::function<void(const Result<ServerLanguages>&)>;
     using KeyCompletion = std::function<void(const std::optional<std::string>&)>;
     using TextCompletion = std::function<void(const Result<std::string>&)>;

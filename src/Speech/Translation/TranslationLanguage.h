@@ -18,7 +18,31 @@ struct TranslationLanguage {
 };
 
 /// The languages that the user can choose, by name.
-[[nodiscard]] const std::vector<TranslationLanguage>& availableTranslationLanguages();
+[[nodiscard]] inline const std::vector<TranslationLanguage>& availableTranslationLanguages() {
+    static const std::vector<TranslationLanguage> languages{
+        {"ar", "Arabic"},
+        {"zh-Hans", "Chinese (Simplified)"},
+        {"zh-Hant", "Chinese (Traditional)"},
+        {"nl", "Dutch"},
+        {"en", "English"},
+        {"fr", "French"},
+        {"de", "German"},
+        {"hi", "Hindi"},
+        {"id", "Indonesian"},
+        {"it", "Italian"},
+        {"ja", "Japanese"},
+        {"ko", "Korean"},
+        {"pl", "Polish"},
+        {"pt-BR", "Portuguese (Brazil)"},
+        {"ru", "Russian"},
+        {"es", "Spanish"},
+        {"th", "Thai"},
+        {"tr", "Turkish"},
+        {"uk", "Ukrainian"},
+        {"vi", "Vietnamese"},
+    };
+    return languages;
+}
 
 inline constexpr const char* kTranslationEnabledKey = "TranslationEnabled";
 inline constexpr const char* kTranslationSourceLanguageKey = "TranslationSourceLanguage";

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "Speech/Translation/TranslationManager.h"
 
-#include "Speech/Translation/TranslationTaskBridge.h"
 #include "Speech/Text/UserCharacters.h"
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace tovik {
 
@@ -25,6 +25,38 @@ std::optional<TranslationLanguage> languageOfTable(const std::string& id) {
     return found == table.end() ? std::nullopt : std::optional(*found);
 }
 
+/// One text on its way through a service: makes a single outcome of the sessions that the service hands over,
+/// once, several times or never.
+class TranslationTaskBridge : public std::enable_shared_from_this<TranslationTaskBridge> {
+public:
+    using Continuation = std::function<void(const Result<std::string>&)>;
+
+    TranslationTaskBridge(std::string text, Continuation continuation)
+        : text_(std::move(text)),
+          continuation_(std::move(continuation)) {}
+
+    /// Has the session translate the text, unless there is an outcome already.
+    void receive(const TranslationSession& session) {
+        if (!hasResumed_) {
+            session(text_, [self = shared_from_this()](const Result<std::string>& outcome) {
+                self->resume(outcome);
+            });
+        }
+    }
+
+    /// The first outcome counts, all later ones are dropped.
+    void resume(const Result<std::string>& outcome) {
+        if (!std::exchange(hasResumed_, true)) {
+            std::exchange(continuation_, nullptr)(outcome);
+        }
+    }
+
+private:
+    const std::string text_;
+    Continuation continuation_;
+    bool hasResumed_ = false;
+};
+
 } // namespace
 
 TranslationManager::TranslationManager(const Ports& ports) : ports_(ports) {}
@@ -33,24 +65,12 @@ bool TranslationManager::isEnabled() const {
     return ports_.defaults.boolean(kTranslationEnabledKey).value_or(false);
 }
 
-void TranslationManager::setEnabled(bool enabled) {
-    ports_.defaults.set(kTranslationEnabledKey, enabled);
-}
-
 std::string TranslationManager::sourceLanguageCode() const {
     return ports_.defaults.string(kTranslationSourceLanguageKey).value_or(kDefaultSourceLanguage);
 }
 
-void TranslationManager::setSourceLanguageCode(const std::string& code) {
-    ports_.defaults.set(kTranslationSourceLanguageKey, code);
-}
-
 std::string TranslationManager::targetLanguageCode() const {
     return ports_.defaults.string(kTranslationTargetLanguageKey).value_or(kDefaultTargetLanguage);
-}
-
-void TranslationManager::setTargetLanguageCode(const std::string& code) {
-    ports_.defaults.set(kTranslationTargetLanguageKey, code);
 }
 
 std::optional<TranslationLanguage> TranslationManager::sourceLanguage() const {
@@ -115,16 +135,17 @@ bool TranslationManager::admit(const TranslationPair& pair, TranslationAvailabil
 void TranslationManager::requestTranslation(const std::string& text, const TranslationPair& pair,
                                             const Completion& completion) {
     const auto bridge = std::make_shared<TranslationTaskBridge>(
-        text, pair, lifetime_.guard([this, text, pair, completion](const Result<std::string>& outcome) {
+        text, lifetime_.guard([this, text, pair, completion](const Result<std::string>& outcome) {
             finish(text, pair, outcome, completion);
         }));
-    if (ports_.service.needsVisibleWindow() && !ports_.hasVisibleWindow()) {
+    auto offer = ports_.service.offerSessions(
+        pair, [bridge](const TranslationSession& session) { bridge->receive(session); });
+    if (!offer) {
         bridge->resume(noVisibleWindow());
         return;
     }
     // The bridge is on offer for its time, whatever has come of it by then.
-    hostings_.push_back(ports_.service.offerSessions(
-        pair, [bridge](const std::shared_ptr<TranslationSession>& session) { bridge->receive(session); }));
+    hostings_.push_back(std::move(*offer));
     ports_.queue.asyncAfter(kBridgeLifetime, lifetime_.guard([this] { hostings_.pop_front(); }));
 }
 

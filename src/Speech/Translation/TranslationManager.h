@@ -10,8 +10,8 @@
 #include "Platform/UserDefaults.h"
 #include "Speech/Translation/TranslationLanguage.h"
 
+#include <deque>
 #include <functional>
-#include <list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,8 +27,6 @@ public:
         SystemLog& log;
         UserDefaults& defaults;
         TranslationService& service;
-        /// Asked only for a service that needs a visible window.
-        std::function<bool()> hasVisibleWindow;
     };
 
     explicit TranslationManager(const Ports& ports);
@@ -42,13 +40,10 @@ public:
     }
     [[nodiscard]] bool isAvailable() const { return !whyUnavailable(); }
 
-    /// Kept in the user defaults, read at each use.
+    /// Read from the user defaults at each use.
     [[nodiscard]] bool isEnabled() const;
-    void setEnabled(bool enabled);
     [[nodiscard]] std::string sourceLanguageCode() const;
-    void setSourceLanguageCode(const std::string& code);
     [[nodiscard]] std::string targetLanguageCode() const;
-    void setTargetLanguageCode(const std::string& code);
 
     /// The stored codes as entries of the table; nothing for a code that is not in it.
     [[nodiscard]] std::optional<TranslationLanguage> sourceLanguage() const;
@@ -70,8 +65,8 @@ private:
                 const Completion& completion);
 
     Ports ports_;
-    /// What the bridges of the last ten seconds are offered by.
-    std::list<Subscription> hostings_;
+    /// What the bridges of the last ten seconds are on offer by, the oldest first.
+    std::deque<Subscription> hostings_;
     Lifetime lifetime_;
 };
 

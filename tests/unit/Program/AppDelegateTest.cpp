@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "AppDelegate.h"
 
+#include "Permissions/InstallLocations.h"
 #include "Speech/History/TranscriptHistoryBrowser.h"
 #include "support/FakeAlert.h"
 #include "support/FakeAudioEngine.h"
@@ -68,7 +69,6 @@ protected:
             .processLauncher = launcher,
             .userInterface = userInterface,
             .terminate = [this] { ++terminations; },
-            .hasVisibleWindow = [] { return true; },
             .dataFolder = "/home/ada/.local/share",
             .debugLogFile = kDebugLog,
             .processIdentifier = 4242,

@@ -45,14 +45,8 @@ protected:
     test::RecordingLog log;
     test::MemoryUserDefaults defaults;
     test::FakeTranslationService service{time};
-    bool windowIsVisible = false;
-    int windowQuestions = 0;
-    std::unique_ptr<TranslationManager> manager =
-        std::make_unique<TranslationManager>(TranslationManager::Ports{
-            .queue = time, .log = log, .defaults = defaults, .service = service, .hasVisibleWindow = [this] {
-                ++windowQuestions;
-                return windowIsVisible;
-            }});
+    std::unique_ptr<TranslationManager> manager = std::make_unique<TranslationManager>(
+        TranslationManager::Ports{.queue = time, .log = log, .defaults = defaults, .service = service});
     int completions = 0;
     std::optional<TranslationResult> outcome;
 };
@@ -80,23 +74,25 @@ TEST_F(TranslationManagerTest, withoutSettings_isOffAndFromEnglishToSpanish) {
     EXPECT_FALSE(manager->isEnabled());
     EXPECT_EQ(manager->sourceLanguageCode(), "en");
     EXPECT_EQ(manager->targetLanguageCode(), "es");
+    EXPECT_THAT(manager->sourceLanguage(), Optional(TranslationLanguage{"en", "English"}));
+    EXPECT_THAT(manager->targetLanguage(), Optional(TranslationLanguage{"es", "Spanish"}));
     EXPECT_EQ(defaults.writes().size(), writes);
 }
 
-TEST_F(TranslationManagerTest, settings_areKeptUnderTheirKeys) {
-    manager->setEnabled(false);
-    manager->setSourceLanguageCode("de");
-    manager->setTargetLanguageCode("pt-BR");
-    EXPECT_EQ(defaults.boolean("TranslationEnabled"), false);
-    EXPECT_EQ(defaults.string("TranslationSourceLanguage"), "de");
-    EXPECT_EQ(defaults.string("TranslationTargetLanguage"), "pt-BR");
+TEST_F(TranslationManagerTest, settings_areReadAtEachUse) {
+    EXPECT_TRUE(manager->isEnabled());
+    defaults.set("TranslationEnabled", false);
+    defaults.set("TranslationSourceLanguage", "de");
+    defaults.set("TranslationTargetLanguage", "pt-BR");
     EXPECT_FALSE(manager->isEnabled());
+    EXPECT_EQ(manager->sourceLanguageCode(), "de");
+    EXPECT_EQ(manager->targetLanguageCode(), "pt-BR");
     EXPECT_THAT(manager->sourceLanguage(), Optional(TranslationLanguage{"de", "German"}));
     EXPECT_THAT(manager->targetLanguage(), Optional(TranslationLanguage{"pt-BR", "Portuguese (Brazil)"}));
 }
 
 TEST_F(TranslationManagerTest, aCodeThatIsNotInTheTable_isNoLanguage) {
-    manager->setSourceLanguageCode("xx");
+    defaults.set("TranslationSourceLanguage", "xx");
     EXPECT_EQ(manager->sourceLanguageCode(), "xx");
     EXPECT_EQ(manager->sourceLanguage(), std::nullopt);
 }
@@ -309,7 +305,7 @@ TEST_F(TranslationManagerTest, withoutEverASession_nothingIsCompleted) {
 }
 
 TEST_F(TranslationManagerTest, aServiceThatNeedsAWindow_failsWithoutAVisibleOne) {
-    service.needsWindow = true;
+    service.windowIsVisible = false;
     translate("hello");
     time.runPending();
     EXPECT_EQ(completions, 1);
@@ -319,19 +315,15 @@ TEST_F(TranslationManagerTest, aServiceThatNeedsAWindow_failsWithoutAVisibleOne)
     EXPECT_THAT(service.offered, IsEmpty());
 }
 
-TEST_F(TranslationManagerTest, aServiceThatNeedsAWindow_translatesWhileOneIsVisible) {
-    service.needsWindow = true;
-    windowIsVisible = true;
-    startTranslating("hello");
-    service.answer(std::string("hola"));
-    EXPECT_TRUE(outcome);
-}
-
-TEST_F(TranslationManagerTest, aServiceThatNeedsNoWindow_isNotHeldUpForOne) {
-    startTranslating("hello");
-    service.answer(std::string("hola"));
-    EXPECT_TRUE(outcome);
-    EXPECT_EQ(windowQuestions, 0);
+TEST_F(TranslationManagerTest, aServiceThatNeedsAWindow_translatesOnceOneIsVisible) {
+    service.windowIsVisible = false;
+    translate("hello");
+    time.runPending();
+    service.windowIsVisible = true;
+    startTranslating("good morning");
+    service.answer(std::string("buenos días"));
+    EXPECT_EQ(completions, 2);
+    EXPECT_THAT(outcome, Optional(TranslationResult{"good morning", "buenos días", "en", "es"}));
 }
 
 TEST_F(TranslationManagerTest, whenTheManagerIsGone_nothingIsCompletedAndNothingStaysOnOffer) {

@@ -31,10 +31,9 @@ protected:
 
     Result<std::string> translate(const TranslationPair& pair, const std::string& text) {
         std::optional<Result<std::string>> outcome;
-        const auto offer =
-            service.offerSessions(pair, [&](const std::shared_ptr<TranslationSession>& session) {
-                session->translate(text, [&](const Result<std::string>& answer) { outcome = answer; });
-            });
+        const auto offer = service.offerSessions(pair, [&](const TranslationSession& session) {
+            session(text, [&](const Result<std::string>& answer) { outcome = answer; });
+        });
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(15);
         while (!outcome && std::chrono::steady_clock::now() < deadline) {
             time.runPending();

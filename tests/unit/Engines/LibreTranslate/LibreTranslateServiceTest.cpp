@@ -52,13 +52,12 @@ protected:
 
     void beginTranslating(const std::string& text, const TranslationPair& pair = {"en", "es"}) {
         outcome.reset();
-        offer =
-            service->offerSessions(pair, [this, text](const std::shared_ptr<TranslationSession>& session) {
-                session->translate(text, [this](const Result<std::string>& answer) {
-                    ++completions;
-                    outcome = answer;
-                });
+        offer = service->offerSessions(pair, [this, text](const TranslationSession& session) {
+            session(text, [this](const Result<std::string>& answer) {
+                ++completions;
+                outcome = answer;
             });
+        });
         time.runPending();
     }
     Result<std::string> translate(const std::string& text, const TranslationPair& pair = {"en", "es"}) {
@@ -89,7 +88,7 @@ protected:
     test::FakeSecretStore secrets{time};
     std::unique_ptr<LibreTranslateService> service = std::make_unique<LibreTranslateService>(
         LibreTranslateService::Ports{.queue = time, .log = log, .defaults = defaults, .secrets = secrets});
-    Subscription offer;
+    std::optional<Subscription> offer;
     int completions = 0;
     std::optional<Result<std::string>> outcome;
 };

@@ -18,17 +18,14 @@ TEST(TranslationChoice, eachCall_goesToTheServiceChosenAtThatMoment) {
     test::FakeTranslationService server(time);
     test::FakeTranslationService local(time);
     server.reason = "The server's reason.";
-    local.needsWindow = true;
     bool isServerChosen = false;
     TranslationChoice choice(server, local, [&] { return isServerChosen; });
 
     EXPECT_EQ(choice.whyUnavailable(), std::nullopt);
-    EXPECT_TRUE(choice.needsVisibleWindow());
-    const auto localOffer = choice.offerSessions({"en", "es"}, [](auto) {});
+    const auto localOffer = choice.offerSessions({"en", "es"}, [](const TranslationSession&) {});
 
     isServerChosen = true;
     EXPECT_EQ(choice.whyUnavailable(), "The server's reason.");
-    EXPECT_FALSE(choice.needsVisibleWindow());
     choice.availability({"en", "de"}, [](const auto&) {});
     time.runPending();
 
