@@ -6,6 +6,8 @@ add_library(tovik_flags INTERFACE)
 target_include_directories(tovik_flags INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(tovik_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
                                              -Woverloaded-virtual -Wconversion -Wno-sign-conversion)
+# Some libraries ask for it, and what shares precompiled headers must have the same flags.
+target_compile_options(tovik_flags INTERFACE -pthread)
 # GCC 12 sees overlaps and overflows in std::string's own operators that are not there (GCC bugs 105651, 105329).
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(tovik_flags INTERFACE -Wno-restrict -Wno-stringop-overflow -Wno-stringop-overread
@@ -19,27 +21,36 @@ if(TOVIK_SANITIZE)
   add_link_options(-fsanitize=${TOVIK_SANITIZE})
 endif()
 
-# What nearly every source includes and nobody here changes. The tidy preset builds without, so that each file still
-# names what it needs.
+# What nearly every source includes and nobody here changes, compiled once for all that stand on the same libraries. The
+# tidy preset builds without, so that each file still names what it needs.
 set(TOVIK_COMMON_HEADERS <algorithm> <array> <chrono> <filesystem> <functional> <map> <memory> <mutex> <optional> <set>
                          <span> <string> <string_view> <thread> <utility> <vector>)
 set(TOVIK_QT_HEADERS <QApplication> <QObject> <QString> <QWidget>)
 
-# tovik_library(<name> [FOLDERS ...] [SOURCES ...] [LINKS ...])
+# tovik_library(<name> [FOLDERS ...] [SOURCES ...] [LINKS ...] [HEADERS_OF <library>])
 # A static library of the program: every source below the folders, and the named ones. LINKS are public: they say
-# which layers it stands on.
+# which layers it stands on. HEADERS_OF names a library with the same flags whose precompiled headers it shares.
 function(tovik_library name)
-  cmake_parse_arguments(ARG "" "" "FOLDERS;SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "HEADERS_OF" "FOLDERS;SOURCES;LINKS" ${ARGN})
   foreach(folder ${ARG_FOLDERS})
     file(GLOB_RECURSE found CONFIGURE_DEPENDS ${folder}/*.cpp)
     list(APPEND ARG_SOURCES ${found})
   endforeach()
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC tovik_flags ${ARG_LINKS})
-  target_precompile_headers(${name} PRIVATE ${TOVIK_COMMON_HEADERS})
-  if("Qt6::Widgets" IN_LIST ARG_LINKS)
-    target_precompile_headers(${name} PRIVATE ${TOVIK_QT_HEADERS})
+  if(ARG_HEADERS_OF)
+    target_precompile_headers(${name} REUSE_FROM ${ARG_HEADERS_OF})
+  else()
+    target_precompile_headers(${name} PRIVATE ${TOVIK_COMMON_HEADERS})
   endif()
+endfunction()
+
+# Tests run once and are compiled often, so they are not optimized as the program is. With the same flags everywhere, they
+# can share precompiled headers: those of tovik_test_headers, or tovik_test_qt_headers for what links the widgets.
+function(tovik_test_flags name)
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE tovik_flags)
+  target_compile_options(${name} PRIVATE -fPIC $<$<CONFIG:Release>:-Og>)
 endfunction()
 
 # tovik_test(<name> KIND unit|contract|ui|desktop [STAGED] [MAIN Core|Offscreen] [FOLDERS ...] [SOURCES ...]
@@ -61,9 +72,13 @@ function(tovik_test name)
   if(TOVIK_SANITIZE MATCHES thread)
     target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/SanitizedThreads.cpp)
   endif()
-  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE tovik_flags ${ARG_LINKS} GTest::gmock GTest::gtest_main)
-  target_precompile_headers(${name} PRIVATE ${TOVIK_COMMON_HEADERS} <gmock/gmock.h> <gtest/gtest.h>)
+  tovik_test_flags(${name})
+  target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  if(ARG_LINKS MATCHES "tovik_(linux|ui)|Qt6::Widgets")
+    target_precompile_headers(${name} REUSE_FROM tovik_test_qt_headers)
+  else()
+    target_precompile_headers(${name} REUSE_FROM tovik_test_headers)
+  endif()
   if(ARG_STAGED)
     add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/tools/stage -- $<TARGET_FILE:${name}>)
   else()
