@@ -53,22 +53,23 @@ function(tovik_test_flags name)
   target_compile_options(${name} PRIVATE -fPIC $<$<CONFIG:Release>:-Og>)
 endfunction()
 
-# tovik_test(<name> KIND unit|contract|ui|desktop [STAGED] [MAIN Core|Offscreen] [FOLDERS ...] [SOURCES ...]
-#            [LINKS ...])
+# tovik_test(<name> KIND unit|contract|ui|desktop [STAGED] [MAIN Core|Offscreen|Staged|StagedBare] [SECONDS <n>]
+#            [FOLDERS ...] [SOURCES ...] [LINKS ...])
 # A GoogleTest program of every source in the folders and the named ones, run by ctest under the label of its kind.
 # One that is STAGED finds an X server, a window manager, a session bus, a sound server and private folders (see
 # tools/stage). Those that want a stage of another shape, or several, start them themselves. MAIN names the main
-# function of tests/support that it wants instead of GoogleTest's: with a Qt application, or with one for widgets.
+# function of tests/support that it wants instead of GoogleTest's. SECONDS says roughly how long it takes if that is more
+# than a few: the longest begin first.
 function(tovik_test name)
-  cmake_parse_arguments(ARG "STAGED" "KIND;MAIN" "FOLDERS;SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "STAGED" "KIND;MAIN;SECONDS" "FOLDERS;SOURCES;LINKS" ${ARGN})
   foreach(folder ${ARG_FOLDERS})
     file(GLOB found CONFIGURE_DEPENDS ${folder}/*.cpp)
     list(APPEND ARG_SOURCES ${found})
   endforeach()
-  if(ARG_MAIN)
-    list(APPEND ARG_SOURCES ${CMAKE_SOURCE_DIR}/tests/support/${ARG_MAIN}Main.cpp)
-  endif()
   add_executable(${name} ${ARG_SOURCES})
+  if(ARG_MAIN)
+    target_link_libraries(${name} PRIVATE tovik_test_main_${ARG_MAIN})
+  endif()
   if(TOVIK_SANITIZE MATCHES thread)
     target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/SanitizedThreads.cpp)
   endif()
@@ -85,4 +86,7 @@ function(tovik_test name)
     add_test(NAME ${name} COMMAND ${name})
   endif()
   set_tests_properties(${name} PROPERTIES LABELS ${ARG_KIND})
+  if(ARG_SECONDS)
+    set_tests_properties(${name} PROPERTIES COST ${ARG_SECONDS})
+  endif()
 endfunction()
