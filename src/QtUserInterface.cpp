@@ -5,7 +5,7 @@
 #include "Linux/Desktop/QtStatusItem.h"
 #include "UserInterface/Window/MainWindowController.h"
 #include "UserInterface/Overlay/QtHintPanels.h"
-#include "UserInterface/Controls/SymbolImage.h"
+#include "UserInterface/Controls/Symbols.h"
 #include "WaveformOverlay.h"
 
 #include <QGuiApplication>

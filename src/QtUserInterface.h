@@ -8,7 +8,7 @@
 #include "Platform/SystemLog.h"
 #include "Platform/UserInterface.h"
 #include "Platform/Workspace.h"
-#include "UserInterface/Overlay/Compositing.h"
+#include "UserInterface/Controls/WindowSystem.h"
 
 #include <memory>
 

@@ -4,19 +4,47 @@
 
 #include "Speech/Text/ElapsedTime.h"
 #include "UserInterface/Overlay/FloatingPanel.h"
-#include "UserInterface/Overlay/OverlayPlacement.h"
-#include "UserInterface/Overlay/TabularDigitsLabel.h"
 #include "UserInterface/Overlay/WaveformView.h"
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
 
 namespace tovik {
 
 namespace {
 
 constexpr Size kSize{theme::kPillWidth, theme::kPillHeight};
+constexpr double kDistanceFromBottom = 30;
+
+bool contains(const Rect& frame, Point point) {
+    return point.x >= frame.x && point.x < frame.right() && point.y >= frame.y && point.y < frame.bottom();
+}
+
+std::optional<Screen> screenWithPointer(const Screens& screens) {
+    const Point pointer = screens.pointerLocation();
+    for (const Screen& screen : screens.screens()) {
+        if (contains(screen.frame, pointer)) {
+            return screen;
+        }
+    }
+    return screens.mainScreen();
+}
 
 } // namespace
+
+Point overlayOrigin(const Screens& screens, Size size) {
+    const auto screen = screenWithPointer(screens);
+    if (!screen) {
+        return {-size.width / 2, kDistanceFromBottom};
+    }
+    return {screen->frame.midX() - size.width / 2,
+            screen->visibleFrame.bottom() - kDistanceFromBottom - size.height};
+}
+
+bool isWorthMoving(Point from, Point to) {
+    return std::abs(from.x - to.x) > 1 || std::abs(from.y - to.y) > 1;
+}
 
 WaveformOverlay::WaveformOverlay(const Clock& clock, MainQueue& queue, const Screens& screens,
                                  Workspace& workspace, const Compositing& compositing)
@@ -63,8 +91,8 @@ void WaveformOverlay::tovik() {
     const auto grow = [this](double done) {
         window_->setContentScale(1 + (theme::kPillBeatScale - 1) * done);
     };
-    beat_.start(theme::kPillBeat, TimingCurve::linear, grow, [this, grow] {
-        beat_.start(theme::kPillBeat, TimingCurve::linear, [grow](double done) { grow(1 - done); });
+    beat_.start(theme::kPillBeat, curve::linear, grow, [this, grow] {
+        beat_.start(theme::kPillBeat, curve::linear, [grow](double done) { grow(1 - done); });
     });
 }
 
@@ -87,7 +115,7 @@ void WaveformOverlay::makeWindow() {
     elapsedLabel_ = new TabularDigitsLabel(QStringLiteral("0:00"), &window_->content());
     elapsedLabel_->setFont(theme::font(theme::kPillTextSize, FontWeight::medium));
     QPalette palette = elapsedLabel_->palette();
-    palette.setColor(QPalette::WindowText, theme::color(theme::kPillText));
+    palette.setColor(QPalette::WindowText, theme::kPillText);
     elapsedLabel_->setPalette(palette);
     elapsedLabel_->setAccessibleName(QStringLiteral("Elapsed recording time"));
 
@@ -108,13 +136,13 @@ void WaveformOverlay::layOutContent() {
 }
 
 void WaveformOverlay::fadeIn() {
-    fade_.start(theme::kPillFadeIn, TimingCurve::easeOut, [this](double done) { window_->setAlpha(done); });
+    fade_.start(theme::kPillFadeIn, curve::easeOut, [this](double done) { window_->setAlpha(done); });
 }
 
 void WaveformOverlay::fadeOut() {
     const double from = window_->alpha();
     fade_.start(
-        theme::kPillFadeOut, TimingCurve::easeOut,
+        theme::kPillFadeOut, curve::easeOut,
         [this, from](double done) { window_->setAlpha(from * (1 - done)); },
         [this] {
             movement_.stop();
@@ -167,7 +195,7 @@ void WaveformOverlay::reposition(bool animated) {
         window_->setOrigin(to);
         return;
     }
-    movement_.start(theme::kPillMove, TimingCurve::easeOut, [this, from, to](double done) {
+    movement_.start(theme::kPillMove, curve::easeOut, [this, from, to](double done) {
         window_->setOrigin({from.x + (to.x - from.x) * done, from.y + (to.y - from.y) * done});
     });
 }

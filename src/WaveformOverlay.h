@@ -6,8 +6,8 @@
 #include "Platform/RecordingOverlay.h"
 #include "Platform/Screens.h"
 #include "Platform/Workspace.h"
-#include "UserInterface/Overlay/Compositing.h"
 #include "UserInterface/Controls/FrameAnimation.h"
+#include "UserInterface/Controls/WindowSystem.h"
 
 #include <memory>
 #include <optional>
@@ -17,6 +17,20 @@ namespace tovik {
 class FloatingPanel;
 class TabularDigitsLabel;
 class WaveformView;
+
+struct Size {
+    double width = 0;
+    double height = 0;
+
+    bool operator==(const Size&) const = default;
+};
+
+/// Where the top left corner of a recording overlay of this size belongs: in the middle of the screen with
+/// the pointer, 30 above the bottom of what panels and docks leave free.
+[[nodiscard]] Point overlayOrigin(const Screens& screens, Size size);
+
+/// Whether moving from one place to the other is worth it: more than one point on either axis.
+[[nodiscard]] bool isWorthMoving(Point from, Point to);
 
 /// The recording pill: a small dark capsule near the bottom of the screen with the pointer, with the latest
 /// levels on its left and the recording time on its right. Its window, its timers and its observer exist only

@@ -3,8 +3,7 @@
 //
 // What a key press in the search field of the transcript history costs: 100 transcripts of 2,000 characters.
 #include "Speech/History/TranscriptHistoryFilter.h"
-#include "UserInterface/Window/MainWindowSections.h"
-#include "UserInterface/History/SearchField.h"
+#include "UserInterface/Window/MainWindowLayout.h"
 #include "UserInterface/History/TranscriptHistorySection.h"
 #include "ui/StatusMenuStage.h"
 

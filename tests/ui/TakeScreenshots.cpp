@@ -1,28 +1,26 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Speech/Translation/TranslationLanguage.h"
-#include "StatusMenuStage.h"
-#include "UserInterface/Window/Accordion.h"
-#include "UserInterface/Controls/BorderlessButton.h"
-#include "UserInterface/Overlay/Compositing.h"
-#include "UserInterface/Corrections/CorrectionsSection.h"
-#include "UserInterface/Overlay/FloatingPanel.h"
-#include "UserInterface/Window/HeaderView.h"
-#include "UserInterface/Controls/HoverFillButton.h"
-#include "UserInterface/Window/MainWindowController.h"
-#include "UserInterface/Window/MainWindowSections.h"
-#include "UserInterface/Window/MainWindowView.h"
-#include "UserInterface/Overlay/QtHintPanels.h"
-#include "UserInterface/History/RowSwipe.h"
-#include "UserInterface/History/SearchField.h"
+#include "UserInterface/Controls/Buttons.h"
 #include "UserInterface/Controls/Theme.h"
+#include "UserInterface/Controls/WindowSystem.h"
+#include "UserInterface/Corrections/CorrectionsSection.h"
+#include "UserInterface/History/HistoryRows.h"
 #include "UserInterface/History/TranscriptHistorySection.h"
 #include "UserInterface/History/TranscriptHistoryTable.h"
+#include "UserInterface/Overlay/FloatingPanel.h"
+#include "UserInterface/Overlay/QtHintPanels.h"
+#include "UserInterface/Window/Accordion.h"
+#include "UserInterface/Window/HeaderView.h"
+#include "UserInterface/Window/MainWindowController.h"
+#include "UserInterface/Window/MainWindowLayout.h"
+#include "UserInterface/Window/MainWindowView.h"
 #include "WaveformOverlay.h"
-#include "WindowStage.h"
 #include "support/FakeScreens.h"
 #include "support/FakeWorkspace.h"
 #include "support/ManualTime.h"
+#include "ui/StatusMenuStage.h"
+#include "ui/WindowStage.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -143,7 +141,7 @@ bool showsPanel(const QImage& picture) {
 
 /// The ground of the main window at its left side, beside the header.
 bool showsWindow(const QImage& picture) {
-    const QColor ground = theme::color(theme::windowBackground(QGuiApplication::palette()));
+    const QColor ground = theme::windowBackground(QGuiApplication::palette());
     return std::abs(colorAt(picture, 16, 120).lightness() - ground.lightness()) < 4;
 }
 

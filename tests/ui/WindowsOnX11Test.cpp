@@ -1,15 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Linux/X11/X11Workspace.h"
-#include "UserInterface/Overlay/Compositing.h"
+#include "UserInterface/Controls/WindowSystem.h"
 #include "UserInterface/Overlay/FloatingPanel.h"
-#include "UserInterface/Window/MainWindowController.h"
 #include "UserInterface/Overlay/QtHintPanels.h"
+#include "UserInterface/Window/MainWindowController.h"
 #include "WaveformOverlay.h"
-#include "WindowStage.h"
 #include "support/EventLoop.h"
 #include "support/WindowProgram.h"
 #include "support/XUser.h"
+#include "ui/WindowStage.h"
 
 #include <QApplication>
 #include <QScreen>

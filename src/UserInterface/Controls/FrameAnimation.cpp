@@ -2,10 +2,18 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Controls/FrameAnimation.h"
 
+#include <QPointF>
+
 #include <algorithm>
 #include <utility>
 
 namespace tovik {
+
+QEasingCurve curve::cubic(double x1, double y1, double x2, double y2) {
+    QEasingCurve result(QEasingCurve::BezierSpline);
+    result.addCubicBezierSegment(QPointF(x1, y1), QPointF(x2, y2), QPointF(1, 1));
+    return result;
+}
 
 namespace {
 
@@ -15,7 +23,7 @@ constexpr Seconds kFrame{1.0 / 60};
 
 FrameAnimation::FrameAnimation(const Clock& clock, MainQueue& queue) : clock_(clock), queue_(queue) {}
 
-void FrameAnimation::start(Seconds duration, TimingCurve curve, std::function<void(double)> step,
+void FrameAnimation::start(Seconds duration, const QEasingCurve& curve, std::function<void(double)> step,
                            std::function<void()> completion) {
     stop();
     startedAt_ = clock_.now();
@@ -40,7 +48,7 @@ void FrameAnimation::advance() {
     const Seconds elapsed = clock_.now() - startedAt_;
     reached_ = std::max(reached_, std::min(elapsed / duration_, 1.0));
     const auto step = step_;
-    step(curve_.valueAt(reached_));
+    step(curve_.valueForProgress(reached_));
 }
 
 void FrameAnimation::finish() {

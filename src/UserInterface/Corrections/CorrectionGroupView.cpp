@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Corrections/CorrectionGroupView.h"
 
-#include "UserInterface/Controls/FieldShell.h"
-#include "UserInterface/Controls/HoverFillButton.h"
+#include "UserInterface/Controls/Buttons.h"
+#include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/Theme.h"
 
 #include <QEvent>
@@ -26,7 +26,7 @@ HoverFillButton* makeButton(const QString& symbol, const QString& name, const QS
     auto* button = new HoverFillButton(parent);
     button->setFixedSize(kButton, kButton);
     button->setSymbol(symbol, theme::kCorrectionSymbolSize);
-    button->setContentTint(theme::color(Rgba::white(0, theme::kCorrectionSymbolAlpha)));
+    button->setContentTint(theme::white(0, theme::kCorrectionSymbolAlpha));
     button->describe(name, help);
     return button;
 }

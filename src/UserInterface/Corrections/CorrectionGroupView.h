@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "UserInterface/Corrections/CorrectionGroups.h"
+#include "UserInterface/Corrections/CorrectionsEditor.h"
 
 #include <QWidget>
 

@@ -4,7 +4,6 @@
 
 #include "Platform/UserDefaults.h"
 #include "Speech/Text/TranscriptionDictionary.h"
-#include "UserInterface/Corrections/CorrectionGroups.h"
 
 #include <functional>
 #include <optional>
@@ -13,6 +12,29 @@
 #include <vector>
 
 namespace tovik {
+
+/// All phrases that are corrected to the same text.
+struct CorrectionGroup {
+    /// At least one.
+    std::vector<std::string> heardValues;
+    std::string corrected;
+
+    bool operator==(const CorrectionGroup&) const = default;
+};
+
+/// The corrections as the editor shows them: by replacement, and in each group by heard phrase. The order is
+/// that of the characters' code points: capitals come before small letters.
+[[nodiscard]] std::vector<CorrectionGroup> correctionGroups(const TranscriptionDictionary::Mapping& mapping);
+
+/// The base, or the first of "base 2", "base 3", ... that is no heard phrase yet.
+[[nodiscard]] std::string freeHeardPhrase(const TranscriptionDictionary::Mapping& mapping,
+                                          std::string_view base);
+
+/// Heard phrases as one text, by which a control of a group knows them.
+[[nodiscard]] std::string joinedHeardPhrases(const std::vector<std::string>& heardValues);
+
+/// The phrases in such a text; empty ones are dropped.
+[[nodiscard]] std::vector<std::string> heardPhrasesIn(std::string_view identifier);
 
 /// What each control of the corrections editor does. Every edit is stored before the call returns; then the
 /// view is asked to show the dictionary anew, and a toast says what happened. Main thread.

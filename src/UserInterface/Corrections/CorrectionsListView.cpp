@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Corrections/CorrectionsListView.h"
 
-#include "UserInterface/Corrections/CorrectionsEditor.h"
-#include "UserInterface/Controls/FieldShell.h"
+#include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/Theme.h"
+#include "UserInterface/Corrections/CorrectionsEditor.h"
 
 #include <QCoreApplication>
 #include <QEvent>

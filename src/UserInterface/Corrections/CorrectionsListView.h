@@ -3,7 +3,7 @@
 #pragma once
 
 #include "UserInterface/Corrections/CorrectionGroupView.h"
-#include "UserInterface/Corrections/CorrectionGroups.h"
+#include "UserInterface/Corrections/CorrectionsEditor.h"
 
 #include <QPointer>
 #include <QWidget>

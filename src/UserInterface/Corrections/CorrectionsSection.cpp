@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Corrections/CorrectionsSection.h"
 
-#include "UserInterface/Corrections/CorrectionsListView.h"
-#include "UserInterface/Controls/HoverLinkButton.h"
-#include "UserInterface/Settings/SettingLabel.h"
+#include "UserInterface/Controls/Buttons.h"
+#include "UserInterface/Controls/Labels.h"
 #include "UserInterface/Controls/Theme.h"
+#include "UserInterface/Corrections/CorrectionsListView.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -24,7 +24,7 @@ CorrectionsSection::CorrectionsSection(TranscriptionDictionary& dictionary, User
       addButton_(new HoverLinkButton) {
     addButton_->setText(QStringLiteral("+ Add correction"));
     addButton_->setFont(theme::font(theme::kSettingTextSize, FontWeight::medium));
-    addButton_->setContentTint(theme::color(theme::kIndigo.withAlpha(theme::kAddCorrectionAlpha)));
+    addButton_->setContentTint(theme::withAlpha(theme::kIndigo, theme::kAddCorrectionAlpha));
     addButton_->setContentPadding(4, 3);
     addButton_->describe(QStringLiteral("Add correction"), QStringLiteral("Add a new correction rule"));
     connect(addButton_, &QPushButton::clicked, this, [this] {

@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/History/TranscriptHistoryCell.h"
 
-#include "UserInterface/Controls/ClampedLabel.h"
-#include "UserInterface/History/HighlightView.h"
-#include "UserInterface/Controls/HoverFillButton.h"
-#include "UserInterface/History/SwipeActionButton.h"
+#include "UserInterface/Controls/Buttons.h"
+#include "UserInterface/Controls/Labels.h"
+#include "UserInterface/Controls/Painting.h"
 #include "UserInterface/Controls/Theme.h"
 
 #include <QEvent>
@@ -14,6 +13,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QTextLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -22,17 +22,128 @@ namespace tovik {
 
 namespace {
 
-QColor ink(const Rgba& color) {
-    return theme::color(color);
-}
+/// More than this of a text never fits a line.
+constexpr int kMostCharactersInALine = 400;
+/// How dark the button beside a row drawn aside is, in parts of a hundred.
+constexpr int kPressedDarkening = 118;
+constexpr int kHoverDarkening = 108;
+constexpr int kRest = 100;
 
-void setInk(QWidget& view, const QColor& color) {
-    QPalette palette = view.palette();
-    palette.setColor(QPalette::WindowText, color);
-    view.setPalette(palette);
+QString inOneLine(QString text) {
+    for (const QChar separator : {QChar(QChar::LineSeparator), QChar(QChar::ParagraphSeparator)}) {
+        text.replace(separator, QLatin1Char(' '));
+    }
+    return text;
 }
 
 } // namespace
+
+ClampedLabel::ClampedLabel(int mostLines, QWidget* parent) : QLabel(parent), mostLines_(mostLines) {
+    setTextFormat(Qt::PlainText);
+}
+
+QStringList ClampedLabel::shownLines(int width) const {
+    const QString whole = text();
+    QString begin = whole.left(kMostCharactersInALine * mostLines_);
+    begin.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    begin.replace(QLatin1Char('\n'), QChar(QChar::LineSeparator));
+    const bool isCut = begin.size() < whole.size();
+
+    QTextLayout layout(begin, font());
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    QStringList lines;
+    layout.beginLayout();
+    while (lines.size() < mostLines_) {
+        QTextLine line = layout.createLine();
+        if (!line.isValid()) {
+            break;
+        }
+        line.setLineWidth(width);
+        const int end = line.textStart() + line.textLength();
+        const bool goesOn = end < begin.size() || isCut;
+        if (lines.size() + 1 == mostLines_ && goesOn) {
+            const QString rest = inOneLine(begin.mid(line.textStart(), kMostCharactersInALine));
+            // The rest may still fit the line when only what was cut away is missing.
+            lines.append(fontMetrics().elidedText(rest + QChar(0x2026), Qt::ElideRight, width));
+        } else {
+            lines.append(inOneLine(begin.mid(line.textStart(), line.textLength())).trimmed());
+        }
+    }
+    layout.endLayout();
+    return lines;
+}
+
+int ClampedLabel::heightForWidth(int width) const {
+    const auto lines = std::max<qsizetype>(1, shownLines(width).size());
+    return static_cast<int>(lines) * fontMetrics().lineSpacing();
+}
+
+QSize ClampedLabel::sizeHint() const {
+    return {0, mostLines_ * fontMetrics().lineSpacing()};
+}
+
+QSize ClampedLabel::minimumSizeHint() const {
+    return {0, fontMetrics().lineSpacing()};
+}
+
+void ClampedLabel::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setPen(palette().color(foregroundRole()));
+    const int lineHeight = fontMetrics().lineSpacing();
+    int top = 0;
+    for (const QString& line : shownLines(width())) {
+        painter.drawText(QRect(0, top, width(), lineHeight),
+                         static_cast<int>(Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine), line);
+        top += lineHeight;
+    }
+}
+
+HighlightView::HighlightView(const QColor& color, double cornerRadius, QWidget* parent)
+    : QWidget(parent),
+      color_(color),
+      cornerRadius_(cornerRadius) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void HighlightView::setAlpha(double alpha) {
+    alpha_ = alpha;
+    update();
+}
+
+void HighlightView::setRing(bool hasRing) {
+    hasRing_ = hasRing;
+    update();
+}
+
+void HighlightView::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (alpha_ > 0) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(theme::withAlpha(color_, color_.alphaF() * alpha_));
+        painter.drawRoundedRect(rect(), cornerRadius_, cornerRadius_);
+    }
+    if (hasRing_) {
+        paintFocusRing(painter, rect(), cornerRadius_ - theme::kFocusRingWidth / 2);
+    }
+}
+
+SwipeActionButton::SwipeActionButton(const QString& title, QWidget* parent) : BorderlessButton(parent) {
+    setText(title);
+    setFont(theme::font(theme::kHistoryTextSize, FontWeight::semibold));
+    setContentTint(theme::kHistoryDeleteText);
+    // It is there for the pointer; the keyboard has a key for it.
+    setFocusPolicy(Qt::NoFocus);
+}
+
+void SwipeActionButton::paintGround(QPainter& painter) {
+    const int darkening = isDown() ? kPressedDarkening : isHovered() ? kHoverDarkening : kRest;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(theme::kHistoryDeleteGround.darker(darkening));
+    painter.drawRect(rect());
+}
 
 TranscriptHistoryCell::TranscriptHistoryCell(const Clock& clock, MainQueue& queue, QWidget* parent)
     : QWidget(parent),
@@ -45,15 +156,15 @@ TranscriptHistoryCell::TranscriptHistoryCell(const Clock& clock, MainQueue& queu
       deleteButton_(new SwipeActionButton(QStringLiteral("Delete"), this)),
       fade_(clock, queue) {
     textLabel_->setFont(theme::font(theme::kHistoryTextSize));
-    setInk(*textLabel_, ink(theme::kRowTitle));
+    setInk(*textLabel_, theme::kRowTitle);
     dateLabel_->setFont(theme::font(theme::kHistoryDateSize));
     dateLabel_->setTextFormat(Qt::PlainText);
-    setInk(*dateLabel_, ink(theme::kRowDetail));
+    setInk(*dateLabel_, theme::kRowDetail);
 
     copyButton_->setSymbol(QStringLiteral("doc.on.doc"), theme::kHistoryButtonSymbolSize);
     copyButton_->describe(QStringLiteral("Copy transcript"),
                           QStringLiteral("Copy this transcript to the clipboard"));
-    copyButton_->setContentTint(ink(theme::kAccent));
+    copyButton_->setContentTint(theme::kAccent);
     copyButton_->setFocusPolicy(Qt::NoFocus);
     connect(copyButton_, &QPushButton::clicked, this, [this] { emit copyClicked(row_); });
 
@@ -94,13 +205,12 @@ void TranscriptHistoryCell::setCurrent(bool current, bool hasRing) {
 
 void TranscriptHistoryCell::flashCopiedState() {
     endFlash();
-    fadeHighlight(theme::kHistoryHighlightAlpha, theme::kHistoryFlashIn, TimingCurve::easeOut);
-    fadeOut_ = queue_.after(theme::kHistoryFlashShown, [this] {
-        fadeHighlight(0, theme::kHistoryFlashOut, TimingCurve::easeInEaseOut);
-    });
+    fadeHighlight(theme::kHistoryHighlightAlpha, theme::kHistoryFlashIn, curve::easeOut);
+    fadeOut_ = queue_.after(theme::kHistoryFlashShown,
+                            [this] { fadeHighlight(0, theme::kHistoryFlashOut, curve::easeInEaseOut); });
 }
 
-void TranscriptHistoryCell::fadeHighlight(double to, Seconds duration, TimingCurve curve) {
+void TranscriptHistoryCell::fadeHighlight(double to, Seconds duration, const QEasingCurve& curve) {
     const double from = highlight_->alpha();
     fade_.start(duration, curve,
                 [this, from, to](double done) { highlight_->setAlpha(from + (to - from) * done); });
@@ -168,7 +278,7 @@ void TranscriptHistoryCell::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(theme::color(theme::kAccent.withAlpha(theme::kHistorySelectionAlpha)));
+    painter.setBrush(theme::withAlpha(theme::kAccent, theme::kHistorySelectionAlpha));
     painter.drawRoundedRect(highlight_->geometry().translated(content_->pos()),
                             theme::kHistoryHighlightRadius, theme::kHistoryHighlightRadius);
 }

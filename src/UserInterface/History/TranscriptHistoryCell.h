@@ -4,19 +4,73 @@
 
 #include "Platform/Clock.h"
 #include "Platform/MainQueue.h"
+#include "UserInterface/Controls/Buttons.h"
 #include "UserInterface/Controls/FrameAnimation.h"
+#include "UserInterface/Controls/Theme.h"
 
+#include <QLabel>
 #include <QString>
+#include <QStringList>
 #include <QWidget>
-
-class QLabel;
 
 namespace tovik {
 
-class ClampedLabel;
-class HighlightView;
-class HoverFillButton;
-class SwipeActionButton;
+/// A text in a few lines at most, which ends in an ellipsis where they do not hold all of it. The whole text
+/// is still its text. Costs the same for a text of any length.
+class ClampedLabel : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit ClampedLabel(int mostLines, QWidget* parent = nullptr);
+
+    /// What shows at this width, line by line.
+    [[nodiscard]] QStringList shownLines(int width) const;
+
+    [[nodiscard]] int heightForWidth(int width) const override;
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const int mostLines_;
+};
+
+/// A rounded ground that comes and goes beneath what lies on it. Out of sight at first; takes no clicks.
+class HighlightView : public QWidget {
+    Q_OBJECT
+
+public:
+    HighlightView(const QColor& color, double cornerRadius, QWidget* parent);
+
+    void setAlpha(double alpha);
+    [[nodiscard]] double alpha() const { return alpha_; }
+
+    /// A ring around it that says that the keyboard is here; seen also while the ground is not.
+    void setRing(bool hasRing);
+    [[nodiscard]] bool hasRing() const { return hasRing_; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const QColor color_;
+    const double cornerRadius_;
+    double alpha_ = 0;
+    bool hasRing_ = false;
+};
+
+/// The action that shows beside a row that was swiped aside: white on a colour that warns.
+class SwipeActionButton : public BorderlessButton {
+    Q_OBJECT
+
+public:
+    explicit SwipeActionButton(const QString& title, QWidget* parent = nullptr);
+
+protected:
+    void paintGround(QPainter& painter) override;
+};
 
 /// One row of the transcript history: the text, when it was said, and a button that copies it. Cells are used
 /// again for other rows. Clicks beside its buttons are left to the list.
@@ -66,7 +120,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void fadeHighlight(double to, Seconds duration, TimingCurve curve);
+    void fadeHighlight(double to, Seconds duration, const QEasingCurve& curve);
     void endFlash();
     void place();
     void placeContent();

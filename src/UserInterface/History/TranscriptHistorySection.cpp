@@ -3,31 +3,113 @@
 #include "UserInterface/History/TranscriptHistorySection.h"
 
 #include "Speech/History/TranscriptHistoryBrowser.h"
-#include "UserInterface/History/SearchField.h"
-#include "UserInterface/History/ShortDate.h"
+#include "UserInterface/Controls/Buttons.h"
+#include "UserInterface/Controls/Labels.h"
+#include "UserInterface/Controls/Painting.h"
+#include "UserInterface/Controls/Symbols.h"
 #include "UserInterface/Controls/Theme.h"
 #include "UserInterface/History/TranscriptHistoryTable.h"
 
+#include <QDateTime>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QVBoxLayout>
 
 namespace tovik {
 
 namespace {
 
+constexpr int kSearchSide = 8;
+constexpr int kSearchGap = 5;
+constexpr int kSearchSymbolSize = 14;
+constexpr int kClearSize = 18;
+constexpr double kClearSymbolSize = 10;
+
 QLabel* makeNote(const QString& text) {
-    auto* note = new QLabel(text);
-    note->setFont(theme::font(theme::kHistoryDateSize));
-    note->setTextFormat(Qt::PlainText);
-    QPalette palette = note->palette();
-    palette.setColor(QPalette::WindowText, theme::color(theme::kRowDetail));
-    note->setPalette(palette);
-    return note;
+    return makePlainLabel(text, theme::font(theme::kHistoryDateSize), theme::kRowDetail);
+}
+
+/// Day and time in the short style of the user's locale and in the user's time zone.
+QString shortDateAndTime(Date date) {
+    using std::chrono::duration_cast;
+    using std::chrono::milliseconds;
+    const auto since1970 = duration_cast<milliseconds>(date.time_since_epoch());
+    return QLocale().toString(QDateTime::fromMSecsSinceEpoch(since1970.count()), QLocale::ShortFormat);
 }
 
 } // namespace
+
+SearchField::SearchField(const QString& placeholder, const QString& help, QWidget* parent)
+    : QWidget(parent),
+      lineEdit_(new QLineEdit),
+      clearButton_(new HoverFillButton) {
+    setFixedHeight(theme::kFieldHeight);
+    lineEdit_->setFrame(false);
+    lineEdit_->setFont(theme::font(theme::kFieldTextSize));
+    lineEdit_->setPlaceholderText(placeholder);
+    lineEdit_->setAccessibleName(placeholder);
+    lineEdit_->setAccessibleDescription(help);
+    lineEdit_->setToolTip(help);
+    QPalette palette = lineEdit_->palette();
+    palette.setColor(QPalette::Base, theme::kFieldBackground);
+    palette.setColor(QPalette::Text, theme::kRowTitle);
+    palette.setColor(QPalette::PlaceholderText, theme::kRowDetail);
+    lineEdit_->setPalette(palette);
+    lineEdit_->installEventFilter(this);
+
+    auto* symbol = new SymbolView(QStringLiteral("magnifyingglass"), {kSearchSymbolSize, kSearchSymbolSize},
+                                  theme::kRowDetail);
+    clearButton_->setSymbol(QStringLiteral("xmark"), kClearSymbolSize);
+    clearButton_->setFixedSize(kClearSize, kClearSize);
+    clearButton_->setContentTint(theme::kRowDetail);
+    clearButton_->describe(QStringLiteral("Clear search"), QStringLiteral("Clear search"));
+    // Escape does the same from the keyboard.
+    clearButton_->setFocusPolicy(Qt::NoFocus);
+    clearButton_->hide();
+
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(kSearchSide, 0, kSearchSide, 0);
+    row->setSpacing(kSearchGap);
+    row->addWidget(symbol);
+    row->addWidget(lineEdit_, 1);
+    row->addWidget(clearButton_);
+
+    connect(clearButton_, &QPushButton::clicked, lineEdit_, &QLineEdit::clear);
+    connect(lineEdit_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        clearButton_->setVisible(!text.isEmpty());
+        emit searchChanged(text);
+    });
+    connect(lineEdit_, &QLineEdit::returnPressed, this, [this] { emit searchChanged(lineEdit_->text()); });
+}
+
+bool SearchField::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
+        update();
+    } else if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Escape && !lineEdit_->text().isEmpty()) {
+            lineEdit_->clear();
+            return true;
+        }
+        if (key->key() == Qt::Key_Down) {
+            emit downPressed();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void SearchField::paintEvent(QPaintEvent* /*event*/) {
+    const bool hasRing = lineEdit_->hasFocus();
+    QPainter painter(this);
+    paintBox(painter, rect(), theme::kFieldBackground, hasRing ? theme::kAccent : theme::kFieldBorder,
+             hasRing ? theme::kFocusRingWidth : theme::kRowBorderWidth, theme::kFieldCornerRadius);
+}
 
 TranscriptHistorySection::TranscriptHistorySection(const Clock& clock, MainQueue& queue,
                                                    TranscriptHistoryBrowser& browser, QWidget* parent)

@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/History/TranscriptHistoryTable.h"
 
-#include "UserInterface/Controls/HoverFillButton.h"
-#include "UserInterface/Window/OverlayScrollBar.h"
+#include "UserInterface/Controls/Buttons.h"
+#include "UserInterface/Controls/OverlayScrollBar.h"
+#include "UserInterface/Controls/Painting.h"
 #include "UserInterface/Controls/Theme.h"
 
 #include <QAccessible>
@@ -332,8 +333,8 @@ void TranscriptHistoryTable::resizeEvent(QResizeEvent* event) {
 void TranscriptHistoryTable::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(theme::color(theme::kRowBorder), theme::kRowBorderWidth));
-    painter.setBrush(theme::color(theme::kRowBackground));
+    painter.setPen(QPen(theme::kRowBorder, theme::kRowBorderWidth));
+    painter.setBrush(theme::kRowBackground);
     painter.drawRoundedRect(frameOf(*this), theme::kRowCornerRadius, theme::kRowCornerRadius);
     for (int row = rows_.firstVisible() + 1; row < rows_.endVisible(); ++row) {
         const double y = rows_.topOf(row) - theme::kRowBorderWidth / 2;
@@ -342,15 +343,11 @@ void TranscriptHistoryTable::paintEvent(QPaintEvent* /*event*/) {
     if (rows_.count > 0) {
         return;
     }
-    painter.setPen(theme::color(theme::kRowDetail));
+    painter.setPen(theme::kRowDetail);
     painter.setFont(theme::font(theme::kHistoryTextSize));
     painter.drawText(rect(), static_cast<int>(Qt::AlignCenter), placeholder_);
     if (hasFocus()) {
-        constexpr double inset = theme::kFocusRingWidth / 2;
-        painter.setPen(QPen(theme::color(theme::kAccent), theme::kFocusRingWidth));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset),
-                                theme::kRowCornerRadius, theme::kRowCornerRadius);
+        paintFocusRing(painter, rect(), theme::kRowCornerRadius);
     }
 }
 

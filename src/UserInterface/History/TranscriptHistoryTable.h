@@ -4,8 +4,7 @@
 
 #include "Platform/Clock.h"
 #include "Platform/MainQueue.h"
-#include "UserInterface/History/ListRows.h"
-#include "UserInterface/History/RowSwipe.h"
+#include "UserInterface/History/HistoryRows.h"
 #include "UserInterface/History/TranscriptHistoryCell.h"
 
 #include <QPoint>
@@ -24,6 +23,11 @@ class OverlayScrollBar;
 /// The scrolling list of past transcripts. It makes as many cells as fit its height and uses them again as it
 /// scrolls. A row is copied by double-click, Return or its button, deleted by the Delete key or by swiping it
 /// aside, and has a context menu; the list only reports that. Rows are counted from 0.
+///
+/// Not a QListView with a delegate: that paints pictures of rows, and to assistive programs its rows can be
+/// selected and no more. Here a row in sight is a live view: its copy button has a tool tip, a name, a look
+/// for the pointer over it and a place in the order of the Tab key; the button beside a row drawn aside is
+/// pressed like any other; and pressing the row itself copies it.
 class TranscriptHistoryTable : public QWidget {
     Q_OBJECT
 

@@ -2,16 +2,19 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Overlay/FloatingPanel.h"
 
-#include "UserInterface/Controls/ScaleEffect.h"
-#include "UserInterface/Controls/ShadowPainter.h"
+#include "UserInterface/Controls/Painting.h"
 
 #include <QBitmap>
+#include <QGraphicsEffect>
 #include <QPaintEvent>
 #include <QPainter>
 
 #include <cmath>
 
 namespace tovik {
+
+KeyableWindow::KeyableWindow(Qt::WindowFlags flags)
+    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | flags) {}
 
 namespace {
 
@@ -40,12 +43,12 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
-        painter.setBrush(theme::color(style_.background));
+        painter.setBrush(style_.background);
         painter.drawRoundedRect(rect(), style_.cornerRadius, style_.cornerRadius);
         if (style_.borderWidth > 0) {
             const double inset = style_.borderWidth / 2;
             const double radius = style_.cornerRadius - inset;
-            painter.setPen(QPen(theme::color(style_.borderColor), style_.borderWidth));
+            painter.setPen(QPen(style_.borderColor, style_.borderWidth));
             painter.setBrush(Qt::NoBrush);
             painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius, radius);
         }
@@ -66,6 +69,36 @@ QBitmap roundedMask(const QSize& size, double cornerRadius) {
 }
 
 } // namespace
+
+/// Shows a widget smaller or larger than it is, around its centre and within its own bounds. Free of charge
+/// at scale 1.
+class FloatingPanel::ScaleEffect : public QGraphicsEffect {
+public:
+    explicit ScaleEffect(QObject* parent) : QGraphicsEffect(parent) { setEnabled(false); }
+
+    void setScale(double scale) {
+        scale_ = scale;
+        setEnabled(scale != 1);
+        update();
+    }
+    [[nodiscard]] double scale() const { return scale_; }
+
+protected:
+    void draw(QPainter* painter) override {
+        const QRectF bounds = sourceBoundingRect();
+        const QPixmap picture = sourcePixmap(Qt::LogicalCoordinates, nullptr, NoPad);
+        painter->save();
+        painter->setRenderHint(QPainter::SmoothPixmapTransform);
+        painter->translate(bounds.center());
+        painter->scale(scale_, scale_);
+        painter->translate(-bounds.center());
+        painter->drawPixmap(bounds.topLeft(), picture);
+        painter->restore();
+    }
+
+private:
+    double scale_ = 1;
+};
 
 /// The panel's shadow is a window of its own just beneath it, so that the panel is exactly as large as it
 /// looks.

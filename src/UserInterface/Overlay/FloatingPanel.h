@@ -3,21 +3,29 @@
 #pragma once
 
 #include "Platform/Screens.h"
-#include "UserInterface/Overlay/Compositing.h"
-#include "UserInterface/Window/KeyableWindow.h"
 #include "UserInterface/Controls/Theme.h"
+#include "UserInterface/Controls/WindowSystem.h"
+
+#include <QWidget>
 
 #include <memory>
 
 namespace tovik {
 
-class ScaleEffect;
+/// A window without a frame that may still take the keyboard and be the main window, where it is shown in a
+/// way that offers them.
+class KeyableWindow : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit KeyableWindow(Qt::WindowFlags flags = {});
+};
 
 struct PanelStyle {
-    Rgba background;
+    QColor background;
     double cornerRadius = 0;
     double borderWidth = 0;
-    Rgba borderColor = {};
+    QColor borderColor = {};
 };
 
 /// A small rounded panel above every other window, full-screen ones included, on all desktops. It is never
@@ -47,6 +55,7 @@ public:
     void orderOut();
 
 private:
+    class ScaleEffect;
     class Shadow;
 
     PanelStyle style_;

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Overlay/QtHintPanels.h"
 
-#include "UserInterface/Overlay/FloatingPanel.h"
 #include "UserInterface/Controls/FrameAnimation.h"
+#include "UserInterface/Overlay/FloatingPanel.h"
 
 #include <QFontMetricsF>
 #include <QLabel>
@@ -40,7 +40,7 @@ public:
         auto* label = new QLabel(QString::fromStdString(description.text), &panel_.content());
         label->setFont(fontThatFits(label->text(), description));
         QPalette palette = label->palette();
-        palette.setColor(QPalette::WindowText, theme::color(Rgba::white(description.textWhite)));
+        palette.setColor(QPalette::WindowText, theme::white(description.textWhite));
         label->setPalette(palette);
         label->setAlignment(Qt::AlignCenter);
         label->setGeometry(panel_.content().rect());
@@ -49,14 +49,13 @@ public:
     void fadeIn(Seconds duration) override {
         panel_.setAlpha(0);
         panel_.orderFront();
-        fade_.start(duration, TimingCurve::easeInEaseOut, [this](double done) { panel_.setAlpha(done); });
+        fade_.start(duration, curve::easeInEaseOut, [this](double done) { panel_.setAlpha(done); });
     }
 
     void fadeOut(Seconds duration, std::function<void()> completion) override {
         const double from = panel_.alpha();
         fade_.start(
-            duration, TimingCurve::easeInEaseOut,
-            [this, from](double done) { panel_.setAlpha(from * (1 - done)); },
+            duration, curve::easeInEaseOut, [this, from](double done) { panel_.setAlpha(from * (1 - done)); },
             [this, completion = std::move(completion)] {
                 panel_.orderOut();
                 if (completion) {

@@ -4,7 +4,7 @@
 
 #include "Platform/HintPanels.h"
 #include "Platform/MainQueue.h"
-#include "UserInterface/Overlay/Compositing.h"
+#include "UserInterface/Controls/WindowSystem.h"
 
 namespace tovik {
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QLabel>
 #include <QWidget>
 
 #include <vector>
@@ -30,6 +31,23 @@ protected:
 private:
     float level_ = 0;
     std::vector<double> samples_;
+};
+
+/// A line of text whose digits are all equally wide, so that a running time does not tremble.
+class TabularDigitsLabel : public QLabel {
+    Q_OBJECT
+
+public:
+    using QLabel::QLabel;
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+    /// Where each character of the text begins, from the left, and at the last where the text ends.
+    [[nodiscard]] QList<double> characterPositions() const;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
 };
 
 } // namespace tovik

@@ -3,7 +3,9 @@
 #pragma once
 
 #include "Permissions/TovikVoicePermission.h"
+#include "Permissions/TovikVoicePermissionState.h"
 
+#include <QColor>
 #include <QWidget>
 
 #include <functional>
@@ -13,8 +15,37 @@ class QLabel;
 
 namespace tovik {
 
+class HoverLinkButton;
 class PermissionChecklist;
-class PermissionRowView;
+
+/// One permission: what it is for, how it stands, and a button that does what helps.
+class PermissionRowView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit PermissionRowView(TovikVoicePermission permission, QWidget* parent = nullptr);
+
+    [[nodiscard]] TovikVoicePermission permission() const { return permission_; }
+    [[nodiscard]] QLabel& statusLabel() { return *statusLabel_; }
+    [[nodiscard]] HoverLinkButton& actionButton() { return *actionButton_; }
+    [[nodiscard]] QWidget& statusDot() { return *statusDot_; }
+    [[nodiscard]] QLabel& detailLabel() { return *detailLabel_; }
+
+    void update(TovikVoicePermissionState state);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QWidget* makeTextColumn();
+    QWidget* makeStatusGroup();
+
+    const TovikVoicePermission permission_;
+    QLabel* statusLabel_;
+    HoverLinkButton* actionButton_;
+    QWidget* statusDot_;
+    QLabel* detailLabel_;
+};
 
 /// The rows of all permissions and the line beneath them.
 class PermissionsSection : public QWidget {

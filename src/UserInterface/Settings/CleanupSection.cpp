@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Settings/CleanupSection.h"
 
-#include "UserInterface/Controls/FieldShell.h"
-#include "UserInterface/Settings/SettingCheckBox.h"
-#include "UserInterface/Settings/SettingLabel.h"
+#include "UserInterface/Controls/Fields.h"
+#include "UserInterface/Controls/Labels.h"
 #include "UserInterface/Controls/Theme.h"
 
 #include <QLabel>
@@ -13,6 +12,23 @@
 #include <utility>
 
 namespace tovik {
+
+CleanupSettings::CleanupSettings(FillerWords& fillerWords, UserDefaults& defaults,
+                                 std::function<void(const std::string&)> showSavedToast)
+    : fillerWords_(fillerWords),
+      defaults_(defaults),
+      showSavedToast_(std::move(showSavedToast)) {}
+
+void CleanupSettings::cleanupToggled(bool on) {
+    defaults_.set(FillerWords::removeKey, on);
+    showSavedToast_(on ? "Cleanup on" : "Cleanup off");
+}
+
+std::string CleanupSettings::fillerWordsChanged(std::string_view text) {
+    auto inEffect = fillerWords_.saveFillerWords(text);
+    showSavedToast_("Filler words saved");
+    return inEffect;
+}
 
 CleanupSection::CleanupSection(CleanupSettings settings, QWidget* parent)
     : QWidget(parent),

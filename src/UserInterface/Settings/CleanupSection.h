@@ -2,15 +2,40 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "UserInterface/Settings/CleanupSettings.h"
+#include "Platform/UserDefaults.h"
+#include "Speech/Text/FillerWords.h"
 
 #include <QWidget>
+
+#include <functional>
+#include <string>
+#include <string_view>
 
 class QCheckBox;
 
 namespace tovik {
 
 class FieldShell;
+
+/// The switch and the list of the Cleanup section. Main thread.
+class CleanupSettings {
+public:
+    /// Both outlive it.
+    CleanupSettings(FillerWords& fillerWords, UserDefaults& defaults,
+                    std::function<void(const std::string&)> showSavedToast);
+
+    [[nodiscard]] bool cleanupEnabled() const { return fillerWords_.cleanupEnabled(); }
+    [[nodiscard]] std::string fillerWords() { return fillerWords_.fillerWords(); }
+
+    void cleanupToggled(bool on);
+    /// Stores what was typed, the default list when that is nothing; returns the list then in effect.
+    std::string fillerWordsChanged(std::string_view text);
+
+private:
+    FillerWords& fillerWords_;
+    UserDefaults& defaults_;
+    const std::function<void(const std::string&)> showSavedToast_;
+};
 
 /// Whether filler words are removed, and which.
 class CleanupSection : public QWidget {

@@ -2,16 +2,75 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "UserInterface/Settings/TranslationSettings.h"
+#include "Platform/TextTranslator.h"
+#include "Platform/UserDefaults.h"
 
+#include <QComboBox>
 #include <QWidget>
+
+#include <functional>
+#include <optional>
+#include <string>
 
 class QCheckBox;
 class QLabel;
 
 namespace tovik {
 
-class LanguagePopUp;
+/// The switch and the languages of the Translation section. Main thread.
+class TranslationSettings {
+public:
+    /// Both outlive it.
+    TranslationSettings(const TextTranslator& translator, UserDefaults& defaults,
+                        std::function<void(const std::string&)> showSavedToast);
+
+    /// What the switch says, which depends on whether there is a translation service.
+    [[nodiscard]] std::string toggleTitle() const;
+    [[nodiscard]] bool isToggleEnabled() const;
+    /// What is missing, for the user; nothing while there is a translation service.
+    [[nodiscard]] std::optional<std::string> explanation() const { return translator_.whyUnavailable(); }
+
+    [[nodiscard]] bool translationEnabled() const;
+    /// The languages can be chosen: there is a service, and translation is on.
+    [[nodiscard]] bool areLanguagesEnabled() const;
+
+    /// The stored identifiers, or those that count in their place.
+    [[nodiscard]] std::string sourceLanguage() const;
+    [[nodiscard]] std::string targetLanguage() const;
+
+    void translationToggled(bool on);
+    /// Nothing: no language is selected, and nothing happens.
+    void sourceLanguageChanged(const std::optional<std::string>& identifier);
+    void targetLanguageChanged(const std::optional<std::string>& identifier);
+
+private:
+    void languageChanged(const std::optional<std::string>& identifier, const char* key, const char* toast);
+
+    const TextTranslator& translator_;
+    UserDefaults& defaults_;
+    const std::function<void(const std::string&)> showSavedToast_;
+};
+
+/// A pop-up button with the languages of translation.
+class LanguagePopUp : public QComboBox {
+    Q_OBJECT
+
+public:
+    explicit LanguagePopUp(const QString& name, QWidget* parent = nullptr);
+
+    /// Nothing is selected for an identifier that is not among the languages; it is shown all the same.
+    void select(const std::string& identifier);
+
+    /// The name of the selected language, or the identifier that is none of them.
+    [[nodiscard]] QString shownLanguage() const;
+
+    /// The selected language; nothing when none is.
+    [[nodiscard]] std::optional<std::string> selectedIdentifier() const;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+};
 
 /// Whether transcripts are translated, from which language and into which.
 class TranslationSection : public QWidget {

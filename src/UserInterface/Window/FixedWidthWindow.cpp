@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Window/FixedWidthWindow.h"
 
-#include "UserInterface/Window/MainWindowGeometry.h"
+#include "UserInterface/Window/MainWindowLayout.h"
 
 #include <QCloseEvent>
 #include <QResizeEvent>
@@ -43,7 +43,7 @@ void FixedWidthWindow::setFrame(const Rect& frame) {
     place(frameWithLockedWidth(frame, lockedFrameWidth_));
 }
 
-void FixedWidthWindow::setFrameAnimated(const Rect& frame, Seconds duration, TimingCurve curve) {
+void FixedWidthWindow::setFrameAnimated(const Rect& frame, Seconds duration, const QEasingCurve& curve) {
     const Rect from = this->frame();
     const Rect to = frameWithLockedWidth(frame, lockedFrameWidth_);
     if (from == to) {

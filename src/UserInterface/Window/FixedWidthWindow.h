@@ -26,7 +26,7 @@ public:
     [[nodiscard]] std::optional<double> lockedFrameWidth() const { return lockedFrameWidth_; }
 
     void setFrame(const Rect& frame);
-    void setFrameAnimated(const Rect& frame, Seconds duration, TimingCurve curve);
+    void setFrameAnimated(const Rect& frame, Seconds duration, const QEasingCurve& curve);
     [[nodiscard]] Rect frame() const;
 
     /// What a frame becomes so that it can be seen on this part of the screen: never with its top edge above

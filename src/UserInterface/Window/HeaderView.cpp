@@ -2,20 +2,22 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Window/HeaderView.h"
 
-#include "UserInterface/Controls/HoverFillButton.h"
-#include "UserInterface/Window/MainWindowGeometry.h"
-#include "UserInterface/Window/ShortcutRowView.h"
-#include "UserInterface/Controls/SymbolImage.h"
+#include "UserInterface/Controls/Buttons.h"
+#include "UserInterface/Controls/Symbols.h"
 #include "UserInterface/Controls/Theme.h"
-#include "UserInterface/Window/TovikTinyWaveformView.h"
+#include "UserInterface/Window/MainWindowLayout.h"
 
 #include <QEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
 
 namespace tovik {
 
@@ -35,6 +37,21 @@ constexpr int kShortcutSpacing = 2;
 constexpr int kMoreOptionsSize = 28;
 constexpr double kMoreOptionsSymbol = 18;
 
+constexpr int kShortcutHeight = 26;
+constexpr int kBadgeSize = 22;
+constexpr int kShortcutSymbolSize = 14;
+constexpr double kBadgeRadius = 6;
+constexpr int kBadgeToLabel = 10;
+constexpr double kShortcutTextSize = 12;
+constexpr double kKeyCapTextSize = 11;
+constexpr int kKeyCapHeight = 22;
+constexpr int kKeyCapPadding = 9;
+constexpr double kKeyCapRadius = 6;
+constexpr double kKeyCapFill = 0.06;
+constexpr double kKeyCapBorder = 0.16;
+constexpr double kShortcutAlpha = 0.82;
+constexpr double kBadgeFill = 0.12;
+
 QLabel* makeLabel(const QString& text, double size, FontWeight weight) {
     auto* label = new QLabel(text);
     label->setFont(theme::font(size, weight));
@@ -42,13 +59,137 @@ QLabel* makeLabel(const QString& text, double size, FontWeight weight) {
     return label;
 }
 
-void setTextColor(QWidget& view, const Rgba& color) {
+void setTextColor(QWidget& view, const QColor& color) {
     QPalette palette = QGuiApplication::palette();
-    palette.setColor(QPalette::WindowText, theme::color(color));
+    palette.setColor(QPalette::WindowText, color);
     view.setPalette(palette);
 }
 
+/// The picture of a key with its name on it.
+class KeyCap : public QLabel {
+public:
+    explicit KeyCap(const QString& text) : QLabel(text) {
+        setAlignment(Qt::AlignCenter);
+        setFixedHeight(kKeyCapHeight);
+        setContentsMargins(kKeyCapPadding, 0, kKeyCapPadding, 0);
+        setFont(theme::font(kKeyCapTextSize, FontWeight::medium));
+    }
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QColor ink = palette().color(QPalette::WindowText);
+        ink.setAlphaF(static_cast<float>(kKeyCapBorder));
+        painter.setPen(ink);
+        ink.setAlphaF(static_cast<float>(kKeyCapFill));
+        painter.setBrush(ink);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kKeyCapRadius, kKeyCapRadius);
+        painter.end();
+        QLabel::paintEvent(event);
+    }
+};
+
+/// A line of the header that names a shortcut: a symbol, what it does, and the keys.
+class ShortcutRowView : public QWidget {
+public:
+    ShortcutRowView(const QString& symbolName, const QString& label, const QString& keyCap);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void applyColors();
+
+    SymbolView* symbol_;
+    QLabel* label_;
+    QLabel* keyCap_;
+};
+
+ShortcutRowView::ShortcutRowView(const QString& symbolName, const QString& label, const QString& keyCap)
+    : symbol_(new SymbolView(symbolName, {kShortcutSymbolSize, kShortcutSymbolSize}, theme::kAccent)),
+      label_(new QLabel(label)),
+      keyCap_(new KeyCap(keyCap)) {
+    setFixedHeight(kShortcutHeight);
+    symbol_->setFixedSize(kBadgeSize, kBadgeSize);
+    label_->setFont(theme::font(kShortcutTextSize, FontWeight::medium));
+
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(symbol_);
+    row->addSpacing(kBadgeToLabel);
+    row->addWidget(label_);
+    row->addStretch();
+    row->addWidget(keyCap_);
+    applyColors();
+}
+
+void ShortcutRowView::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange) {
+        applyColors();
+    }
+    QWidget::changeEvent(event);
+}
+
+void ShortcutRowView::applyColors() {
+    const QPalette desktop = QGuiApplication::palette();
+    const QColor background = theme::windowBackground(desktop);
+    const QColor text = theme::readableLabelColor(desktop, background, kShortcutAlpha);
+    const QColor accent = theme::accentOn(background);
+    symbol_->setTint(accent);
+    symbol_->setGround(theme::withAlpha(accent, kBadgeFill), kBadgeRadius);
+    setTextColor(*label_, text);
+    setTextColor(*keyCap_, text);
+}
+
 } // namespace
+
+double tinyWaveformBarHeight(int barIndex, double phase) {
+    // Two waves that drift through each other; neither factor is a multiple of the other.
+    const double slow = std::abs(std::sin(barIndex * 0.55 + phase));
+    const double fast = std::abs(std::sin(barIndex * 1.35 + phase));
+    return std::max(18 * (slow * fast) + 3, 2.0);
+}
+
+TovikTinyWaveformView::TovikTinyWaveformView(MainQueue& queue, QWidget* parent)
+    : QWidget(parent),
+      queue_(queue),
+      color_(theme::kAccent) {}
+
+void TovikTinyWaveformView::setColor(const QColor& color) {
+    color_ = color;
+    update();
+}
+
+void TovikTinyWaveformView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!timer_) {
+        timer_ = queue_.every(kTinyWaveformInterval, [this] {
+            phase_ += kTinyWaveformPhaseStep;
+            update();
+        });
+    }
+}
+
+void TovikTinyWaveformView::hideEvent(QHideEvent* event) {
+    timer_.end();
+    QWidget::hideEvent(event);
+}
+
+void TovikTinyWaveformView::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color_);
+    const double middle = height() / 2.0;
+    int index = 0;
+    for (double x = kTinyWaveformStart; x < width(); x += kTinyWaveformStep) {
+        const double barHeight = tinyWaveformBarHeight(index++, phase_);
+        painter.drawRoundedRect(QRectF(x, middle - barHeight / 2, kTinyWaveformBarWidth, barHeight),
+                                kTinyWaveformBarRadius, kTinyWaveformBarRadius);
+    }
+}
 
 ApplicationIconView::ApplicationIconView(QWidget* parent) : QWidget(parent) {
     setFixedSize(kIconSize, kIconSize);
@@ -114,13 +255,13 @@ QWidget* HeaderView::makeShortcutRows() {
 
 void HeaderView::applyColors() {
     const QPalette desktop = QGuiApplication::palette();
-    const Rgba background = theme::windowBackground(desktop);
-    const Rgba text = theme::labelColor(desktop, background);
+    const QColor background = theme::windowBackground(desktop);
+    const QColor text = theme::labelColor(desktop, background);
     setTextColor(*title_, text);
     setTextColor(*subtitle_, theme::readableLabelColor(desktop, background, kSubtitleAlpha));
     setTextColor(*status_, theme::readableLabelColor(desktop, background, kStatusAlpha));
-    moreOptions_->setContentTint(theme::color(text.withAlpha(kSubtitleAlpha)));
-    waveform_->setColor(theme::color(theme::accentOn(background)));
+    moreOptions_->setContentTint(theme::withAlpha(text, kSubtitleAlpha));
+    waveform_->setColor(theme::accentOn(background));
 }
 
 void HeaderView::resizeEvent(QResizeEvent* event) {
@@ -139,7 +280,7 @@ void HeaderView::changeEvent(QEvent* event) {
 
 void HeaderView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.fillRect(rect(), theme::color(theme::windowBackground(QGuiApplication::palette())));
+    painter.fillRect(rect(), theme::windowBackground(QGuiApplication::palette()));
 }
 
 } // namespace tovik

@@ -5,24 +5,24 @@
 #include "Permissions/PermissionChecklist.h"
 #include "Permissions/PermissionRequests.h"
 #include "Platform/UserDefaultsChanges.h"
-#include "UserInterface/Controls/AccessibleViews.h"
-#include "UserInterface/Window/AccordionCard.h"
-#include "UserInterface/Settings/CleanupSection.h"
-#include "UserInterface/Corrections/CorrectionsSection.h"
-#include "UserInterface/Window/FlippedDocumentView.h"
-#include "UserInterface/Window/FooterView.h"
-#include "UserInterface/Window/HeaderView.h"
-#include "UserInterface/Controls/HoverLinkButton.h"
-#include "UserInterface/Window/MainWindowGeometry.h"
-#include "UserInterface/Window/MainWindowView.h"
-#include "UserInterface/Permissions/PermissionsSection.h"
-#include "UserInterface/Controls/SymbolImage.h"
+#include "UserInterface/Controls/Buttons.h"
+#include "UserInterface/Controls/Symbols.h"
 #include "UserInterface/Controls/Theme.h"
-#include "UserInterface/Window/ToastView.h"
+#include "UserInterface/Controls/WindowSystem.h"
+#include "UserInterface/Corrections/CorrectionsSection.h"
 #include "UserInterface/History/TranscriptHistorySection.h"
+#include "UserInterface/Permissions/PermissionsSection.h"
+#include "UserInterface/Settings/CleanupSection.h"
 #include "UserInterface/Settings/TranslationSection.h"
-#include "UserInterface/Window/WindowSystem.h"
+#include "UserInterface/Window/AccessibleViews.h"
+#include "UserInterface/Window/Accordion.h"
+#include "UserInterface/Window/HeaderView.h"
+#include "UserInterface/Window/MainWindowLayout.h"
+#include "UserInterface/Window/MainWindowView.h"
+#include "UserInterface/Window/ToastView.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QVBoxLayout>
 
 namespace tovik {
@@ -114,7 +114,7 @@ QWidget* MainWindowController::buildCorrectionsSection(const MainWindowContents&
     corrections_ = new CorrectionsSection(contents.dictionary, contents.defaults,
                                           [this](const std::string& text) { showSavedToast(text); });
     QObject::connect(corrections_, &CorrectionsSection::heightChanged, window_.get(),
-                     [this] { updateMainWindowHeight(false); });
+                     [this] { contentHeightChanged(*corrections_); });
     return corrections_;
 }
 
@@ -128,7 +128,7 @@ QWidget* MainWindowController::buildTranslationSection(const MainWindowContents&
     translation_ = new TranslationSection(TranslationSettings(
         contents.translator, contents.defaults, [this](const std::string& text) { showSavedToast(text); }));
     QObject::connect(translation_, &TranslationSection::heightChanged, window_.get(),
-                     [this] { updateMainWindowHeight(false); });
+                     [this] { contentHeightChanged(*translation_); });
     return translation_;
 }
 
@@ -166,14 +166,14 @@ void MainWindowController::makeKeyAndOrderFront() {
     const bool isComingUp = !window_->isVisible();
     window_->show();
     window_->raise();
-    // Of a window that is just coming up Qt would ask this later, and take the keyboard back from a window that
-    // the user has turned to meanwhile.
+    // Of a window that is just coming up Qt would ask this later, and take the keyboard back from a window
+    // that the user has turned to meanwhile.
     if (!isComingUp) {
         window_->activateWindow();
     }
     // The talk key or another copy of the program may have led here, of which Qt has no event and no time;
     // window managers refuse requests that seem to be of the past. The window has to be theirs by then.
-    windowsystem::waitForRequests();
+    waitForWindowRequests();
     RunningApplication self = with_.workspace.currentApplication();
     self.window = window_->winId();
     with_.workspace.activate(self, kActivateAllWindows | kActivateIgnoringOtherApps);
@@ -202,6 +202,16 @@ void MainWindowController::forceMainWindowFrame() {
     window_->setMinimumSize(static_cast<int>(mainWindowWidth), static_cast<int>(mainWindowMinHeight));
     window_->setMaximumSize(static_cast<int>(mainWindowWidth), static_cast<int>(mainWindowMaxHeight));
     window_->setFrame(defaultMainWindowFrame(screen->visibleFrame));
+}
+
+void MainWindowController::contentHeightChanged(QWidget& section) {
+    // From the inside out, now instead of when the event loop comes to it: the cards' height is looked at
+    // next.
+    for (QWidget* widget = &section; widget && section.isVisible(); widget = widget->parentWidget()) {
+        QEvent request(QEvent::LayoutRequest);
+        QCoreApplication::sendEvent(widget, &request);
+    }
+    updateMainWindowHeight(false);
 }
 
 void MainWindowController::updateMainWindowHeight(bool animated) {

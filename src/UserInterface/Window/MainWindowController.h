@@ -17,6 +17,7 @@
 #include <memory>
 
 class QPoint;
+class QWidget;
 
 namespace tovik {
 
@@ -69,6 +70,7 @@ private:
     void presentMainWindow();
     void makeKeyAndOrderFront();
     void forceMainWindowFrame();
+    void contentHeightChanged(QWidget& section);
     void updateMainWindowHeight(bool animated);
 
     const Collaborators with_;

@@ -4,18 +4,87 @@
 
 #include "Platform/MainQueue.h"
 
+#include <QColor>
 #include <QWidget>
 
+class QLabel;
 class QScrollArea;
+class QVBoxLayout;
 
 namespace tovik {
 
-class FlippedDocumentView;
-class FooterView;
 class HeaderView;
+class HoverLinkButton;
 class OverlayScrollBar;
-class StickyHeaderFadeView;
 class ToastView;
+
+/// The band beneath the header into which the cards seem to dip. Takes no clicks.
+class StickyHeaderFadeView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit StickyHeaderFadeView(QWidget* parent = nullptr);
+
+    /// The colour at the upper edge, from which the band fades to nothing.
+    void setColor(const QColor& color);
+
+    void setAlpha(double alpha);
+    [[nodiscard]] double alpha() const { return alpha_; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QColor color_ = Qt::white;
+    double alpha_ = 1;
+};
+
+/// The column of cards that scrolls under the header, growing downwards, with the shadows that the cards
+/// throw on it.
+class FlippedDocumentView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit FlippedDocumentView(QWidget* parent = nullptr);
+
+    void addCard(QWidget* card);
+    /// Below the last card.
+    void addFooter(QWidget* footer);
+
+    /// The height that everything in it needs.
+    [[nodiscard]] int fittingHeight() const;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void centreColumn(int width);
+
+    QVBoxLayout* stack_;
+    QList<QWidget*> cards_;
+};
+
+/// What stands below the last card: the version and two links.
+class FooterView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit FooterView(const QString& version, QWidget* parent = nullptr);
+
+    [[nodiscard]] HoverLinkButton& updatesButton() { return *updates_; }
+    [[nodiscard]] HoverLinkButton& websiteButton() { return *website_; }
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void applyColors();
+
+    QLabel* version_;
+    HoverLinkButton* updates_;
+    HoverLinkButton* website_;
+};
 
 /// Everything inside the main window, in its place: header, scrolling cards, fade band and toast. As wide as
 /// its content wants, in the middle of whatever width a window manager insists on.

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Window/ToastView.h"
 
-#include "UserInterface/Controls/ShadowPainter.h"
-#include "UserInterface/Controls/SymbolView.h"
+#include "UserInterface/Controls/Painting.h"
+#include "UserInterface/Controls/Symbols.h"
 #include "UserInterface/Controls/Theme.h"
 
 #include <QAccessible>
@@ -67,15 +67,14 @@ ToastView::ToastView(const Clock& clock, MainQueue& queue, QWidget* host)
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setObjectName(QStringLiteral("toastView"));
 
-    auto* symbol =
-        new SymbolView(QStringLiteral("checkmark.circle.fill"),
-                       {theme::kToastSymbolSize, theme::kToastSymbolSize}, theme::color(theme::kToastSymbol));
+    auto* symbol = new SymbolView(QStringLiteral("checkmark.circle.fill"),
+                                  {theme::kToastSymbolSize, theme::kToastSymbolSize}, theme::kToastSymbol);
     symbol->setAccessibleDescription(QStringLiteral("Saved"));
 
     label_->setObjectName(QStringLiteral("toastLabel"));
     label_->setFont(theme::font(theme::kToastTextSize, FontWeight::semibold));
     QPalette palette = label_->palette();
-    palette.setColor(QPalette::WindowText, theme::color(theme::kToastText));
+    palette.setColor(QPalette::WindowText, theme::kToastText);
     label_->setPalette(palette);
     label_->setTextFormat(Qt::PlainText);
 
@@ -107,7 +106,7 @@ void ToastView::showSavedToast(const QString& text) {
     QAccessible::updateAccessibility(&alert);
 
     const double from = alpha_;
-    fade_.start(theme::kToastFadeIn, TimingCurve::easeOut,
+    fade_.start(theme::kToastFadeIn, curve::easeOut,
                 [this, from](double done) { setAlpha(from + (1 - from) * done); });
     hideWork_ = queue_.after(theme::kToastShown, [this] { fadeOut(); });
 }
@@ -115,7 +114,7 @@ void ToastView::showSavedToast(const QString& text) {
 void ToastView::fadeOut() {
     const double from = alpha_;
     fade_.start(
-        theme::kToastFadeOut, TimingCurve::easeInEaseOut,
+        theme::kToastFadeOut, curve::easeInEaseOut,
         [this, from](double done) { setAlpha(from * (1 - done)); },
         [this] {
             hide();
@@ -157,11 +156,11 @@ void ToastView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(theme::color(theme::kToastBackground));
+    painter.setBrush(theme::kToastBackground);
     painter.drawRoundedRect(rect(), theme::kToastCornerRadius, theme::kToastCornerRadius);
     if (theme::isDark(QGuiApplication::palette())) {
         // Dark on dark: a faint edge shows where the pill ends.
-        painter.setPen(theme::color(theme::kToastEdgeOnDark));
+        painter.setPen(theme::kToastEdgeOnDark);
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), theme::kToastCornerRadius,
                                 theme::kToastCornerRadius);

@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Tovik Record authors
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace tovik {
+
+/// Returns when the window system has carried out all that Qt has asked of it so far, such as showing a
+/// window. Handles no events.
+void waitForWindowRequests();
+
+/// Whether windows can be translucent right now. Main thread.
+class Compositing {
+public:
+    virtual ~Compositing() = default;
+
+    [[nodiscard]] virtual bool isActive() const = 0;
+};
+
+/// Asks the X server for a compositing manager. A session of another kind always composites.
+class DesktopCompositing : public Compositing {
+public:
+    [[nodiscard]] bool isActive() const override;
+};
+
+} // namespace tovik
