@@ -8,6 +8,7 @@ import signal
 import time
 
 from harness import RECORDING_STARTED, SPEECH, SPOKEN_WORDS, ProgramTest, first_words, main
+from staging.cost import wait_until_calm
 from staging.rehearsal import TALK_KEY
 from staging.waiting import wait_until
 
