@@ -62,7 +62,10 @@ class JsonServer:
                 self.send_header("Content-Type", "application/json")
                 self.send_header("Content-Length", str(len(body)))
                 self.end_headers()
-                self.wfile.write(body)
+                try:
+                    self.wfile.write(body)
+                except BrokenPipeError:
+                    pass  # The program has ended meanwhile.
 
             def log_message(self, *_) -> None:
                 pass

@@ -152,7 +152,8 @@ class TranslationTest(ProgramTest):
         self.stage.microphone.speak(SPEECH).wait()
         self.desktop.release(TALK_KEY)
         wait_until(lambda: "POST /translate" in server.requests, "the text to reach the server")
-        self.assertEqual(self.program.terminate(), 0)
+        # It gives the server 3 s, and then still has the text to paste and to save.
+        self.assertEqual(self.program.terminate(8), 0)
 
     def stages_of_the_translator(self) -> list[int]:
         found = []
