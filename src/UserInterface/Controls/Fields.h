@@ -2,12 +2,30 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/HintPanels.h"
+
 #include <QCheckBox>
 #include <QLineEdit>
 
+class QColor;
+class QFont;
+class QLabel;
 class QPainter;
 
 namespace tovik {
+
+/// Draws the texts of a view in this colour.
+void setInk(QWidget& view, const QColor& ink);
+
+/// A line of text that is shown as it is, whatever it holds.
+[[nodiscard]] QLabel* makePlainLabel(const QString& text, const QFont& font, const QColor& ink);
+
+/// A line of plain text on a card, in the label colour at exactly this strength.
+[[nodiscard]] QLabel* makeSettingLabel(const QString& text, double size, double alpha);
+
+/// The same, but stronger where it could not be read otherwise.
+[[nodiscard]] QLabel* makeReadableLabel(const QString& text, double size, double wantedAlpha,
+                                        FontWeight weight = FontWeight::regular);
 
 /// A line of text that stands for a stored one. What the user types is handed over when editing ends: with
 /// the Return key, when the keyboard goes elsewhere, and when the field goes out of sight; the Escape key

@@ -78,6 +78,38 @@ QImage smallestShadow(int edge, const QRectF& shape, double cornerRadius, double
     return image;
 }
 
+double sigmaOf(const theme::Shadow& shadow) {
+    return shadow.blurRadius * kShadowSigmaPerRadius;
+}
+
+double spreadOf(const theme::Shadow& shadow) {
+    return std::ceil(sigmaOf(shadow) * 3);
+}
+
+/// Each corner piece takes in all that a corner influences.
+double cornerOf(const theme::Shadow& shadow, double cornerRadius) {
+    return 2 * spreadOf(shadow) + std::ceil(cornerRadius);
+}
+
+/// The smallest shadow of this kind, from the cache after the first time.
+QPixmap shadowPixmap(double cornerRadius, const theme::Shadow& shadow, double ratio) {
+    const QString key = QStringLiteral("tovik-shadow/%1/%2/%3/%4")
+                            .arg(shadow.blurRadius)
+                            .arg(shadow.opacity)
+                            .arg(cornerRadius)
+                            .arg(ratio);
+    QPixmap pixmap;
+    if (!QPixmapCache::find(key, &pixmap)) {
+        const double spread = spreadOf(shadow) * ratio;
+        const int pixels = static_cast<int>(std::lround((2 * cornerOf(shadow, cornerRadius) + 2) * ratio));
+        const QRectF inner(spread, spread, pixels - 2 * spread, pixels - 2 * spread);
+        pixmap = QPixmap::fromImage(
+            smallestShadow(pixels, inner, cornerRadius * ratio, sigmaOf(shadow) * ratio, shadow.opacity));
+        QPixmapCache::insert(key, pixmap);
+    }
+    return pixmap;
+}
+
 } // namespace
 
 void paintBox(QPainter& painter, const QRectF& place, const QColor& fill, const QColor& border,
@@ -109,31 +141,14 @@ void paintFocusRing(QPainter& painter, const QRectF& place, double cornerRadius)
 }
 
 int shadowReach(const theme::Shadow& shadow) {
-    return static_cast<int>(std::ceil(shadow.blurRadius * kShadowSigmaPerRadius * 3 + shadow.offsetY));
+    return static_cast<int>(std::ceil(sigmaOf(shadow) * 3 + shadow.offsetY));
 }
 
 void paintShadow(QPainter& painter, const QRectF& shape, double cornerRadius, const theme::Shadow& shadow) {
     const double ratio = painter.device()->devicePixelRatioF();
-    const double sigma = shadow.blurRadius * kShadowSigmaPerRadius;
-    const double spread = std::ceil(sigma * 3);
-    // Each corner piece takes in all that a corner influences.
-    const double corner = 2 * spread + std::ceil(cornerRadius);
-    const double edge = 2 * corner + 2;
-
-    const QString key = QStringLiteral("tovik-shadow/%1/%2/%3/%4")
-                            .arg(shadow.blurRadius)
-                            .arg(shadow.opacity)
-                            .arg(cornerRadius)
-                            .arg(ratio);
-    QPixmap pixmap;
-    if (!QPixmapCache::find(key, &pixmap)) {
-        const int pixels = static_cast<int>(std::lround(edge * ratio));
-        const QRectF inner(spread * ratio, spread * ratio, pixels - 2 * spread * ratio,
-                           pixels - 2 * spread * ratio);
-        pixmap = QPixmap::fromImage(
-            smallestShadow(pixels, inner, cornerRadius * ratio, sigma * ratio, shadow.opacity));
-        QPixmapCache::insert(key, pixmap);
-    }
+    const double spread = spreadOf(shadow);
+    const double corner = cornerOf(shadow, cornerRadius);
+    const QPixmap pixmap = shadowPixmap(cornerRadius, shadow, ratio);
 
     const QRectF target = shape.adjusted(-spread, -spread, spread, spread).translated(0, shadow.offsetY);
     const double cornerX = std::min(corner, target.width() / 2);

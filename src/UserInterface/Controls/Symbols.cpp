@@ -128,11 +128,6 @@ SymbolView::SymbolView(const QString& symbolName, const QSize& symbolSize, const
     setFixedSize(symbolSize);
 }
 
-void SymbolView::setSymbolName(const QString& symbolName) {
-    symbolName_ = symbolName;
-    update();
-}
-
 void SymbolView::setTint(const QColor& tint) {
     tint_ = tint;
     update();

@@ -44,7 +44,6 @@ public:
     SymbolView(const QString& symbolName, const QSize& symbolSize, const QColor& tint,
                QWidget* parent = nullptr);
 
-    void setSymbolName(const QString& symbolName);
     [[nodiscard]] const QString& symbolName() const { return symbolName_; }
     void setTint(const QColor& tint);
 
@@ -57,7 +56,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QString symbolName_;
+    const QString symbolName_;
     QSize symbolSize_;
     QColor tint_;
     QColor ground_ = Qt::transparent;

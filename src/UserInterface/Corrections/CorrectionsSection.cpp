@@ -3,7 +3,7 @@
 #include "UserInterface/Corrections/CorrectionsSection.h"
 
 #include "UserInterface/Controls/Buttons.h"
-#include "UserInterface/Controls/Labels.h"
+#include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/Theme.h"
 #include "UserInterface/Corrections/CorrectionsListView.h"
 

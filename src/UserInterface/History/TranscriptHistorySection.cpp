@@ -4,7 +4,7 @@
 
 #include "Speech/History/TranscriptHistoryBrowser.h"
 #include "UserInterface/Controls/Buttons.h"
-#include "UserInterface/Controls/Labels.h"
+#include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/Painting.h"
 #include "UserInterface/Controls/Symbols.h"
 #include "UserInterface/Controls/Theme.h"
@@ -49,6 +49,19 @@ SearchField::SearchField(const QString& placeholder, const QString& help, QWidge
       lineEdit_(new QLineEdit),
       clearButton_(new HoverFillButton) {
     setFixedHeight(theme::kFieldHeight);
+    prepareLineEdit(placeholder, help);
+    prepareClearButton();
+
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(kSearchSide, 0, kSearchSide, 0);
+    row->setSpacing(kSearchGap);
+    row->addWidget(new SymbolView(QStringLiteral("magnifyingglass"), {kSearchSymbolSize, kSearchSymbolSize},
+                                  theme::kRowDetail));
+    row->addWidget(lineEdit_, 1);
+    row->addWidget(clearButton_);
+}
+
+void SearchField::prepareLineEdit(const QString& placeholder, const QString& help) {
     lineEdit_->setFrame(false);
     lineEdit_->setFont(theme::font(theme::kFieldTextSize));
     lineEdit_->setPlaceholderText(placeholder);
@@ -61,9 +74,14 @@ SearchField::SearchField(const QString& placeholder, const QString& help, QWidge
     palette.setColor(QPalette::PlaceholderText, theme::kRowDetail);
     lineEdit_->setPalette(palette);
     lineEdit_->installEventFilter(this);
+    connect(lineEdit_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        clearButton_->setVisible(!text.isEmpty());
+        emit searchChanged(text);
+    });
+    connect(lineEdit_, &QLineEdit::returnPressed, this, [this] { emit searchChanged(lineEdit_->text()); });
+}
 
-    auto* symbol = new SymbolView(QStringLiteral("magnifyingglass"), {kSearchSymbolSize, kSearchSymbolSize},
-                                  theme::kRowDetail);
+void SearchField::prepareClearButton() {
     clearButton_->setSymbol(QStringLiteral("xmark"), kClearSymbolSize);
     clearButton_->setFixedSize(kClearSize, kClearSize);
     clearButton_->setContentTint(theme::kRowDetail);
@@ -71,20 +89,7 @@ SearchField::SearchField(const QString& placeholder, const QString& help, QWidge
     // Escape does the same from the keyboard.
     clearButton_->setFocusPolicy(Qt::NoFocus);
     clearButton_->hide();
-
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(kSearchSide, 0, kSearchSide, 0);
-    row->setSpacing(kSearchGap);
-    row->addWidget(symbol);
-    row->addWidget(lineEdit_, 1);
-    row->addWidget(clearButton_);
-
     connect(clearButton_, &QPushButton::clicked, lineEdit_, &QLineEdit::clear);
-    connect(lineEdit_, &QLineEdit::textChanged, this, [this](const QString& text) {
-        clearButton_->setVisible(!text.isEmpty());
-        emit searchChanged(text);
-    });
-    connect(lineEdit_, &QLineEdit::returnPressed, this, [this] { emit searchChanged(lineEdit_->text()); });
 }
 
 bool SearchField::eventFilter(QObject* watched, QEvent* event) {
@@ -138,7 +143,11 @@ TranscriptHistorySection::TranscriptHistorySection(const Clock& clock, MainQueue
     stack->addLayout(searchRow);
     stack->addWidget(historyTableView_);
     stack->addWidget(makeNote(hint));
+    connectViews();
+    reload();
+}
 
+void TranscriptHistorySection::connectViews() {
     connect(historySearchField_, &SearchField::searchChanged, this,
             [this](const QString& text) { browser_.historySearchChanged(text.toStdString()); });
     connect(historySearchField_, &SearchField::downPressed, historyTableView_,
@@ -149,7 +158,6 @@ TranscriptHistorySection::TranscriptHistorySection(const Clock& clock, MainQueue
             &TranscriptHistorySection::deleteRow);
     connect(historyTableView_, &TranscriptHistoryTable::contextMenuRequested, this,
             &TranscriptHistorySection::openContextMenu);
-    reload();
 }
 
 void TranscriptHistorySection::reload() {

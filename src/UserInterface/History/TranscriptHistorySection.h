@@ -43,6 +43,9 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void prepareLineEdit(const QString& placeholder, const QString& help);
+    void prepareClearButton();
+
     QLineEdit* lineEdit_;
     HoverFillButton* clearButton_;
 };
@@ -66,6 +69,7 @@ public:
     [[nodiscard]] QMenu* contextMenu() const { return contextMenu_; }
 
 private:
+    void connectViews();
     void copyRow(int row);
     void deleteRow(int row);
     void openContextMenu(int row, const QPoint& globalPlace);

@@ -4,7 +4,7 @@
 
 #include "Permissions/PermissionChecklist.h"
 #include "UserInterface/Controls/Buttons.h"
-#include "UserInterface/Controls/Labels.h"
+#include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/Painting.h"
 #include "UserInterface/Controls/Symbols.h"
 #include "UserInterface/Controls/Theme.h"

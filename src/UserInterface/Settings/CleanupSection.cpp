@@ -3,7 +3,6 @@
 #include "UserInterface/Settings/CleanupSection.h"
 
 #include "UserInterface/Controls/Fields.h"
-#include "UserInterface/Controls/Labels.h"
 #include "UserInterface/Controls/Theme.h"
 
 #include <QLabel>

@@ -4,7 +4,6 @@
 
 #include "Speech/Translation/TranslationLanguage.h"
 #include "UserInterface/Controls/Fields.h"
-#include "UserInterface/Controls/Labels.h"
 #include "UserInterface/Controls/Painting.h"
 #include "UserInterface/Controls/Symbols.h"
 #include "UserInterface/Controls/Theme.h"

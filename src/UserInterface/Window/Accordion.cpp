@@ -3,6 +3,7 @@
 #include "UserInterface/Window/Accordion.h"
 
 #include "UserInterface/Controls/Buttons.h"
+#include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/Painting.h"
 #include "UserInterface/Controls/Symbols.h"
 #include "UserInterface/Controls/Theme.h"
@@ -54,6 +55,15 @@ QColor label(double alpha) {
     return theme::withAlpha(full, alpha);
 }
 
+QWidget* makeBadge(const SectionHeader& header) {
+    auto* badge = new SymbolView(QString::fromStdString(header.symbolName),
+                                 {theme::kBadgeSymbolSize, theme::kBadgeSymbolSize}, header.symbolColor);
+    badge->setFixedSize(theme::kBadgeSize, theme::kBadgeSize);
+    badge->setGround(theme::withAlpha(header.symbolColor, theme::kBadgeBackgroundAlpha),
+                     theme::kBadgeCornerRadius);
+    return badge;
+}
+
 } // namespace
 
 AccordionCard::AccordionCard(const SectionHeader& header, QWidget* content, QWidget* parent)
@@ -82,42 +92,7 @@ AccordionCard::AccordionCard(const SectionHeader& header, QWidget* content, QWid
 }
 
 QWidget* AccordionCard::makeHeader(const SectionHeader& header) {
-    const QString title = QString::fromStdString(header.title);
-    const QColor symbolColor = header.symbolColor;
-
-    auto* badge = new SymbolView(QString::fromStdString(header.symbolName),
-                                 {theme::kBadgeSymbolSize, theme::kBadgeSymbolSize}, symbolColor);
-    badge->setFixedSize(theme::kBadgeSize, theme::kBadgeSize);
-    badge->setGround(theme::withAlpha(header.symbolColor, theme::kBadgeBackgroundAlpha),
-                     theme::kBadgeCornerRadius);
-
-    titleButton_ = new BorderlessButton;
-    titleButton_->setText(title);
-    titleButton_->setFont(theme::font(theme::kSectionTitleSize, FontWeight::semibold));
-    titleButton_->setContentTint(label(theme::kSectionTitleAlpha));
-    titleButton_->setContentAlignment(Qt::AlignLeading);
-    titleButton_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    registerButton(*titleButton_, title);
-
-    auto* subtitle = new QLabel(QString::fromStdString(header.subtitle));
-    subtitle->setFont(theme::font(theme::kSectionSubtitleSize));
-    QPalette subtitlePalette = subtitle->palette();
-    subtitlePalette.setColor(QPalette::WindowText, label(theme::kSectionSubtitleAlpha));
-    subtitle->setPalette(subtitlePalette);
-
-    chevron_ = new HoverFillButton;
-    chevron_->setFixedSize(theme::kChevronSize, theme::kChevronSize);
-    chevron_->setContentTint(label(theme::kChevronAlpha));
-    registerButton(*chevron_, title);
-    setChevronExpanded(false);
-
-    auto* text = new QVBoxLayout;
-    text->setSpacing(1);
-    text->addStretch();
-    text->addWidget(titleButton_);
-    text->addWidget(subtitle);
-    text->addStretch();
-
+    makeButtons(QString::fromStdString(header.title));
     auto* headerView = new QWidget;
     headerView->setFixedHeight(kContentBegin);
     auto* row = new QHBoxLayout(headerView);
@@ -126,13 +101,43 @@ QWidget* AccordionCard::makeHeader(const SectionHeader& header) {
     row->setSpacing(0);
     // Spaces are mirrored for languages that run from right to left; margins would not be.
     row->addSpacing(theme::kBadgeLeading);
-    row->addWidget(badge);
+    row->addWidget(makeBadge(header));
     row->addSpacing(theme::kBadgeToText);
-    row->addLayout(text, 1);
+    row->addLayout(makeTextColumn(QString::fromStdString(header.subtitle)), 1);
     row->addSpacing(theme::kTextToChevron);
     row->addWidget(chevron_);
     row->addSpacing(theme::kChevronTrailing);
     return headerView;
+}
+
+void AccordionCard::makeButtons(const QString& title) {
+    titleButton_ = new BorderlessButton;
+    titleButton_->setText(title);
+    titleButton_->setFont(theme::font(theme::kSectionTitleSize, FontWeight::semibold));
+    titleButton_->setContentTint(label(theme::kSectionTitleAlpha));
+    titleButton_->setContentAlignment(Qt::AlignLeading);
+    titleButton_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    registerButton(*titleButton_, title);
+
+    chevron_ = new HoverFillButton;
+    chevron_->setFixedSize(theme::kChevronSize, theme::kChevronSize);
+    chevron_->setContentTint(label(theme::kChevronAlpha));
+    registerButton(*chevron_, title);
+    setChevronExpanded(false);
+}
+
+QLayout* AccordionCard::makeTextColumn(const QString& subtitle) {
+    auto* subtitleLabel = new QLabel(subtitle);
+    subtitleLabel->setFont(theme::font(theme::kSectionSubtitleSize));
+    setInk(*subtitleLabel, label(theme::kSectionSubtitleAlpha));
+
+    auto* column = new QVBoxLayout;
+    column->setSpacing(1);
+    column->addStretch();
+    column->addWidget(titleButton_);
+    column->addWidget(subtitleLabel);
+    column->addStretch();
+    return column;
 }
 
 void AccordionCard::registerButton(BorderlessButton& button, const QString& title) {

@@ -15,6 +15,8 @@
 #include <map>
 #include <memory>
 
+class QLayout;
+
 namespace tovik {
 
 class BorderlessButton;
@@ -75,6 +77,8 @@ protected:
 
 private:
     QWidget* makeHeader(const SectionHeader& header);
+    void makeButtons(const QString& title);
+    QLayout* makeTextColumn(const QString& subtitle);
     void registerButton(BorderlessButton& button, const QString& title);
 
     QWidget* content_;

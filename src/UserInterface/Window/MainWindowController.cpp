@@ -41,19 +41,7 @@ MainWindowController::MainWindowController(const Collaborators& collaborators,
       accordion_(std::make_unique<Accordion>(with_.clock, with_.queue,
                                              [this](bool animated) { updateMainWindowHeight(animated); })) {
     installAccessibleViews();
-    window_->setWindowTitle(QStringLiteral("Tovik Record"));
-    window_->setWindowIcon(symbols::applicationIcon());
-    window_->setLockedFrameWidth(mainWindowWidth);
-    window_->setShouldClose([this] {
-        window_->hide();
-        return false;
-    });
-    auto* filling = new QVBoxLayout(window_.get());
-    filling->setContentsMargins(0, 0, 0, 0);
-    filling->setSizeConstraint(QLayout::SetNoConstraint);
-    view_ = new MainWindowView(with_.clock, with_.queue, window_.get());
-    filling->addWidget(view_);
-
+    prepareWindow();
     buildSections(contents);
     connectHeaderAndFooter(contents);
     settingsChanges_ = contents.defaultsChanges.observe([this] {
@@ -77,6 +65,21 @@ MainWindowController::~MainWindowController() {
     cleanup_->endEditing();
     // The accordion speaks to cards that the window owns.
     accordion_.reset();
+}
+
+void MainWindowController::prepareWindow() {
+    window_->setWindowTitle(QStringLiteral("Tovik Record"));
+    window_->setWindowIcon(symbols::applicationIcon());
+    window_->setLockedFrameWidth(mainWindowWidth);
+    window_->setShouldClose([this] {
+        window_->hide();
+        return false;
+    });
+    auto* filling = new QVBoxLayout(window_.get());
+    filling->setContentsMargins(0, 0, 0, 0);
+    filling->setSizeConstraint(QLayout::SetNoConstraint);
+    view_ = new MainWindowView(with_.clock, with_.queue, window_.get());
+    filling->addWidget(view_);
 }
 
 void MainWindowController::buildSections(const MainWindowContents& contents) {

@@ -59,6 +59,7 @@ public:
     [[nodiscard]] TranslationSection& translation() { return *translation_; }
 
 private:
+    void prepareWindow();
     void buildSections(const MainWindowContents& contents);
     [[nodiscard]] QWidget* contentOf(const SectionHeader& section, const MainWindowContents& contents);
     [[nodiscard]] QWidget* buildPermissionsSection(const MainWindowContents& contents);

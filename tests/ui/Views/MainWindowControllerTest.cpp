@@ -206,12 +206,27 @@ TEST_F(MainWindowControllerTest, withEachCorrection_isAtOnceAsHighAsWhatItShows)
     EXPECT_EQ(after, view().stackFittingHeight() + 76 + 20);
 }
 
+TEST_F(MainWindowControllerTest, whenASectionOpensWithAnExplanation_isAtOnceAsHighAsWhatItShows) {
+    build();
+    for (const bool opened : {true, false}) {
+        controller().accordion().setAccordion(QString::fromLatin1(kTranslationSection), opened, false);
+        QCoreApplication::processEvents();
+    }
+    stage.translator.missing =
+        "To translate on this machine, install the packages apertium and apertium-eng-spa.";
+    controller().accordion().setAccordion(QString::fromLatin1(kTranslationSection), true, false);
+    const double height = window().frame().height;
+    QCoreApplication::processEvents();
+    EXPECT_EQ(height, std::min(view().stackFittingHeight() + 76.0 + 20, mainWindowMaxHeight));
+}
+
 TEST_F(MainWindowControllerTest, whenTranslationGoesMissing_isAtOnceAsHighAsWhatItShows) {
     build();
     controller().accordion().setAccordion(QString::fromLatin1(kTranslationSection), true, false);
     QCoreApplication::processEvents();
     const double before = window().frame().height;
-    stage.translator.missing = "To translate, install the package apertium.";
+    stage.translator.missing =
+        "To translate on this machine, install the packages apertium and apertium-eng-spa.";
     controller().translation().refresh();
     const double after = window().frame().height;
     EXPECT_GT(after, before);
@@ -222,8 +237,6 @@ TEST_F(MainWindowControllerTest, whenTranslationGoesMissing_isAtOnceAsHighAsWhat
 TEST_F(MainWindowControllerTest, atLaunch_theScrollBarShowsHowMuchIsInSight) {
     stage.leavePermissionsPending();
     build();
-    controller().accordion().setAccordion(QString::fromLatin1(kHistorySection), true, false);
-    QCoreApplication::processEvents();
     const auto* bar = view().findChild<OverlayScrollBar*>(QString(), Qt::FindDirectChildrenOnly);
     ASSERT_TRUE(bar->isVisible());
     EXPECT_EQ(bar->pageStep(), view().height() - view().header().height());
