@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Audio/CustomVocabulary.h"
 
-#include "Speech/Text/CharacterClasses.h"
+#include "Speech/Text/Unicode.h"
 
 #include <algorithm>
 #include <unordered_set>

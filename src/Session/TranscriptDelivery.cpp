@@ -5,7 +5,7 @@
 #include "Permissions/PermissionRequests.h"
 #include "Speech/History/TranscriptHistoryStore.h"
 #include "Speech/Text/TranscriptionDictionary.h"
-#include "Speech/Text/UserCharacters.h"
+#include "Speech/Text/Unicode.h"
 
 namespace tovik {
 

@@ -3,7 +3,6 @@
 #include "Session/TranscriptHistoryMenu.h"
 
 #include "Speech/History/TranscriptHistoryStore.h"
-#include "Speech/History/TranscriptTitle.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What a key press in the search field of the transcript history costs: 100 transcripts of 2,000 characters.
-#include "Speech/History/TranscriptHistoryFilter.h"
+#include "Speech/History/TranscriptHistoryBrowser.h"
 #include "UserInterface/Window/MainWindowLayout.h"
 #include "UserInterface/History/TranscriptHistorySection.h"
 #include "ui/StatusMenuStage.h"

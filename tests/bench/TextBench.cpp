@@ -1,11 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Speech/Text/FinalTextChain.h"
-#include "Speech/Text/PhraseReplacer.h"
-#include "Speech/Text/TextPattern.h"
 #include "Speech/Text/TranscriptionDictionary.h"
-#include "Speech/Text/UserCharacters.h"
-#include "Speech/Text/Utf16.h"
 #include "support/MemoryUserDefaults.h"
 #include "support/PlainTextRules.h"
 #include "support/RecordingLog.h"
@@ -73,32 +69,6 @@ void measureRoad(benchmark::State& state, std::size_t corrections, const std::st
     }
 }
 
-/// The same code, but each pattern is compiled for the call: those of the chain and one for each correction.
-void measureRoadCompiling(benchmark::State& state, std::size_t corrections) {
-    MemoryUserDefaults defaults;
-    RecordingLog log;
-    defaults.set(FillerWords::removeKey, true);
-    const auto mapping = correctionsOf(corrections);
-    std::vector<std::pair<std::u16string, ReplacementTemplate>> rules;
-    for (const auto& [heard, replacement] : mapping) {
-        rules.emplace_back(toUtf16(heard), ReplacementTemplate(toUtf16(replacement)));
-    }
-    std::stable_sort(rules.begin(), rules.end(), [](const auto& a, const auto& b) {
-        return characterCount(a.first) > characterCount(b.first);
-    });
-    for (auto _ : state) {
-        FinalTextChain chain(defaults, log, "en_US");
-        auto text = toUtf16(chain.processTranscription(kTranscript));
-        for (const auto& [phrase, replacement] : rules) {
-            const auto pattern = TextPattern::compile(u"\\b" + TextPattern::escaped(phrase) + u"\\b");
-            (void)pattern->replaceAll(text, [&replacement = replacement](const TextMatch& match) {
-                return replacement.expanded(match.group(0));
-            });
-        }
-        benchmark::DoNotOptimize(toUtf8(text));
-    }
-}
-
 /// The plain reading of the rules, which compiles each of its patterns for each call.
 void measurePlainReading(benchmark::State& state, std::size_t corrections) {
     const auto mapping = correctionsOf(corrections);
@@ -162,9 +132,6 @@ void registerAll() {
     RegisterBenchmark("road/30_words/50_corrections", [](auto& state) {
         measureRoad(state, 50, kTranscript);
     })->Unit(microseconds);
-    RegisterBenchmark("road/30_words/50_corrections/compiling", [](auto& state) {
-        measureRoadCompiling(state, 50);
-    })->Unit(microseconds);
     RegisterBenchmark("road/30_words/50_corrections/plain_reading", [](auto& state) {
         measurePlainReading(state, 50);
     })->Unit(microseconds);
@@ -208,9 +175,7 @@ int main(int argc, char** argv) {
     benchmark::RunSpecifiedBenchmarks(&reporter);
     const std::string road = "road/30_words/50_corrections";
     std::printf("\n");
-    reporter.printRatio("Compiling every pattern per call, against compiling once", road + "/compiling", road,
-                        "at least 20");
-    reporter.printRatio("The plain reading of the rules, against compiling once", road + "/plain_reading",
+    reporter.printRatio("The plain reading of the rules, against the program's", road + "/plain_reading",
                         road, "at least 20");
     reporter.printRatio("10,000 corrections against 50, 30 words", "road/30_words/10000_corrections", road,
                         "at most 10");

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Speech/Text/TranscriptionDictionary.h"
-#include "Speech/Text/Utf16.h"
+#include "Speech/Text/Unicode.h"
 #include "support/MemoryUserDefaults.h"
 #include "support/PlainTextRules.h"
 #include "support/RecordingLog.h"

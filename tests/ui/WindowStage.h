@@ -55,7 +55,7 @@ struct WindowStage {
     FakeUserDefaultsChanges defaultsChanges;
     FakePasteboard pasteboard;
     TranscriptionDictionary dictionary{defaults, log};
-    FillerWords fillerWords{defaults, log};
+    FillerWords fillerWords{defaults};
     FakeTextTranslator translator;
     Forward forward;
     int historyMenuReloads = 0;

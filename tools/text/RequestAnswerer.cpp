@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "RequestAnswerer.h"
 
+#include "Audio/CustomVocabulary.h"
 #include "Audio/LevelMeter.h"
 #include "Audio/WaveformBar.h"
-#include "Audio/CustomVocabulary.h"
+#include "Speech/History/TranscriptHistoryStore.h"
 #include "Speech/Text/ElapsedTime.h"
-#include "Speech/History/TranscriptTitle.h"
 #include "Speech/Text/TranscriptionDictionary.h"
-#include "Speech/Text/Utf16.h"
+#include "Speech/Text/Unicode.h"
 
 #include <algorithm>
 #include <array>

@@ -4,16 +4,39 @@
 
 #include "Platform/MainWindow.h"
 #include "Platform/Pasteboard.h"
-#include "Speech/History/TranscriptHistoryFilter.h"
 #include "Speech/History/TranscriptHistoryStore.h"
 
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace tovik {
+
+/// An entry of the history that a filter let through, and where it stands in the whole history.
+struct FilteredHistoryEntry {
+    std::size_t index = 0;
+    TranscriptHistoryEntry entry;
+
+    bool operator==(const FilteredHistoryEntry&) const = default;
+};
+
+/// Finds transcripts by a piece of their text, capitals or not. Remembers texts it has seen, since the user
+/// asks anew with each key. Main thread.
+class TranscriptHistoryFilter {
+public:
+    /// All entries when nothing but white space is in the query, else those whose text holds the trimmed
+    /// query as it stands. The order stays.
+    [[nodiscard]] std::vector<FilteredHistoryEntry> apply(const std::vector<TranscriptHistoryEntry>& entries,
+                                                          std::string_view query);
+
+private:
+    const std::string& lowerCasedText(const std::string& text);
+
+    std::unordered_map<std::string, std::string> lowerCasedTexts_;
+};
 
 /// What the list of past transcripts shows and does. A row is a place in the filtered list, an index one in
 /// the store; both are counted from 0, newest first, and those that do not exist are ignored. Main thread.

@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Speech/History/TranscriptHistoryStore.h"
 
-#include "Speech/Text/CharacterClasses.h"
-#include "Speech/Text/Utf16.h"
+#include "Speech/Text/Unicode.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,6 +15,8 @@ namespace {
 
 constexpr auto kTextKey = "text";
 constexpr auto kCreatedAtKey = "createdAt";
+/// How many characters of a transcript a title has.
+constexpr std::size_t kTitleLength = 42;
 
 double secondsSince1970(Date date) {
     return Seconds(date.time_since_epoch()).count();
@@ -46,6 +47,17 @@ void trimToMost(std::vector<TranscriptHistoryEntry>& entries) {
 }
 
 } // namespace
+
+std::string transcriptTitle(std::string_view text) {
+    std::string line(text);
+    std::replace(line.begin(), line.end(), '\n', ' ');
+    const auto whole = trimmed(std::string_view(line));
+    auto title = firstCharacters(whole, kTitleLength);
+    if (title.size() < whole.size()) {
+        title += "...";
+    }
+    return title;
+}
 
 TranscriptHistoryStore::TranscriptHistoryStore(UserDefaults& defaults, const Clock& clock)
     : defaults_(defaults),

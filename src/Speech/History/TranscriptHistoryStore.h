@@ -4,14 +4,27 @@
 
 #include "Platform/Clock.h"
 #include "Platform/UserDefaults.h"
-#include "Speech/History/TranscriptHistoryEntry.h"
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
 namespace tovik {
+
+/// A delivered transcript. It has no identity of its own: its place in the history is its address.
+struct TranscriptHistoryEntry {
+    /// Trimmed and not empty when it was added by this program.
+    std::string text;
+    Date createdAt;
+
+    bool operator==(const TranscriptHistoryEntry&) const = default;
+};
+
+/// A transcript in one short line, for a menu: line feeds become spaces, the ends are trimmed, and a text of
+/// 43 characters or more shows its first 42 and "...".
+[[nodiscard]] std::string transcriptTitle(std::string_view text);
 
 /// The last 100 transcripts, newest first, kept in the user defaults. Main thread.
 class TranscriptHistoryStore {

@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "Speech/Text/FillerWords.h"
 
-#include "Speech/Text/CharacterClasses.h"
-#include "Speech/Text/PunctuationSpacing.h"
-#include "Speech/Text/Utf16.h"
+#include "Speech/Text/PhraseReplacer.h"
+#include "Speech/Text/Unicode.h"
 
 #include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 namespace tovik {
 
@@ -29,15 +29,31 @@ std::vector<PhraseReplacer::Rule> removalsOf(std::string_view list) {
     const auto utf16 = toUtf16(list);
     for (const auto piece : pieces(utf16, u',')) {
         if (const auto word = trimmed(piece); !word.empty()) {
-            removals.push_back({std::u16string(word), ReplacementTemplate(u"")});
+            removals.push_back({std::u16string(word), u""});
         }
     }
     return removals;
 }
 
+/// Runs of spaces become one, white space before , . ! ? ; : goes, and so does white space at both ends.
+std::u16string tidied(std::u16string_view text) {
+    constexpr std::u16string_view kMarks = u",.!?;:";
+    const auto single = withSingle(u' ', text);
+    std::u16string result;
+    for (const auto unit : single) {
+        if (kMarks.find(unit) != std::u16string_view::npos) {
+            while (!result.empty() && isWhiteSpace(result.back())) {
+                result.pop_back();
+            }
+        }
+        result += unit;
+    }
+    return std::u16string(trimmed(std::u16string_view(result)));
+}
+
 } // namespace
 
-FillerWords::FillerWords(UserDefaults& defaults, SystemLog& log) : defaults_(defaults), log_(log) {}
+FillerWords::FillerWords(UserDefaults& defaults) : defaults_(defaults) {}
 
 bool FillerWords::cleanupEnabled() const {
     return defaults_.boolean(removeKey).value_or(false);
@@ -57,7 +73,7 @@ std::string FillerWords::saveFillerWords(std::string_view typed) {
     return fillerWords();
 }
 
-std::string FillerWords::removeConfiguredFillerWords(std::string_view text) {
+std::string FillerWords::removeConfiguredFillerWords(std::string_view text) const {
     if (!cleanupEnabled()) {
         return std::string(text);
     }
@@ -66,22 +82,13 @@ std::string FillerWords::removeConfiguredFillerWords(std::string_view text) {
     return toUtf8(utf16);
 }
 
-void FillerWords::removeConfiguredFillerWords(std::u16string& text) {
+void FillerWords::removeConfiguredFillerWords(std::u16string& text) const {
     if (!cleanupEnabled()) {
         return;
     }
-    auto list = effectiveList();
-    const std::lock_guard lock(mutex_);
-    if (list != preparedList_) {
-        preparedList_ = std::move(list);
-        auto removals = removalsOf(preparedList_);
-        replacer_.reset();
-        if (!removals.empty()) {
-            replacer_.emplace("filler words", std::move(removals));
-        }
-    }
-    if (replacer_) {
-        replacer_->apply(text, log_);
+    auto removals = removalsOf(effectiveList());
+    // Removing makes no text grow, so it always succeeds.
+    if (!removals.empty() && PhraseReplacer(std::move(removals)).apply(text)) {
         text = tidied(text);
     }
 }

@@ -2,15 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
-#include "Speech/Text/PhraseReplacer.h"
 
-#include <mutex>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace tovik {
 
@@ -21,8 +16,8 @@ public:
     static constexpr std::string_view listKey = "TovikVoiceFillerWords";
     static constexpr std::string_view defaultList = "kind of, sort of, um, uh, erm, hmm";
 
-    /// Both outlive it.
-    FillerWords(UserDefaults& defaults, SystemLog& log);
+    /// The settings outlive it.
+    explicit FillerWords(UserDefaults& defaults);
 
     /// Any thread.
     [[nodiscard]] bool cleanupEnabled() const;
@@ -37,20 +32,13 @@ public:
 
     /// The text without the filler words, tidied; just as it is when removal is off or the list has no
     /// entries. Any thread; writes no setting.
-    [[nodiscard]] std::string removeConfiguredFillerWords(std::string_view text);
-    void removeConfiguredFillerWords(std::u16string& text);
+    [[nodiscard]] std::string removeConfiguredFillerWords(std::string_view text) const;
+    void removeConfiguredFillerWords(std::u16string& text) const;
 
 private:
     [[nodiscard]] std::string effectiveList() const;
 
     UserDefaults& defaults_;
-    SystemLog& log_;
-
-    /// Guards what follows: the patterns of the list that was in effect last.
-    std::mutex mutex_;
-    std::string preparedList_;
-    /// Nothing while the prepared list has no entries.
-    std::optional<PhraseReplacer> replacer_;
 };
 
 } // namespace tovik

@@ -2,78 +2,143 @@
 // SPDX-License-Identifier: MIT
 #include "Speech/Text/PhraseReplacer.h"
 
-#include "Speech/Text/TextFault.h"
-#include "Speech/Text/UserCharacters.h"
+#include "Speech/Text/Unicode.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <functional>
 #include <utility>
 
 namespace tovik {
 
 namespace {
 
+constexpr auto kNone = std::u16string_view::npos;
+
 std::vector<PhraseReplacer::Rule> longestFirst(std::vector<PhraseReplacer::Rule> rules) {
-    std::vector<std::pair<std::size_t, std::size_t>> order;
-    order.reserve(rules.size());
-    for (std::size_t i = 0; i < rules.size(); ++i) {
-        order.emplace_back(characterCount(rules[i].phrase), i);
+    std::vector<std::pair<std::size_t, PhraseReplacer::Rule>> counted;
+    counted.reserve(rules.size());
+    for (auto& rule : rules) {
+        const auto length = characterCount(rule.phrase);
+        counted.emplace_back(length, std::move(rule));
     }
-    std::stable_sort(order.begin(), order.end(),
-                     [](const auto& a, const auto& b) { return a.first > b.first; });
-    std::vector<PhraseReplacer::Rule> sorted;
-    sorted.reserve(rules.size());
-    for (const auto& [length, place] : order) {
-        sorted.push_back(std::move(rules[place]));
+    std::ranges::stable_sort(counted, std::greater(), [](const auto& item) { return item.first; });
+    std::ranges::transform(counted, rules.begin(), [](auto& item) { return std::move(item.second); });
+    return rules;
+}
+
+std::u16string expanded(std::u16string_view replacement, std::u16string_view matched) {
+    const auto isDigit = [](char16_t unit) { return unit >= u'0' && unit <= u'9'; };
+    std::u16string result;
+    for (std::size_t i = 0; i < replacement.size(); ++i) {
+        const bool hasNext = i + 1 < replacement.size();
+        if (replacement[i] == u'\\' && hasNext) {
+            result += replacement[++i];
+        } else if (replacement[i] == u'$' && hasNext && isDigit(replacement[i + 1])) {
+            result += replacement[++i] == u'0' ? matched : u"";
+        } else {
+            result += replacement[i];
+        }
     }
-    return sorted;
+    return result;
 }
 
 } // namespace
 
-PhraseReplacer::PhraseReplacer(std::string name, std::vector<Rule> rules) : name_(std::move(name)) {
-    rules_.reserve(rules.size());
-    for (auto& rule : longestFirst(std::move(rules))) {
-        rules_.push_back({std::move(rule), std::nullopt});
+/// A text as case-insensitive matching compares it.
+struct PhraseReplacer::FoldedText {
+    explicit FoldedText(std::u16string_view text) {
+        bool afterWord = false;
+        for (std::size_t position = 0; position < text.size();) {
+            const auto [character, length] = characterAt(text, position);
+            auto boundary = kNone;
+            if (!isIgnoredAtBoundaries(character)) {
+                const bool isWord = isWordCharacter(character);
+                boundary = isWord != afterWord ? position : kNone;
+                afterWord = isWord;
+            }
+            boundaries.push_back(boundary);
+            folded += caseFolded(text.substr(position, length));
+            boundaries.resize(folded.size(), kNone);
+            position += length;
+        }
+        boundaries.push_back(afterWord ? text.size() : kNone);
     }
-    std::vector<std::u16string_view> phrases;
-    phrases.reserve(rules_.size());
-    for (const auto& compiled : rules_) {
-        phrases.emplace_back(compiled.rule.phrase);
+
+    std::u16string folded;
+    /// For each position of the folded text and its end: where in the text itself that is, if "\b" matches
+    /// there; a phrase can neither begin nor end elsewhere, least of all inside a character's folded form.
+    std::vector<std::size_t> boundaries;
+};
+
+PhraseReplacer::PhraseReplacer(std::vector<Rule> rules) : rules_(longestFirst(std::move(rules))) {
+    entries_.reserve(rules_.size());
+    for (const auto& rule : rules_) {
+        entries_.push_back({caseFolded(rule.phrase), entries_.size()});
     }
-    index_ = PhraseIndex(phrases);
+    std::ranges::sort(entries_, {}, &Entry::folded);
 }
 
-void PhraseReplacer::apply(std::u16string& text, SystemLog& log) {
-    bool reported = false;
-    auto waiting = index_.candidates(text, 0);
-    for (std::size_t next = 0; next < waiting.size();) {
-        const auto number = waiting[next];
-        const auto replaced = applyRule(rules_[number], text);
-        if (!replaced && !reported) {
-            reportTextFault(log, name_, replaced.error().description);
-            reported = true;
+bool PhraseReplacer::apply(std::u16string& text) const {
+    const auto mostUnits = text.size() + kMostGrowth;
+    auto current = text;
+    for (auto matches = firstMatches(FoldedText(current), 0); !matches.ranges.empty();
+         matches = firstMatches(FoldedText(current), matches.rule + 1)) {
+        std::u16string replaced;
+        std::size_t copied = 0;
+        for (const auto& [begin, end] : matches.ranges) {
+            replaced.append(current, copied, begin - copied);
+            replaced += expanded(rules_[matches.rule].replacement, {current.data() + begin, end - begin});
+            copied = end;
+            if (replaced.size() > mostUnits) {
+                return false;
+            }
         }
-        if (replaced && replaced.value()) {
-            // What was inserted may hold later phrases.
-            waiting = index_.candidates(text, number + 1);
-            next = 0;
-        } else {
-            ++next;
-        }
+        current = replaced.append(current, copied);
     }
-}
-
-Result<bool> PhraseReplacer::applyRule(CompiledRule& rule, std::u16string& text) {
-    if (!rule.isCompiled) {
-        rule.pattern = TextPattern::compile(u"\\b" + TextPattern::escaped(rule.rule.phrase) + u"\\b");
-        rule.isCompiled = true;
-    }
-    if (!rule.pattern) {
+    if (current.size() > mostUnits) {
         return false;
     }
-    return rule.pattern->replaceAll(
-        text, [&rule](const TextMatch& match) { return rule.rule.replacement.expanded(match.group(0)); });
+    text = std::move(current);
+    return true;
+}
+
+PhraseReplacer::Matches PhraseReplacer::firstMatches(const FoldedText& text, std::size_t firstRule) const {
+    Matches matches{rules_.size(), {}};
+    const auto take = [&](std::size_t rule, Range range) {
+        if (range.begin == kNone || range.end == kNone || rule < firstRule || rule > matches.rule) {
+            return;
+        }
+        if (rule < matches.rule) {
+            matches = {rule, {}};
+        }
+        if (matches.ranges.empty() || matches.ranges.back().end <= range.begin) {
+            matches.ranges.push_back(range);
+        }
+    };
+    for (std::size_t begin = 0; begin <= text.folded.size(); ++begin) {
+        if (text.boundaries[begin] != kNone) {
+            forEachPhraseAt(std::u16string_view(text.folded).substr(begin), [&](const Entry& phrase) {
+                take(phrase.rule, {text.boundaries[begin], text.boundaries[begin + phrase.folded.size()]});
+            });
+        }
+    }
+    return matches;
+}
+
+template <typename Visitor>
+void PhraseReplacer::forEachPhraseAt(std::u16string_view folded, Visitor visit) const {
+    auto candidates = std::ranges::subrange(entries_);
+    // The candidates are the phrases that begin as the text does, in their first `length` units.
+    for (std::size_t length = 0; !candidates.empty(); ++length) {
+        for (; !candidates.empty() && candidates.front().folded.size() == length; candidates.advance(1)) {
+            visit(candidates.front());
+        }
+        if (length == folded.size()) {
+            return;
+        }
+        candidates = std::ranges::equal_range(candidates, folded[length], {},
+                                              [length](const Entry& entry) { return entry.folded[length]; });
+    }
 }
 
 } // namespace tovik

@@ -2,12 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/SystemLog.h"
-#include "Speech/Text/PhraseIndex.h"
-#include "Speech/Text/ReplacementTemplate.h"
-#include "Speech/Text/TextPattern.h"
-
-#include <optional>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,36 +11,55 @@ namespace tovik {
 
 /// Replaces whole phrases, whatever their case, in one pass over the phrases: the longest first (in
 /// characters), and each in all of the text that the ones before it have left. Phrases of equal length keep
-/// the order in which they are given. A phrase stands between word boundaries.
+/// the order in which they are given. A phrase stands between word boundaries. What it does is what the
+/// regular expression "\b", the phrase taken literally, "\b" does, case-insensitively.
 ///
-/// Only phrases that can occur in the text cost time, and their patterns are compiled once. One thread at a
-/// time.
+/// Of many phrases, only those that occur in the text cost time.
 class PhraseReplacer {
 public:
     struct Rule {
         std::u16string phrase;
-        ReplacementTemplate replacement;
+        /// "$0" is the matched text, "$1" to "$9" are nothing, and a backslash makes the next character
+        /// literal; everything else stands for itself.
+        std::u16string replacement;
     };
 
-    /// `name` says in the log whose phrases these are.
-    PhraseReplacer(std::string name, std::vector<Rule> rules);
+    explicit PhraseReplacer(std::vector<Rule> rules);
 
-    /// A phrase on which matching gives up leaves the text as it is; a line in the log tells of the first.
-    void apply(std::u16string& text, SystemLog& log);
+    /// By how many UTF-16 units a text may grow.
+    static constexpr std::size_t kMostGrowth = 1U << 22U;
+
+    /// False, and the text is as it was: it would have grown by more than kMostGrowth.
+    [[nodiscard]] bool apply(std::u16string& text) const;
 
 private:
-    struct CompiledRule {
-        Rule rule;
-        /// Compiled at its first use. Still nothing after that: it does not compile.
-        std::optional<TextPattern> pattern;
-        bool isCompiled = false;
+    /// What a phrase folds to, and the number of its rule.
+    struct Entry {
+        std::u16string folded;
+        std::size_t rule;
     };
+    struct Range {
+        std::size_t begin;
+        std::size_t end;
+    };
+    /// Where in a text a rule's phrase stands, from left to right.
+    struct Matches {
+        std::size_t rule;
+        std::vector<Range> ranges;
+    };
+    struct FoldedText;
 
-    static Result<bool> applyRule(CompiledRule& rule, std::u16string& text);
+    /// Those of the first rule, from number `firstRule` on, whose phrase stands in the text; none if none
+    /// does.
+    [[nodiscard]] Matches firstMatches(const FoldedText& text, std::size_t firstRule) const;
+    /// Visits the phrases that a folded text begins with.
+    template <typename Visitor>
+    void forEachPhraseAt(std::u16string_view folded, Visitor visit) const;
 
-    const std::string name_;
-    std::vector<CompiledRule> rules_;
-    PhraseIndex index_;
+    /// Sorted: the number of a rule is its turn.
+    std::vector<Rule> rules_;
+    /// Sorted by their folded form.
+    std::vector<Entry> entries_;
 };
 
 } // namespace tovik

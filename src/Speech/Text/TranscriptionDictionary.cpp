@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Speech/Text/TranscriptionDictionary.h"
 
-#include "Speech/Text/CharacterClasses.h"
-#include "Speech/Text/Utf16.h"
+#include "Speech/Text/Unicode.h"
 
 #include <algorithm>
 #include <utility>
@@ -124,12 +123,15 @@ std::string TranscriptionDictionary::apply(std::string_view transcript) {
         std::vector<PhraseReplacer::Rule> rules;
         rules.reserve(mapping_.size());
         for (const auto& [heard, replacement] : mapping_) {
-            rules.push_back({toUtf16(heard), ReplacementTemplate(toUtf16(replacement))});
+            rules.push_back({toUtf16(heard), toUtf16(replacement)});
         }
-        replacer_.emplace("corrections", std::move(rules));
+        replacer_.emplace(std::move(rules));
     }
     auto text = toUtf16(transcript);
-    replacer_->apply(text, log_);
+    if (!replacer_->apply(text)) {
+        log_.printLine(
+            "[TovikVoice] Text rule corrections gave up (the result is too long); the text stays as it was");
+    }
     return toUtf8(text);
 }
 

@@ -49,8 +49,8 @@ public:
     [[nodiscard]] static Mapping parseDisplayString(std::string_view text);
 
     /// The transcript with every correction applied, the longest heard phrase first, and each to what those
-    /// before it have left. A heard phrase matches between word boundaries whatever its case;
-    /// ReplacementTemplate tells what its replacement means.
+    /// before it have left (PhraseReplacer). Corrections that would make it grow without end leave it as it
+    /// is, and a line of the log says so.
     [[nodiscard]] std::string apply(std::string_view transcript);
 
 private:

@@ -2,16 +2,19 @@
 // SPDX-License-Identifier: MIT
 #include "Speech/Text/TranscriptionFormatter.h"
 
-#include "Speech/Text/CharacterClasses.h"
-#include "Speech/Text/FoldedText.h"
-#include "Speech/Text/NumberRuns.h"
-#include "Speech/Text/NumberWords.h"
-#include "Speech/Text/TextFault.h"
-#include "Speech/Text/Utf16.h"
+#include "Speech/Text/SpokenNumbers.h"
+#include "Speech/Text/Unicode.h"
+
+#include <unicode/locid.h>
+#include <unicode/numberformatter.h>
+#include <unicode/regex.h>
+#include <unicode/unistr.h>
 
 #include <algorithm>
+#include <memory>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace tovik {
 
@@ -19,74 +22,69 @@ namespace {
 
 // Runs of white space are written as "(?>[\s]+)", which matches what "\s+" does, for nothing that may follow
 // begins with white space. ICU repeats a set in brackets without remembering every character, and never tries
-// a shorter run, so that a megabyte of spaces needs neither stack nor time.
-
-constexpr std::u16string_view kSpaces = u"(?>[\\s]+)";
-constexpr std::u16string_view kDigitWords = u"one|two|three|four|five|six|seven|eight|nine";
-constexpr std::u16string_view kTeenWords =
-    u"ten|eleven|twelve|thirteen|fourteen|fifteen|sixteen|seventeen|eighteen|nineteen";
-constexpr std::u16string_view kTenWords = u"twenty|thirty|forty|fifty|sixty|seventy|eighty|ninety";
-constexpr std::u16string_view kHourWords = u"one|two|three|four|five|six|seven|eight|nine|ten|eleven|twelve";
-constexpr std::u16string_view kMonthWords =
-    u"january|february|march|april|may|june|july|august|september|october|november|december";
-constexpr std::u16string_view kOrdinalWords =
-    u"first|second|third|fourth|fifth|sixth|seventh|eighth|ninth|tenth|eleventh|twelfth|thirteenth|"
-    u"fourteenth|"
-    u"fifteenth|sixteenth|seventeenth|eighteenth|nineteenth|twentieth|thirtieth";
-constexpr std::u16string_view kOrdinalNouns =
+// a shorter run, so that a megabyte of spaces needs neither stack nor time. No other part of a pattern
+// repeats.
+const std::u16string kSpaces = u"(?>[\\s]+)";
+const std::u16string kOrdinalNouns =
     u"place|floor|round|quarter|time|step|try|attempt|item|chapter|section|grade|inning|lap|seed|draft|pick|"
     u"rank|position";
 
-std::u16string joined(std::initializer_list<std::u16string_view> parts) {
-    std::u16string whole;
-    for (const auto part : parts) {
-        whole.append(part);
-    }
-    return whole;
+icu::UnicodeString aliasOf(std::u16string_view text) {
+    return {false, text.data(), static_cast<std::int32_t>(text.size())};
 }
 
 std::u16string singleWordCurrencyExpression() {
-    return joined({u"\\b(", kDigitWords, u"|", kTeenWords, u"|", kTenWords, u")", kSpaces, u"dollars?\\b"});
+    return u"\\b(" + onesWords(1, 19) + u"|" + tensWords(20, 90) + u")" + kSpaces + u"dollars?\\b";
 }
 
-std::u16string dayExpression() {
-    std::u16string days(
-        u"first|second|third|fourth|fifth|sixth|seventh|eighth|ninth|tenth|eleventh|twelfth|"
-        u"thirteenth|fourteenth|fifteenth|sixteenth|seventeenth|eighteenth|nineteenth|twentieth");
-    for (const auto* unit :
-         {u"first", u"second", u"third", u"fourth", u"fifth", u"sixth", u"seventh", u"eighth", u"ninth"}) {
-        days.append(u"|twenty[\\s-]").append(unit);
+std::u16string dateExpression(const std::u16string& betweenMonthAndDay) {
+    auto days = ordinalWords(1, 20);
+    for (int day = 1; day <= 9; ++day) {
+        days += u"|twenty[\\s-]" + ordinalWords(day, day);
     }
-    return days + u"|thirtieth|thirty[\\s-]first";
-}
-
-std::u16string dateExpression(std::u16string_view betweenMonthAndDay) {
-    const auto year =
-        joined({u"(?:twenty|nineteen)(?:", kSpaces, u"|-)?(?:oh", kSpaces, u")?(?:", kDigitWords, u"|",
-                kTeenWords, u"|", kTenWords, u")(?:", kSpaces, u"(?:", kDigitWords, u"))?"});
-    return joined({u"\\b(", kMonthWords, u")", betweenMonthAndDay, u"(", dayExpression(), u")(?:", kSpaces,
-                   u"(?:of", kSpaces, u")?(", year, u"))?\\b"});
+    days += u"|thirtieth|thirty[\\s-]first";
+    const auto year = u"(?:twenty|nineteen)(?:" + kSpaces + u"|-)?(?:oh" + kSpaces + u")?(?:" +
+                      onesWords(1, 19) + u"|" + tensWords(20, 90) + u")(?:" + kSpaces + u"(?:" +
+                      onesWords(1, 9) + u"))?";
+    return u"\\b(" + monthWords() + u")" + betweenMonthAndDay + u"(" + days + u")(?:" + kSpaces + u"(?:of" +
+           kSpaces + u")?(" + year + u"))?\\b";
 }
 
 std::u16string timeExpression() {
-    std::u16string minutes = joined({u"oh", kSpaces, u"(?:", kDigitWords, u")|", kTeenWords});
-    for (const auto* tens : {u"twenty", u"thirty", u"forty", u"fifty"}) {
-        minutes.append(u"|").append(tens);
-        for (const auto unit : pieces(kDigitWords, u'|')) {
-            minutes.append(u"|").append(tens).append(u"[\\s-]").append(unit);
+    auto minutes = u"oh" + kSpaces + u"(?:" + onesWords(1, 9) + u")|" + onesWords(10, 19);
+    for (int tens = 20; tens <= 50; tens += 10) {
+        const auto word = tensWords(tens, tens);
+        minutes += u"|" + word;
+        for (int unit = 1; unit <= 9; ++unit) {
+            minutes += u"|" + word + u"[\\s-]" + onesWords(unit, unit);
         }
     }
-    return joined(
-        {u"\\b(", kHourWords, u")", kSpaces, u"(", minutes, u")", kSpaces, u"(AM|PM|a\\.m\\.|p\\.m\\.)\\b"});
+    return u"\\b(" + onesWords(1, 12) + u")" + kSpaces + u"(" + minutes + u")" + kSpaces +
+           u"(AM|PM|a\\.m\\.|p\\.m\\.)\\b";
 }
 
 std::u16string wholeHourExpression() {
-    return joined({u"\\b(", kHourWords, u")", kSpaces, u"(AM|PM|a\\.m\\.|p\\.m\\.|o'clock)\\b"});
+    return u"\\b(" + onesWords(1, 12) + u")" + kSpaces + u"(AM|PM|a\\.m\\.|p\\.m\\.|o'clock)\\b";
 }
 
 std::u16string ordinalExpression() {
-    return joined(
-        {u"\\b(?:the", kSpaces, u")(", kOrdinalWords, u")(?=", kSpaces, u"(?:", kOrdinalNouns, u")\\b)"});
+    return u"\\b(?:the" + kSpaces + u")(" + ordinalWords(1, 20) + u"|thirtieth)(?=" + kSpaces + u"(?:" +
+           kOrdinalNouns + u")\\b)";
+}
+
+icu::Locale localeOf(std::string_view identifier) {
+    // Codeset and modifier say nothing about numbers.
+    const auto plain = std::string(identifier.substr(0, identifier.find_first_of(".@")));
+    if (plain.empty() || plain == "C" || plain == "POSIX" || plain == "en_US_POSIX") {
+        return icu::Locale::getUS();
+    }
+    auto locale = icu::Locale::createCanonical(plain.c_str());
+    const std::string_view language = locale.getLanguage();
+    const auto isLetter = [](char c) { return c >= 'a' && c <= 'z'; };
+    if (locale.isBogus() || language.empty() || !std::all_of(language.begin(), language.end(), isLetter)) {
+        return icu::Locale::getUS();
+    }
+    return locale;
 }
 
 std::u16string withSpacesForHyphens(std::u16string_view text) {
@@ -136,28 +134,69 @@ std::u16string wordsFrom(const std::vector<std::u16string_view>& words, std::siz
 
 } // namespace
 
-TranscriptionFormatter::Step TranscriptionFormatter::makeStep(const char* name,
-                                                              std::u16string_view firstWords,
-                                                              std::u16string_view expression) {
-    auto pattern = TextPattern::compile(expression);
-    if (!pattern) {
-        throw std::logic_error(std::string("invalid pattern: ") + name);
+/// One place where a pattern matched.
+class TranscriptionFormatter::Match {
+public:
+    Match(const icu::RegexMatcher& matcher, std::u16string_view text) : matcher_(matcher), text_(text) {}
+
+    /// Empty when the group did not take part; group 0 is the whole match.
+    [[nodiscard]] std::u16string_view group(int group) const {
+        UErrorCode status = U_ZERO_ERROR;
+        const auto start = matcher_.start(group, status);
+        const auto end = matcher_.end(group, status);
+        return start < 0
+                   ? std::u16string_view()
+                   : text_.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
     }
-    return {name, KnownWords(firstWords), std::move(*pattern)};
-}
+
+private:
+    const icu::RegexMatcher& matcher_;
+    std::u16string_view text_;
+};
+
+/// A regular expression in ICU syntax, case-insensitive, compiled once. Any thread.
+class TranscriptionFormatter::Pattern {
+public:
+    Pattern(const char* name, const std::u16string& expression) : step(name) {
+        UErrorCode status = U_ZERO_ERROR;
+        pattern_.reset(icu::RegexPattern::compile(aliasOf(expression), UREGEX_CASE_INSENSITIVE, status));
+        if (U_FAILURE(status)) {
+            throw std::logic_error(std::string("invalid pattern: ") + name);
+        }
+    }
+
+    /// Replaces all matches that the text has as it stands. On an error the text is as before.
+    UErrorCode replaceAll(std::u16string& text, const Replacement& replacement) const {
+        UErrorCode status = U_ZERO_ERROR;
+        const auto alias = aliasOf(text);
+        const std::unique_ptr<icu::RegexMatcher> matcher(pattern_->matcher(alias, status));
+        std::u16string result;
+        std::size_t copied = 0;
+        while (U_SUCCESS(status) && matcher->find(status)) {
+            if (const auto inserted = replacement(Match(*matcher, text))) {
+                result.append(text, copied, static_cast<std::size_t>(matcher->start(status)) - copied)
+                    .append(*inserted);
+                copied = static_cast<std::size_t>(matcher->end(status));
+            }
+        }
+        if (U_SUCCESS(status) && copied > 0) {
+            text = result.append(text, copied);
+        }
+        return status;
+    }
+
+    /// For the log.
+    const char* const step;
+
+private:
+    std::unique_ptr<icu::RegexPattern> pattern_;
+};
 
 TranscriptionFormatter::TranscriptionFormatter(const UserDefaults& defaults, SystemLog& log,
                                                std::string_view locale)
     : defaults_(defaults),
       log_(log),
-      decimal_(locale),
-      singleWordCurrency_(makeStep("formatCurrency", joined({kDigitWords, u"|", kTeenWords, u"|", kTenWords}),
-                                   singleWordCurrencyExpression())),
-      datesWithThe_(makeStep("formatDates", kMonthWords, dateExpression(joined({kSpaces, u"the", kSpaces})))),
-      dates_(makeStep("formatDates", kMonthWords, dateExpression(kSpaces))),
-      times_(makeStep("formatTimes", kHourWords, timeExpression())),
-      wholeHours_(makeStep("formatTimes", kHourWords, wholeHourExpression())),
-      ordinals_(makeStep("formatOrdinals", u"the", ordinalExpression())) {}
+      locale_(locale) {}
 
 bool TranscriptionFormatter::isEnabled() const {
     return defaults_.boolean(enabledKey).value_or(true);
@@ -228,7 +267,8 @@ void TranscriptionFormatter::formatCurrency(std::u16string& text) const {
             }
             return u"$" + decimal(*dollars) + (centWords ? u"." + twoDigits(*cents) : u"");
         });
-    replaceAll(text, singleWordCurrency_, [](const TextMatch& match) -> std::optional<std::u16string> {
+    static const Pattern singleWord("formatCurrency", singleWordCurrencyExpression());
+    replaceAll(text, singleWord, [](const Match& match) -> std::optional<std::u16string> {
         const auto word = lowerCased(match.group(1));
         const auto ones = onesValue(word);
         const auto value = ones ? ones : tensValue(word);
@@ -237,36 +277,40 @@ void TranscriptionFormatter::formatCurrency(std::u16string& text) const {
 }
 
 void TranscriptionFormatter::formatDates(std::u16string& text) const {
-    constexpr DateGroups kGroups{1, 2, 3};
-    replaceDates(text, datesWithThe_, kGroups);
-    replaceDates(text, dates_, kGroups);
+    static const Pattern withThe("formatDates", dateExpression(kSpaces + u"the" + kSpaces));
+    static const Pattern without("formatDates", dateExpression(kSpaces));
+    replaceDates(text, withThe, 1, 2, 3);
+    replaceDates(text, without, 1, 2, 3);
 }
 
-void TranscriptionFormatter::replaceDates(std::u16string& text, const Step& step, DateGroups groups) const {
-    replaceAll(text, step, [groups](const TextMatch& match) -> std::optional<std::u16string> {
+void TranscriptionFormatter::replaceDates(std::u16string& text, const Pattern& pattern, int monthGroup,
+                                          int dayGroup, int yearGroup) const {
+    replaceAll(text, pattern, [=](const Match& match) -> std::optional<std::u16string> {
         constexpr int kLastDay = 31;
-        const auto month = monthNumber(lowerCased(match.group(groups.month)));
-        const auto day = parseDayOrdinal(match.group(groups.day));
+        const auto month = monthNumber(lowerCased(match.group(monthGroup)));
+        const auto day = parseDayOrdinal(match.group(dayGroup));
         if (!month || day < 1 || day > kLastDay) {
             return std::nullopt;
         }
-        auto date = std::u16string(monthName(*month)) + u" " + decimal(day);
-        if (match.has(groups.year)) {
-            date += u", " + decimal(parseSpokenYear(match.group(groups.year)));
+        auto date = monthName(*month) + u" " + decimal(day);
+        if (const auto year = match.group(yearGroup); !year.empty()) {
+            date += u", " + decimal(parseSpokenYear(year));
         }
         return date;
     });
 }
 
 void TranscriptionFormatter::formatTimes(std::u16string& text) const {
-    replaceAll(text, times_, [](const TextMatch& match) -> std::optional<std::u16string> {
+    static const Pattern times("formatTimes", timeExpression());
+    replaceAll(text, times, [](const Match& match) -> std::optional<std::u16string> {
         const auto hour = onesValue(lowerCased(match.group(1)));
         if (!hour) {
             return std::nullopt;
         }
         return decimal(*hour) + u":" + twoDigits(minutesOf(match.group(2))) + u" " + periodOf(match.group(3));
     });
-    replaceAll(text, wholeHours_, [](const TextMatch& match) -> std::optional<std::u16string> {
+    static const Pattern wholeHours("formatTimes", wholeHourExpression());
+    replaceAll(text, wholeHours, [](const Match& match) -> std::optional<std::u16string> {
         const auto hour = onesValue(lowerCased(match.group(1)));
         if (!hour) {
             return std::nullopt;
@@ -277,24 +321,34 @@ void TranscriptionFormatter::formatTimes(std::u16string& text) const {
 }
 
 void TranscriptionFormatter::formatOrdinals(std::u16string& text) const {
-    replaceAll(text, ordinals_, [](const TextMatch& match) -> std::optional<std::u16string> {
+    static const Pattern ordinals("formatOrdinals", ordinalExpression());
+    replaceAll(text, ordinals, [](const Match& match) -> std::optional<std::u16string> {
         // Matching goes by folded letters, and so must finding out which of the words it was.
-        const auto value = ordinalValue(FoldedText(match.group(1)).folded());
+        const auto value = ordinalValue(caseFolded(match.group(1)));
         return value ? std::optional(u"the " + writtenOrdinal(*value)) : std::nullopt;
     });
 }
 
 void TranscriptionFormatter::formatSpokenNumbers(std::u16string& text) const {
-    text = replaceNumberRuns(text, [this](std::u16string_view words) -> std::optional<std::u16string> {
+    const auto formatter = icu::number::NumberFormatter::withLocale(localeOf(locale_));
+    text = replaceNumberRuns(text, [&](std::u16string_view words) -> std::optional<std::u16string> {
         const auto value = spokenNumber(words);
-        return value && *value >= 1 ? decimal_.written(*value) : std::nullopt;
+        if (!value || *value < 1) {
+            return std::nullopt;
+        }
+        UErrorCode status = U_ZERO_ERROR;
+        const auto written = formatter.formatInt(*value, status).toString(status);
+        return U_FAILURE(status) ? std::nullopt
+                                 : std::optional(std::u16string(written.getBuffer(),
+                                                                static_cast<std::size_t>(written.length())));
     });
 }
 
-void TranscriptionFormatter::replaceAll(std::u16string& text, const Step& step,
-                                        const TextPattern::Replacement& replacement) const {
-    if (const auto replaced = step.pattern.replaceAll(text, step.firstWords, replacement); !replaced) {
-        reportTextFault(log_, step.name, replaced.error().description);
+void TranscriptionFormatter::replaceAll(std::u16string& text, const Pattern& pattern,
+                                        const Replacement& replacement) const {
+    if (const auto status = pattern.replaceAll(text, replacement); U_FAILURE(status)) {
+        log_.printLine("[TovikVoice] Text rule " + std::string(pattern.step) + " gave up (" +
+                       u_errorName(status) + "); the text stays as it was");
     }
 }
 

@@ -4,23 +4,24 @@
 
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
-#include "Speech/Text/DecimalFormat.h"
-#include "Speech/Text/KnownWords.h"
-#include "Speech/Text/TextPattern.h"
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace tovik {
 
 /// Writes spoken English forms as people write them: amounts of dollars, dates, clock times, ordinals before
-/// certain nouns, and runs of number words. Any thread; its patterns are compiled when it is made.
+/// certain nouns, and runs of number words. Any thread.
 class TranscriptionFormatter {
 public:
     static constexpr std::string_view enabledKey = "transcription.formatter.enabled";
 
-    /// Numbers are written as in the locale (DecimalFormat). The settings and the log outlive the formatter.
+    /// Numbers are grouped as people of the locale do, an ICU or POSIX identifier ("en_US", "de_DE.UTF-8").
+    /// Without one that names a language, as the "C" locale does not, they are written as in US English. The
+    /// settings and the log outlive the formatter.
     TranscriptionFormatter(const UserDefaults& defaults, SystemLog& log, std::string_view locale);
 
     /// Off only when the settings say so; read at each call.
@@ -38,39 +39,23 @@ public:
     [[nodiscard]] static std::int64_t parseSpokenYear(std::u16string_view words);
 
 private:
-    struct Step {
-        /// For the log.
-        const char* name;
-        /// What every match of the pattern begins with.
-        KnownWords firstWords;
-        TextPattern pattern;
-    };
-    struct DateGroups {
-        int month;
-        int day;
-        int year;
-    };
-
-    static Step makeStep(const char* name, std::u16string_view firstWords, std::u16string_view expression);
+    class Pattern;
+    class Match;
+    /// What to put in place of a match; nothing to leave it alone.
+    using Replacement = std::function<std::optional<std::u16string>(const Match&)>;
 
     void formatCurrency(std::u16string& text) const;
     void formatDates(std::u16string& text) const;
     void formatTimes(std::u16string& text) const;
     void formatOrdinals(std::u16string& text) const;
     void formatSpokenNumbers(std::u16string& text) const;
-    void replaceDates(std::u16string& text, const Step& step, DateGroups groups) const;
-    void replaceAll(std::u16string& text, const Step& step,
-                    const TextPattern::Replacement& replacement) const;
+    void replaceDates(std::u16string& text, const Pattern& pattern, int monthGroup, int dayGroup,
+                      int yearGroup) const;
+    void replaceAll(std::u16string& text, const Pattern& pattern, const Replacement& replacement) const;
 
     const UserDefaults& defaults_;
     SystemLog& log_;
-    const DecimalFormat decimal_;
-    const Step singleWordCurrency_;
-    const Step datesWithThe_;
-    const Step dates_;
-    const Step times_;
-    const Step wholeHours_;
-    const Step ordinals_;
+    const std::string locale_;
 };
 
 } // namespace tovik

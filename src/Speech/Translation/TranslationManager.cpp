@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Speech/Translation/TranslationManager.h"
 
-#include "Speech/Text/UserCharacters.h"
+#include "Speech/Text/Unicode.h"
 
 #include <algorithm>
 #include <memory>

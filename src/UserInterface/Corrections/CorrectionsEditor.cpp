@@ -3,7 +3,7 @@
 #include "UserInterface/Corrections/CorrectionsEditor.h"
 
 #include "Audio/CustomVocabulary.h"
-#include "Speech/Text/CharacterClasses.h"
+#include "Speech/Text/Unicode.h"
 
 #include <map>
 #include <utility>

@@ -22,7 +22,7 @@ constexpr auto kDefault = "kind of, sort of, um, uh, erm, hmm";
 struct CleanupSettingsTest : testing::Test {
     test::MemoryUserDefaults defaults;
     test::RecordingLog log;
-    FillerWords fillerWords{defaults, log};
+    FillerWords fillerWords{defaults};
     std::vector<std::string> toasts;
     CleanupSettings settings{fillerWords, defaults,
                              [this](const std::string& text) { toasts.push_back(text); }};

@@ -28,7 +28,7 @@ constexpr auto kDefault = "kind of, sort of, um, uh, erm, hmm";
 struct CleanupSectionTest : testing::Test {
     test::MemoryUserDefaults defaults;
     test::RecordingLog log;
-    FillerWords fillerWords{defaults, log};
+    FillerWords fillerWords{defaults};
     std::vector<std::string> toasts;
     std::unique_ptr<CleanupSection> section;
 

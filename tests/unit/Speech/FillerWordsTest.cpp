@@ -4,7 +4,6 @@
 
 #include "Rows.h"
 #include "support/MemoryUserDefaults.h"
-#include "support/RecordingLog.h"
 
 #include <gmock/gmock.h>
 
@@ -23,8 +22,7 @@ constexpr auto kOtherStale = "you know, i mean, kind of, sort of, um, uh, erm, h
 
 struct Fillers {
     MemoryUserDefaults defaults;
-    RecordingLog log;
-    FillerWords words{defaults, log};
+    FillerWords words{defaults};
 
     std::string removedWithList(const PropertyValue& list, const std::string& text) {
         defaults.set(kRemoveKey, true);
@@ -87,6 +85,25 @@ INSTANTIATE_TEST_SUITE_P(
         ListRow{"signs are literal", {"a.b", "axb a.b c"}, "axb c"},
         ListRow{"entries trimmed of no-break space", {"\u00A0like\u00A0,x", "like this"}, "this"}),
     rowName<testing::TestParamInfo<ListRow>>);
+
+class Tidied : public testing::TestWithParam<TextRow> {};
+
+TEST_P(Tidied, isAsExpected) {
+    Fillers fillers;
+    EXPECT_EQ(fillers.removedWithList("not there", GetParam().input), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, Tidied,
+                         testing::Values(TextRow{"spaces before a mark go", "a , b ! c", "a, b! c"},
+                                         TextRow{"any white space before a mark goes", "a \t\n\u00A0.b",
+                                                 "a.b"},
+                                         TextRow{"marks after marks", "a , . !", "a,.!"},
+                                         TextRow{"spaces collapse", "a   b", "a b"},
+                                         TextRow{"tabs do not collapse", "a\t\tb", "a\t\tb"},
+                                         TextRow{"ends are trimmed", "\u0085 a \u00A0", "a"},
+                                         TextRow{"a text that begins with a mark", "  , a", ", a"},
+                                         TextRow{"nothing is left", " \n ", ""}),
+                         rowName<testing::TestParamInfo<TextRow>>);
 
 using OffRow = Row<PropertyValue, int>;
 class SwitchedOff : public testing::TestWithParam<OffRow> {};

@@ -1,14 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Speech/Text/FinalTextChain.h"
-#include "Speech/Text/PunctuationSpacing.h"
 #include "Speech/Text/TranscriptionDictionary.h"
-#include "Speech/Text/Utf16.h"
+#include "Speech/Text/Unicode.h"
 #include "support/MemoryUserDefaults.h"
 #include "support/PlainTextRules.h"
 #include "support/RecordingLog.h"
 
 #include <gmock/gmock.h>
+#include <unicode/unistr.h>
+#include <unicode/utf16.h>
 
 #include <random>
 #include <string>
@@ -89,15 +90,58 @@ const Parts kBetween{" ",  " ",  " ",      " ",  " ", "  ", "-", "-",      "--",
 const Parts kMarks{".", ".",  "!",  "?",  ":",          ";",      ",",      " ",
                    " ", "  ", "\t", "\n", "\u00A0",     "\u0085", "\u200B", "\u001F",
                    "a", "b",  "um", "é",  "\U0001F600", "\u0301", "\uFEFF"};
-const Parts kPhraseParts{"a",          "b",          "A",           "ab", "foo", "Bar",     " ",      " ",
-                         "ss",         "ß",          "ﬁ",           "fi", "f",   "s",       "\u017F", "K",
-                         "\u212A",     "σ",          "ς",           "Σ",  "é",   "e\u0301", "\u0301", "'",
-                         "+",          "-",          ".",           "中", "İ",   "i\u0307", "ı",      "I",
-                         "\U00010400", "\U00010428", "\U0001F600",  "_",  "1",   "\u00AD",  "$",      "\\",
-                         "\u200D",     "\u1F88",     "\u1F00\u03B9"};
+const Parts kPhraseParts{"a",
+                         "b",
+                         "A",
+                         "ab",
+                         "foo",
+                         "Bar",
+                         " ",
+                         " ",
+                         "ss",
+                         "ß",
+                         "ﬁ",
+                         "fi",
+                         "f",
+                         "s",
+                         "\u017F",
+                         "K",
+                         "\u212A",
+                         "σ",
+                         "ς",
+                         "Σ",
+                         "é",
+                         "e\u0301",
+                         "\u0301",
+                         "'",
+                         "+",
+                         "-",
+                         ".",
+                         "中",
+                         "İ",
+                         "i\u0307",
+                         "ı",
+                         "I",
+                         "\U00010400",
+                         "\U00010428",
+                         "\U0001F600",
+                         "_",
+                         "1",
+                         "\u00AD",
+                         "$",
+                         "\\",
+                         "\u200D",
+                         "\u1F88",
+                         "\u1F00\u03B9",
+                         "\u01F0",
+                         "j\u030C",
+                         "J",
+                         "\u030C",
+                         "\u0390",
+                         "\u0399\u0308\u0301"};
 const Parts kReplacementParts{"a", "b", "foo", " ", "$0", "$1", "$", "\\", "\\$", "0", "ß", "X"};
 
-class PlainReading : public testing::TestWithParam<unsigned> {
+class PlainReadingOnRandomTexts : public testing::TestWithParam<unsigned> {
 protected:
     static constexpr int kRounds = 1500;
 
@@ -108,7 +152,7 @@ protected:
     void TearDown() override { EXPECT_THAT(log.printed(), testing::IsEmpty()); }
 };
 
-TEST_P(PlainReading, ofCorrections_givesTheSameText) {
+TEST_P(PlainReadingOnRandomTexts, ofCorrections_givesTheSameText) {
     for (int round = 0; round < kRounds; ++round) {
         plain::Mapping mapping;
         for (auto count = random.number(1, 8); count > 0; --count) {
@@ -123,7 +167,7 @@ TEST_P(PlainReading, ofCorrections_givesTheSameText) {
     }
 }
 
-TEST_P(PlainReading, ofTheDisplayString_givesTheSameMapping) {
+TEST_P(PlainReadingOnRandomTexts, ofTheDisplayString_givesTheSameMapping) {
     const Parts parts{"a", "B", "=", "→", ",", " ", "\n", "\u00A0", "İ", "Σ", "\u001F"};
     for (int round = 0; round < kRounds; ++round) {
         const auto text = random.of(parts, 12);
@@ -131,16 +175,16 @@ TEST_P(PlainReading, ofTheDisplayString_givesTheSameMapping) {
     }
 }
 
-TEST_P(PlainReading, ofPunctuationSpacing_givesTheSameText) {
+TEST_P(PlainReadingOnRandomTexts, ofPunctuationSpacing_givesTheSameText) {
     for (int round = 0; round < kRounds; ++round) {
         const auto text = random.of(kMarks, 16);
         ASSERT_EQ(toUtf8(withSpacedPunctuation(toUtf16(text))), plain::spacePunctuation(text)) << text;
     }
 }
 
-TEST_P(PlainReading, ofFillerRemoval_givesTheSameText) {
+TEST_P(PlainReadingOnRandomTexts, ofFillerRemoval_givesTheSameText) {
     defaults.set(FillerWords::removeKey, true);
-    FillerWords words(defaults, log);
+    FillerWords words(defaults);
     for (int round = 0; round < kRounds; ++round) {
         std::string list = "a";
         for (auto count = random.number(0, 5); count > 0; --count) {
@@ -155,7 +199,7 @@ TEST_P(PlainReading, ofFillerRemoval_givesTheSameText) {
     }
 }
 
-TEST_P(PlainReading, ofSpokenForms_givesTheSameText) {
+TEST_P(PlainReadingOnRandomTexts, ofSpokenForms_givesTheSameText) {
     const TranscriptionFormatter formatter(defaults, log, "en_US");
     for (int round = 0; round < kRounds; ++round) {
         const auto text = random.of(kSpoken, kBetween, 14);
@@ -163,7 +207,7 @@ TEST_P(PlainReading, ofSpokenForms_givesTheSameText) {
     }
 }
 
-TEST_P(PlainReading, ofSpokenNumbersDaysAndYears_givesTheSameNumber) {
+TEST_P(PlainReadingOnRandomTexts, ofSpokenNumbersDaysAndYears_givesTheSameNumber) {
     const Parts words{"one",       "nineteen", "twenty", "thirty", "ninety", "hundred",
                       "thousand",  "million",  "oh",     "five",   "first",  "ninth",
                       "thirtieth", "Twenty",   "x",      "-",      "\t",     "\u017Fix"};
@@ -176,7 +220,7 @@ TEST_P(PlainReading, ofSpokenNumbersDaysAndYears_givesTheSameNumber) {
     }
 }
 
-TEST_P(PlainReading, ofTheWholeChain_givesTheSameText) {
+TEST_P(PlainReadingOnRandomTexts, ofTheWholeChain_givesTheSameText) {
     defaults.set(FillerWords::removeKey, true);
     FinalTextChain chain(defaults, log, "en_US");
     for (int round = 0; round < kRounds; ++round) {
@@ -188,7 +232,37 @@ TEST_P(PlainReading, ofTheWholeChain_givesTheSameText) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, PlainReading, testing::Values(1U, 2U, 3U));
+/// Whatever a character folds to finds it, and it finds that; but only where the plain reading says so.
+TEST(PlainReading, ofEveryCharacterThatFolds_givesTheSameText) {
+    MemoryUserDefaults defaults;
+    RecordingLog log;
+    const auto check = [&](const std::u16string& heard, const std::u16string& text) {
+        const plain::Mapping mapping{{toUtf8(heard), "<$0>"}};
+        defaults.set(TranscriptionDictionary::dictionaryKey, mapping);
+        const auto utf8 = toUtf8(text);
+        ASSERT_EQ(TranscriptionDictionary(defaults, log).apply(utf8), plain::applyCorrections(utf8, mapping))
+            << toUtf8(heard) << " in " << utf8;
+    };
+    int checked = 0;
+    for (UChar32 c = 0x80; c <= 0x1FFFF; ++c) {
+        const icu::UnicodeString character(c);
+        const std::u16string text(character.getBuffer(), static_cast<std::size_t>(character.length()));
+        const auto folded = caseFolded(text);
+        if (U_IS_SURROGATE(c) || folded == text) {
+            continue;
+        }
+        ++checked;
+        const auto all = text + u" " + folded + u" " + upperCased(text) + u" " + lowerCased(text);
+        check(text, all);
+        check(folded, all);
+        check(folded.substr(0, 1), all);
+        check(upperCased(text), all);
+        check(u"x " + text + u"y", u"x " + folded + u"y");
+    }
+    EXPECT_GT(checked, 1300);
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, PlainReadingOnRandomTexts, testing::Values(1U, 2U, 3U));
 
 } // namespace
 

@@ -326,6 +326,36 @@ TEST(TranscriptHistoryStore, anEntryThatTheUserDeletes_isNotPutBackThoughItWasNe
     EXPECT_THAT(textsOf(store), ElementsAre("theirs"));
 }
 
+std::string repeated(const std::string& text, int times) {
+    std::string result;
+    for (int i = 0; i < times; ++i) {
+        result += text;
+    }
+    return result;
+}
+
+class Title : public testing::TestWithParam<TextRow> {};
+
+TEST_P(Title, isOneShortLine) {
+    EXPECT_EQ(transcriptTitle(GetParam().input), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, Title,
+    testing::Values(
+        TextRow{"short text", "hello", "hello"},
+        TextRow{"42 characters are whole", repeated("a", 42), repeated("a", 42)},
+        TextRow{"43 characters are cut to 42", repeated("a", 43), repeated("a", 42) + "..."},
+        TextRow{"42 combined characters are whole", repeated("e\u0301", 42), repeated("e\u0301", 42)},
+        TextRow{"43 combined characters are cut", repeated("e\u0301", 43), repeated("e\u0301", 42) + "..."},
+        TextRow{"flags are one each", repeated("\U0001F1EB\U0001F1F7", 43),
+                repeated("\U0001F1EB\U0001F1F7", 42) + "..."},
+        TextRow{"line feeds become spaces", "one\ntwo\n\nthree", "one two  three"},
+        TextRow{"ends are trimmed before counting", "\n " + repeated("a", 42) + " \n", repeated("a", 42)},
+        TextRow{"a cut title may end in a space", repeated("a", 41) + " bc", repeated("a", 41) + " ..."},
+        TextRow{"white space only", " \n ", ""}),
+    rowName<testing::TestParamInfo<TextRow>>);
+
 } // namespace
 
 } // namespace tovik::test

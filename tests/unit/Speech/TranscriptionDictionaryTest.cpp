@@ -111,7 +111,14 @@ INSTANTIATE_TEST_SUITE_P(
         ApplyRow{"long s and kelvin", {{{"sky", "X"}}, "\u017F\u212Ay"}, "X"},
         ApplyRow{"both sigmas", {{{"οδος", "X"}}, "ΟΔΟΣ οδοσ"}, "X X"},
         ApplyRow{"letters beyond the basic plane", {{{"\U00010428", "X"}}, "\U00010400 y"}, "X y"},
-        ApplyRow{"the dotted capital i", {{{"i\u0307x", "X"}}, "\u0130x"}, "X"}),
+        ApplyRow{"the dotted capital i", {{{"i\u0307x", "X"}}, "\u0130x"}, "X"},
+        ApplyRow{"a letter and a mark match the letter that holds both",
+                 {{{"\u01F0", "X"}}, "J\u030C j\u030C \u01F0"},
+                 "X X X"},
+        ApplyRow{"and it matches them", {{{"j\u030Ca", "X"}}, "\u01F0a J\u030CA"}, "X X"},
+        ApplyRow{"a letter that holds two marks",
+                 {{{"\u0390", "X"}}, "\u0399\u0308\u0301 \u1FD3 \u0390"},
+                 "X X X"}),
     rowName<testing::TestParamInfo<ApplyRow>>);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -121,9 +128,35 @@ INSTANTIATE_TEST_SUITE_P(
         ApplyRow{"no group", {{{"hello", "a$1b"}}, "hello"}, "ab"},
         ApplyRow{"a literal dollar", {{{"five bucks", "\\$5"}}, "five bucks"}, "$5"},
         ApplyRow{"a trailing backslash and dollar", {{{"a", "x\\"}, {"b", "y$"}}, "a b"}, "x\\ y$"},
+        ApplyRow{"matched text that looks like a template", {{{"$0\\$1", "<$0>"}}, "a$0\\$1"}, "a<$0\\$1>"},
         ApplyRow{"plain text whatever was matched", {{{"hello", "bYe"}}, "HELLO"}, "bYe"},
         ApplyRow{"an empty replacement", {{{"hello ", ""}}, "hello you"}, "you"}),
     rowName<testing::TestParamInfo<ApplyRow>>);
+
+class Template : public testing::TestWithParam<TextRow> {};
+
+TEST_P(Template, forAMatchOfHello_inserts) {
+    Dictionary dictionary;
+    EXPECT_EQ(dictionary.with({{"hello", GetParam().input}}).apply("Hello"), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, Template,
+    testing::Values(TextRow{"nothing", "", ""}, TextRow{"plain text", "a b", "a b"},
+                    TextRow{"the matched text", "$0!", "Hello!"},
+                    TextRow{"the matched text twice", "$0 $0", "Hello Hello"},
+                    TextRow{"groups that are not there", "a$1b$9c", "abc"},
+                    TextRow{"only one digit names a group", "$10", "0"},
+                    TextRow{"a digit behind the matched text", "$05", "Hello5"},
+                    TextRow{"a dollar before a letter", "$x", "$x"},
+                    TextRow{"a dollar at the end", "5 $", "5 $"}, TextRow{"two dollars", "$$0", "$Hello"},
+                    TextRow{"braces mean nothing", "${0}", "${0}"}, TextRow{"a literal dollar", "\\$0", "$0"},
+                    TextRow{"a literal backslash", "\\\\", "\\"},
+                    TextRow{"a backslash before a letter", "\\n\\u0041", "nu0041"},
+                    TextRow{"a backslash at the end", "a\\", "a\\"},
+                    TextRow{"a backslash before a character of two units", "\\\U0001F600", "\U0001F600"},
+                    TextRow{"a digit of another script", "$\u0660", "$\u0660"}),
+    rowName<testing::TestParamInfo<TextRow>>);
 
 using ParseRow = Row<std::string, Mapping>;
 class ParseDisplayString : public testing::TestWithParam<ParseRow> {};
@@ -259,7 +292,7 @@ TEST(TranscriptionDictionary, whenTextIsNotWellFormed_storesWellFormedText) {
     EXPECT_EQ(loaded.getDictionary(), (Mapping{{"a\uFFFD", "b\uFFFD"}}));
 }
 
-TEST(TranscriptionDictionary, whenCorrectionsDoubleTheTextWithoutEnd_givesUpAndSaysSo) {
+TEST(TranscriptionDictionary, whenCorrectionsMultiplyTheTextWithoutEnd_appliesNoneAndSaysSo) {
     Dictionary dictionary;
     Mapping mapping;
     // Each inserts the next, shorter one ten times.
@@ -270,12 +303,20 @@ TEST(TranscriptionDictionary, whenCorrectionsDoubleTheTextWithoutEnd_givesUpAndS
         }
         mapping[std::string(static_cast<std::size_t>(length), 'a')] = replacement;
     }
-    const auto result = dictionary.with(mapping).apply(std::string(9, 'a'));
-    EXPECT_LE(result.size(), std::size_t{1} << 22U);
-    ASSERT_FALSE(dictionary.log.printed().empty());
-    EXPECT_EQ(
-        dictionary.log.printed().front(),
-        "[TovikVoice] Text rule corrections gave up (the result is too long); the text stays as it was");
+    // Nothing of it is kept, not even what the first of them did.
+    EXPECT_EQ(dictionary.with(mapping).apply(std::string(9, 'a')), std::string(9, 'a'));
+    EXPECT_THAT(
+        dictionary.log.printed(),
+        ElementsAre(
+            "[TovikVoice] Text rule corrections gave up (the result is too long); the text stays as it was"));
+}
+
+TEST(TranscriptionDictionary, onATextOfMoreThanFourMillionCharacters_isApplied) {
+    Dictionary dictionary;
+    const std::string gap((std::size_t{1} << 22U) + 1, '\n');
+    const auto corrected = dictionary.with({{"a", "bb"}}).apply("a" + gap + "a");
+    EXPECT_TRUE(corrected == "bb" + gap + "bb") << corrected.size();
+    EXPECT_THAT(dictionary.log.printed(), IsEmpty());
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 #include "Speech/Text/TranscriptionFormatter.h"
 
 #include "Rows.h"
-#include "Speech/Text/Utf16.h"
+#include "Speech/Text/Unicode.h"
 #include "support/MemoryUserDefaults.h"
 #include "support/RecordingLog.h"
 
@@ -52,6 +52,8 @@ INSTANTIATE_TEST_SUITE_P(
         TextRow{"dollars with an apostrophe", "twenty five dollars'", "$25'"},
         TextRow{"dollars with a mark", "twenty five dollars\u0301", "25 dollars\u0301"},
         TextRow{"long s in the amount counts nothing", "\u017Fix \u017Feven dollars", "$0"},
+        TextRow{"an amount that is left alone between others", "six dollars \u017Fix dollars six dollars",
+                "$6 \u017Fix dollars $6"},
         TextRow{"long s in a single amount", "\u017Fix dollars", "\u017Fix dollars"},
         TextRow{"long s in dollars", "twenty five dollar\u017F", "$25"},
         TextRow{"words that began before", "xtwenty five dollars", "xtwenty $5"},
@@ -222,6 +224,179 @@ INSTANTIATE_TEST_SUITE_P(
                     NumberRow{"no number", "cat dog", 0}, NumberRow{"words without space", "twentyten", 0}),
     rowName<testing::TestParamInfo<NumberRow>>);
 
+// Every word of every table, in every form in which it can be spoken.
+
+struct Word {
+    std::string spoken;
+    int value;
+};
+
+const std::vector<Word> kOnes{{"zero", 0},     {"one", 1},        {"two", 2},       {"three", 3},
+                              {"four", 4},     {"five", 5},       {"six", 6},       {"seven", 7},
+                              {"eight", 8},    {"nine", 9},       {"ten", 10},      {"eleven", 11},
+                              {"twelve", 12},  {"thirteen", 13},  {"fourteen", 14}, {"fifteen", 15},
+                              {"sixteen", 16}, {"seventeen", 17}, {"eighteen", 18}, {"nineteen", 19}};
+const std::vector<Word> kTens{{"twenty", 20}, {"thirty", 30},  {"forty", 40},  {"fifty", 50},
+                              {"sixty", 60},  {"seventy", 70}, {"eighty", 80}, {"ninety", 90}};
+const std::vector<Word> kScales{
+    {"hundred", 100}, {"thousand", 1'000}, {"million", 1'000'000}, {"billion", 1'000'000'000}};
+
+struct Ordinal {
+    std::string spoken;
+    std::string written;
+    int day;
+};
+const std::vector<Ordinal> kOrdinals{
+    {"first", "1st", 1},        {"second", "2nd", 2},        {"third", "3rd", 3},
+    {"fourth", "4th", 4},       {"fifth", "5th", 5},         {"sixth", "6th", 6},
+    {"seventh", "7th", 7},      {"eighth", "8th", 8},        {"ninth", "9th", 9},
+    {"tenth", "10th", 10},      {"eleventh", "11th", 11},    {"twelfth", "12th", 12},
+    {"thirteenth", "13th", 13}, {"fourteenth", "14th", 14},  {"fifteenth", "15th", 15},
+    {"sixteenth", "16th", 16},  {"seventeenth", "17th", 17}, {"eighteenth", "18th", 18},
+    {"nineteenth", "19th", 19}, {"twentieth", "20th", 20},   {"thirtieth", "30th", 30}};
+const std::vector<std::string> kMonths{"January", "February", "March",     "April",   "May",      "June",
+                                       "July",    "August",   "September", "October", "November", "December"};
+const std::vector<std::string> kNouns{"place",   "floor", "round",   "quarter", "time",    "step",   "try",
+                                      "attempt", "item",  "chapter", "section", "grade",   "inning", "lap",
+                                      "seed",    "draft", "pick",    "rank",    "position"};
+
+std::vector<Word> onesAndTens() {
+    auto words = kOnes;
+    words.insert(words.end(), kTens.begin(), kTens.end());
+    return words;
+}
+
+std::string twoDigits(int number) {
+    return (number < 10 ? "0" : "") + std::to_string(number);
+}
+
+class EveryWord : public testing::Test {
+protected:
+    std::string written(const std::string& spoken) const { return with.formatter.apply(spoken); }
+
+    const Formatter with;
+};
+
+TEST_F(EveryWord, ofNumbers_hasItsValue) {
+    auto words = onesAndTens();
+    words.insert(words.end(), kScales.begin(), kScales.end());
+    for (const auto& [spoken, value] : words) {
+        EXPECT_EQ(TranscriptionFormatter::parseSpokenNumber(toUtf16(spoken)), value) << spoken;
+    }
+}
+
+TEST_F(EveryWord, ofNumbers_countsInRuns) {
+    for (const auto& [spoken, value] : onesAndTens()) {
+        EXPECT_EQ(written("one hundred " + spoken), std::to_string(100 + value)) << spoken;
+        EXPECT_EQ(written(spoken + "-one"), std::to_string(value + 1)) << spoken;
+    }
+    EXPECT_EQ(written("two hundred one"), "201");
+    EXPECT_EQ(written("two thousand one"), "2,001");
+    EXPECT_EQ(written("two million one"), "2,000,001");
+    EXPECT_EQ(written("two billion one"), "2,000,000,001");
+}
+
+TEST_F(EveryWord, ofNumbers_countsInAmounts) {
+    for (const auto& [spoken, value] : onesAndTens()) {
+        if (value > 0) {
+            EXPECT_EQ(written(spoken + " dollars"), "$" + std::to_string(value)) << spoken;
+            EXPECT_EQ(written(spoken + " one dollars"), "$" + std::to_string(value + 1)) << spoken;
+            EXPECT_EQ(written("one " + spoken + " dollars and " + spoken + " cents"),
+                      "$" + std::to_string(value + 1) + "." + twoDigits(value))
+                << spoken;
+        }
+    }
+    for (const auto& [spoken, value] : kScales) {
+        EXPECT_EQ(written("one " + spoken + " dollars"), "$" + std::to_string(value)) << spoken;
+        EXPECT_EQ(written(spoken + " one dollars"), "$" + std::to_string(value + 1)) << spoken;
+    }
+}
+
+TEST_F(EveryWord, ofHours_tellsTheTime) {
+    for (const auto& [spoken, value] : kOnes) {
+        const bool isHour = value >= 1 && value <= 12;
+        const auto hour = std::to_string(value);
+        EXPECT_EQ(written(spoken + " pm"), isHour ? hour + ":00 PM" : spoken + " pm");
+        EXPECT_EQ(written(spoken + " o'clock"), isHour ? hour + " o'clock" : spoken + " o'clock");
+        if (isHour) {
+            EXPECT_EQ(written(spoken + " thirty am"), hour + ":30 AM");
+        }
+    }
+}
+
+TEST_F(EveryWord, ofMinutes_tellsTheTime) {
+    for (const auto& [spoken, value] : kOnes) {
+        if (value >= 1 && value <= 9) {
+            EXPECT_EQ(written("two oh " + spoken + " pm"), "2:" + twoDigits(value) + " PM");
+        } else if (value >= 10) {
+            EXPECT_EQ(written("two " + spoken + " pm"), "2:" + twoDigits(value) + " PM");
+        }
+    }
+    for (const auto& [tens, tensValue] : kTens) {
+        for (const auto& [ones, onesValue] : kOnes) {
+            if (tensValue <= 50 && onesValue >= 1 && onesValue <= 9) {
+                const auto time = "2:" + std::to_string(tensValue + onesValue) + " PM";
+                EXPECT_EQ(written("two " + tens + " " + ones + " pm"), time);
+                EXPECT_EQ(written("two " + tens + "-" + ones + " pm"), time);
+            }
+        }
+        EXPECT_EQ(written("two " + tens + " pm"), tensValue <= 50 ? "2:" + std::to_string(tensValue) + " PM"
+                                                                  : std::to_string(tensValue + 2) + " pm");
+    }
+}
+
+TEST_F(EveryWord, ofYears_isInTheDate) {
+    for (const auto& [spoken, value] : onesAndTens()) {
+        if (value > 0) {
+            EXPECT_EQ(written("june first twenty " + spoken), "June 1, " + std::to_string(2000 + value));
+            EXPECT_EQ(written("june first of nineteen " + spoken), "June 1, " + std::to_string(1900 + value));
+            EXPECT_EQ(written("june first nineteen oh " + spoken), "June 1, " + std::to_string(1900 + value));
+        }
+        if (value >= 1 && value <= 9) {
+            EXPECT_EQ(written("june first nineteen ninety " + spoken),
+                      "June 1, " + std::to_string(1990 + value));
+        }
+    }
+}
+
+TEST_F(EveryWord, ofOrdinals_isWrittenAndIsADay) {
+    for (const auto& [spoken, ordinal, day] : kOrdinals) {
+        EXPECT_EQ(written("the " + spoken + " place"), "the " + ordinal + " place");
+        EXPECT_EQ(TranscriptionFormatter::parseDayOrdinal(toUtf16(spoken)), day) << spoken;
+        EXPECT_EQ(written("may " + spoken), "May " + std::to_string(day));
+        EXPECT_EQ(written("may the " + spoken), "May " + std::to_string(day));
+    }
+}
+
+TEST_F(EveryWord, ofCompoundDays_isADay) {
+    for (const auto& [spoken, ordinal, units] : kOrdinals) {
+        for (const auto& [tens, tensValue] : kTens) {
+            const auto day = tensValue + units;
+            EXPECT_EQ(TranscriptionFormatter::parseDayOrdinal(toUtf16(tens + "-" + spoken)), day);
+            if (units <= 9 && day <= 31) {
+                EXPECT_EQ(written("may " + tens + " " + spoken), "May " + std::to_string(day));
+                EXPECT_EQ(written("may the " + tens + "-" + spoken), "May " + std::to_string(day));
+            } else {
+                EXPECT_EQ(written("may " + tens + "-" + spoken), "may " + tens + "-" + spoken);
+            }
+        }
+    }
+}
+
+TEST_F(EveryWord, ofMonths_isInADate) {
+    for (const auto& month : kMonths) {
+        EXPECT_EQ(written(toUtf8(lowerCased(toUtf16(month))) + " the second"), month + " 2");
+        EXPECT_EQ(written(toUtf8(upperCased(toUtf16(month))) + " second"), month + " 2");
+    }
+}
+
+TEST_F(EveryWord, ofTheNouns_hasAnOrdinalBefore) {
+    for (const auto& noun : kNouns) {
+        EXPECT_EQ(written("The second " + noun), "the 2nd " + noun);
+        EXPECT_EQ(written("the second " + noun + "s"), "the second " + noun + "s");
+    }
+}
+
 using EnabledRow = Row<PropertyValue, bool>;
 class Enabled : public testing::TestWithParam<EnabledRow> {};
 TEST_P(Enabled, onlyAStoredFalseTurnsItOff) {
@@ -249,12 +424,16 @@ TEST(TranscriptionFormatter, inAnotherLocale_groupsAsThatLocaleDoes) {
     EXPECT_EQ(TranscriptionFormatter(defaults, log, "en_IN").apply("one million one"), "10,00,001");
 }
 
-class Locale : public testing::TestWithParam<TextRow> {};
-TEST_P(Locale, decidesHowNumbersAreWritten) {
-    EXPECT_EQ(toUtf8(DecimalFormat(GetParam().input).written(1'234'567).value_or(u"")), GetParam().expected);
+class NumberFormat : public testing::TestWithParam<TextRow> {};
+TEST_P(NumberFormat, isThatOfTheLocale) {
+    const MemoryUserDefaults defaults;
+    RecordingLog log;
+    EXPECT_EQ(TranscriptionFormatter(defaults, log, GetParam().input)
+                  .apply("one million two hundred thirty four thousand five hundred sixty seven"),
+              GetParam().expected);
 }
 INSTANTIATE_TEST_SUITE_P(
-    Rows, Locale,
+    Rows, NumberFormat,
     testing::Values(TextRow{"US English", "en_US", "1,234,567"}, TextRow{"none", "", "1,234,567"},
                     TextRow{"C", "C", "1,234,567"}, TextRow{"C with codeset", "C.UTF-8", "1,234,567"},
                     TextRow{"POSIX", "POSIX", "1,234,567"}, TextRow{"ICU's C", "en_US_POSIX", "1,234,567"},
@@ -263,23 +442,6 @@ INSTANTIATE_TEST_SUITE_P(
                     TextRow{"French", "fr-FR", "1\u202F234\u202F567"},
                     TextRow{"nonsense", "!!", "1,234,567"}),
     rowName<testing::TestParamInfo<TextRow>>);
-
-TEST(NumberLocale, isTheFirstThatIsNotEmpty) {
-    std::map<std::string, std::string> variables;
-    const auto environment = [&](const char* name) -> const char* {
-        const auto found = variables.find(name);
-        return found == variables.end() ? nullptr : found->second.c_str();
-    };
-    EXPECT_EQ(numberLocale(environment), "");
-    variables["LANG"] = "en_GB.UTF-8";
-    EXPECT_EQ(numberLocale(environment), "en_GB.UTF-8");
-    variables["LC_NUMERIC"] = "de_DE.UTF-8";
-    EXPECT_EQ(numberLocale(environment), "de_DE.UTF-8");
-    variables["LC_ALL"] = "";
-    EXPECT_EQ(numberLocale(environment), "de_DE.UTF-8");
-    variables["LC_ALL"] = "C";
-    EXPECT_EQ(numberLocale(environment), "C");
-}
 
 } // namespace
 

@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/Text/CharacterClasses.h"
+#include "Speech/Text/Unicode.h"
 
 #include "Rows.h"
-#include "Speech/Text/Utf16.h"
 
 #include <gmock/gmock.h>
 #include <unicode/regex.h>
@@ -44,7 +43,7 @@ icu::RegexMatcher matcherOf(const char16_t* pattern) {
     return {icu::UnicodeString(pattern), 0, status};
 }
 
-TEST(CharacterClasses, ofEveryCharacter_areThoseOfThePatternsTheyStandFor) {
+TEST(Unicode, classesOfEveryCharacter_areThoseOfThePatternsTheyStandFor) {
     UErrorCode status = U_ZERO_ERROR;
     auto space = matcherOf(u"\\s");
     auto word = matcherOf(u"[\\p{Alphabetic}\\p{M}\\p{Nd}\\p{Pc}\\u200c\\u200d]");
@@ -94,6 +93,32 @@ TEST(Pieces, betweenSeparators_leaveOutEmptyOnes) {
     EXPECT_THAT(pieces(u",a,, b ,", u','), testing::ElementsAre(u"a", u" b "));
     EXPECT_THAT(pieces(u"", u','), testing::IsEmpty());
     EXPECT_THAT(pieces(u"a\tb\u00A0c d", u' '), testing::ElementsAre(u"a\tb\u00A0c", u"d"));
+}
+
+using CountRow = Row<std::string, std::size_t>;
+class CharacterCount : public testing::TestWithParam<CountRow> {};
+
+TEST_P(CharacterCount, countsWhatAPersonSees) {
+    EXPECT_EQ(characterCount(toUtf16(GetParam().input)), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, CharacterCount,
+                         testing::Values(CountRow{"nothing", "", 0}, CountRow{"letters", "abc", 3},
+                                         CountRow{"combining accent", "e\u0301a", 2},
+                                         CountRow{"flag", "\U0001F1EB\U0001F1F7", 1},
+                                         CountRow{"family", "\U0001F468\u200D\U0001F469\u200D\U0001F467", 1},
+                                         CountRow{"carriage return and line feed", "a\r\nb", 3},
+                                         CountRow{"hangul syllable of jamo", "\u1112\u1161\u11AB", 1}),
+                         rowName<testing::TestParamInfo<CountRow>>);
+
+TEST(FirstCharacters, ofALongerText_areWholeCharacters) {
+    EXPECT_EQ(firstCharacters("e\u0301e\u0301e\u0301", 2), "e\u0301e\u0301");
+    EXPECT_EQ(firstCharacters("abc", 2), "ab");
+}
+
+TEST(FirstCharacters, ofAShorterText_areAllOfIt) {
+    EXPECT_EQ(firstCharacters("e\u0301", 5), "e\u0301");
+    EXPECT_EQ(firstCharacters("", 5), "");
 }
 
 } // namespace
