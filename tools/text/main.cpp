@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "ErrorLog.h"
 #include "Linux/Storage/JsonUserDefaults.h"
 #include "Linux/Storage/XdgFolders.h"
+#include "Platform/SystemLog.h"
 #include "RequestAnswerer.h"
 #include "Speech/Text/FinalTextChain.h"
 #include "Speech/Text/TranscriptionDictionary.h"
@@ -31,6 +31,13 @@ stored in them where none are stored yet. With --jsonl no settings are read or w
 brings along. Operations there: process, fillers, format, number, day, year, corrections, parseDisplay,
 fillerList, vocabulary, menuTitle, elapsed, level, bar.
 )";
+
+/// The log of a program whose standard output is its result.
+class ErrorLog : public tovik::SystemLog {
+public:
+    void printLine(std::string_view line) override { std::cerr << line << std::endl; }
+    void logLine(std::string_view line) override { printLine(line); }
+};
 
 struct Options {
     bool jsonLines = false;
@@ -70,7 +77,7 @@ bool answerLines(const std::function<std::string(const std::string&)>& answer) {
 }
 
 bool cleanLines(const std::string& settingsFile) {
-    tovik::ErrorLog log;
+    ErrorLog log;
     tovik::JsonUserDefaults settings(std::filesystem::absolute(settingsFile).string(), log);
     tovik::FinalTextChain chain(settings, log);
     tovik::TranscriptionDictionary dictionary(settings, log);
@@ -79,7 +86,7 @@ bool cleanLines(const std::string& settingsFile) {
 }
 
 bool answerRequests() {
-    tovik::ErrorLog log;
+    ErrorLog log;
     tovik::RequestAnswerer answerer(log);
     return answerLines([&](const std::string& line) { return answerer.answer(line); });
 }
