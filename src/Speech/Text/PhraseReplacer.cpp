@@ -127,17 +127,21 @@ PhraseReplacer::Matches PhraseReplacer::firstMatches(const FoldedText& text, std
 
 template <typename Visitor>
 void PhraseReplacer::forEachPhraseAt(std::u16string_view folded, Visitor visit) const {
-    auto candidates = std::ranges::subrange(entries_);
-    // The candidates are the phrases that begin as the text does, in their first `length` units.
-    for (std::size_t length = 0; !candidates.empty(); ++length) {
-        for (; !candidates.empty() && candidates.front().folded.size() == length; candidates.advance(1)) {
-            visit(candidates.front());
+    auto begin = entries_.begin();
+    auto end = entries_.end();
+    // The phrases between them begin as the text does, in their first `length` units.
+    for (std::size_t length = 0; begin != end; ++length) {
+        for (; begin != end && begin->folded.size() == length; ++begin) {
+            visit(*begin);
         }
         if (length == folded.size()) {
             return;
         }
-        candidates = std::ranges::equal_range(candidates, folded[length], {},
-                                              [length](const Entry& entry) { return entry.folded[length]; });
+        const auto unit = folded[length];
+        begin =
+            std::partition_point(begin, end, [=](const Entry& entry) { return entry.folded[length] < unit; });
+        end = std::partition_point(begin, end,
+                                   [=](const Entry& entry) { return entry.folded[length] == unit; });
     }
 }
 
