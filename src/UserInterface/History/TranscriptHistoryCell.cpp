@@ -23,7 +23,7 @@ namespace tovik {
 namespace {
 
 /// More than this of a text never fits a line.
-constexpr int kMostCharactersInALine = 400;
+constexpr qsizetype kMostCharactersInALine = 400;
 /// How dark the button beside a row drawn aside is, in parts of a hundred.
 constexpr int kPressedDarkening = 118;
 constexpr int kHoverDarkening = 108;

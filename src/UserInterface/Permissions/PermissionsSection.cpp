@@ -149,7 +149,7 @@ void PermissionRowView::paintEvent(QPaintEvent* /*event*/) {
 }
 
 PermissionsSection::PermissionsSection(const PermissionChecklist& checklist,
-                                       std::function<void(int)> actionClicked, QWidget* parent)
+                                       const std::function<void(int)>& actionClicked, QWidget* parent)
     : QWidget(parent),
       checklist_(checklist),
       hint_(new QLabel) {

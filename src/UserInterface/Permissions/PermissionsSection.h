@@ -53,7 +53,7 @@ class PermissionsSection : public QWidget {
 
 public:
     /// actionClicked gets the index of the row whose button was pressed. The checklist outlives the section.
-    PermissionsSection(const PermissionChecklist& checklist, std::function<void(int)> actionClicked,
+    PermissionsSection(const PermissionChecklist& checklist, const std::function<void(int)>& actionClicked,
                        QWidget* parent = nullptr);
 
     /// Asks again how everything stands, and shows it.
