@@ -1,26 +1,30 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "AppDelegate.h"
-#include "Linux/LinuxPlatform.h"
-#include "Linux/Desktop/DisplayLoss.h"
+#include "Linux/Desktop/ProgramEnd.h"
 #include "Linux/Desktop/SingleInstance.h"
-#include "Linux/Desktop/TerminationSignals.h"
+#include "Linux/LinuxPlatform.h"
+#include "Linux/Storage/StandardLog.h"
+#include "Linux/Storage/XdgFolders.h"
 #include "Linux/X11/X11Connection.h"
-#include "Linux/X11/X11Session.h"
-#include "QtUserInterface.h"
 
 #include <QApplication>
 #include <QTimer>
 
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <string_view>
 
 namespace {
 
 /// Windows that float above all others without taking the keyboard exist under X only; on a Wayland desktop
 /// X programs are shown just as well.
 void chooseWindowSystem() {
-    setenv("QT_QPA_PLATFORM", "xcb", 0);
+    const auto* const chosen = std::getenv("QT_QPA_PLATFORM");
+    // Many sessions ask this of all programs.
+    const bool isWayland = chosen != nullptr && std::string_view(chosen).starts_with("wayland");
+    setenv("QT_QPA_PLATFORM", "xcb", isWayland ? 1 : 0);
 }
 
 /// Not quit(), which asks every window first: ours answers a request to close by hiding, and that counts as a
@@ -43,16 +47,15 @@ int main(int argc, char** argv) {
         return refuse(X11Session::noDisplayError().description);
     }
     chooseWindowSystem();
-    StandardLog entryLog;
-    entryLog.logLine("[TovikVoice] Starting application...");
+    StandardLog log;
+    log.logLine("[TovikVoice] Starting application...");
     QApplication application(argc, argv);
     QApplication::setApplicationName("tovik-record");
     QApplication::setApplicationDisplayName("Tovik Record");
     QApplication::setApplicationVersion(TOVIK_VERSION);
     QApplication::setDesktopFileName("tovik-record");
 
-    const XdgFolders folders;
-    SingleInstance instance(folders.runtime() + "/tovik-record", SingleInstance::currentDisplay());
+    SingleInstance instance(XdgFolders().runtime() + "/tovik-record", SingleInstance::currentDisplay());
     const auto role = instance.claim();
     if (!role) {
         return refuse(role.error().description);
@@ -62,14 +65,12 @@ int main(int argc, char** argv) {
         return EXIT_SUCCESS;
     }
 
-    LinuxPlatform desktop;
-    QtUserInterface windows(desktop.clock(), desktop.mainQueue(), desktop.screens(), desktop.workspace(),
-                            desktop.log());
-    AppDelegate delegate(desktop.describe(windows, [&instance] {
+    LinuxPlatform desktop(log, [&instance] {
         instance.release();
         endEventLoop();
-    }));
-    desktop.log().logLine("[TovikVoice] Created AppDelegate");
+    });
+    AppDelegate delegate(desktop.ports());
+    log.logLine("[TovikVoice] Created AppDelegate");
 
     QApplication::setQuitOnLastWindowClosed(delegate.applicationShouldTerminateAfterLastWindowClosed());
     QObject::connect(&application, &QApplication::applicationStateChanged,
@@ -81,13 +82,14 @@ int main(int argc, char** argv) {
     const DisplayLoss displayLoss([&delegate] { delegate.displayLost(); });
     const TerminationSignals termination([&delegate] { delegate.sessionWillEnd(); });
     // The window shows how the permissions stand, and the sound server tells within milliseconds.
+    Subscription permissions;
     desktop.whenSoundIsKnown([&] {
         delegate.applicationDidFinishLaunching();
-        desktop.onPermissionsChanged([&delegate] { delegate.applicationDidBecomeActive(); });
+        permissions = desktop.onPermissionsChanged([&delegate] { delegate.applicationDidBecomeActive(); });
         instance.onRequest([&delegate] { delegate.applicationShouldHandleReopen(true); });
     });
-    desktop.log().logLine("[TovikVoice] Set delegate, calling app.run()");
+    log.logLine("[TovikVoice] Set delegate, calling app.run()");
     const int exitCode = QApplication::exec();
-    desktop.log().logLine("[TovikVoice] app.run() returned!");
+    log.logLine("[TovikVoice] app.run() returned!");
     return exitCode;
 }

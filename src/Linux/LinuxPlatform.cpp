@@ -2,17 +2,43 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/LinuxPlatform.h"
 
-#include "Linux/Desktop/ProgramPaths.h"
+#include "Engines/Apertium/ApertiumService.h"
+#include "Engines/LibreTranslate/LibreTranslateService.h"
+#include "Engines/SpeechEngines.h"
+#include "Engines/TranslationChoice.h"
+#include "Linux/DBus/LibsecretStore.h"
+#include "Linux/DBus/SandboxedMicrophone.h"
+#include "Linux/Desktop/DesktopOpener.h"
+#include "Linux/Desktop/LinuxAuthorization.h"
+#include "Linux/Desktop/PosixProcessLauncher.h"
+#include "Linux/Desktop/QtAlert.h"
+#include "Linux/Desktop/QtMainQueue.h"
+#include "Linux/Desktop/QtPasteboard.h"
+#include "Linux/Desktop/QtScreens.h"
+#include "Linux/Desktop/QtUserDefaultsChanges.h"
+#include "Linux/PulseAudio/PulseAudioDevices.h"
+#include "Linux/PulseAudio/PulseAudioEngine.h"
+#include "Linux/Storage/JsonUserDefaults.h"
+#include "Linux/Storage/LocalFiles.h"
+#include "Linux/Storage/SystemClock.h"
+#include "Linux/Storage/XdgFolders.h"
+#include "Linux/X11/PostedKeys.h"
+#include "Linux/X11/X11KeyEventPoster.h"
+#include "Linux/X11/X11KeyMonitor.h"
+#include "Linux/X11/X11Workspace.h"
 #include "Permissions/InstallLocations.h"
+#include "Platform/Observers.h"
+#include "UserInterface/QtUserInterface.h"
 
 #include <QApplication>
+#include <QStandardPaths>
 #include <QWidget>
 
 #include <unistd.h>
 
-#include <cstdlib>
-#include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace tovik {
 
@@ -24,9 +50,17 @@ constexpr Seconds kLongestWaitForSound{0.15};
 constexpr Seconds kLongestWaitForPortal{1.0};
 constexpr Seconds kSavingAgainInterval{5};
 
-std::string environment(const char* variable) {
-    const char* value = std::getenv(variable);
-    return value == nullptr ? "" : value;
+/// The names in a list such as "ubuntu:GNOME".
+std::vector<std::string> currentDesktops() {
+    std::vector<std::string> names;
+    for (const auto& name : qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':', Qt::SkipEmptyParts)) {
+        names.push_back(name.toStdString());
+    }
+    return names;
+}
+
+bool isInstalled(const std::string& program) {
+    return !QStandardPaths::findExecutable(QString::fromStdString(program)).isEmpty();
 }
 
 /// Whether the user works in it. The pill and the hints take no input and fade on their own, and Qt shows the
@@ -48,153 +82,189 @@ void hideOwnWindows() {
 
 } // namespace
 
-LinuxPlatform::LinuxPlatform()
-    : defaults_(folders_.defaultsFile(), log_, [this] { saveSettingsAgainLater(); }),
-      defaultsChanges_(folders_.defaultsFile(), log_),
-      workspace_({.queue = queue_,
-                  .ownBundleIdentifier = kBundleIdentifier,
-                  .ownLocalizedName = "Tovik Record",
-                  .hideOwnWindows = hideOwnWindows}),
-      poster_({.queue = queue_,
-               .defaults = defaults_,
-               .log = log_,
-               .posted = postedKeys_,
-               .isTargetInFront = [this] { return workspace_.isActivatedInFront(); },
-               .bringTargetToFront = [this] { workspace_.activateAgain(); }}),
-      keyMonitor_({.queue = queue_,
-                   .defaults = defaults_,
-                   .log = log_,
-                   .posted = postedKeys_,
-                   .ownProgramIsFrontmost = [this] { return workspace_.isOwnProgramInFront(); }}),
-      soundServer_(log_),
-      devices_(soundServer_, queue_, defaults_),
-      engine_(soundServer_, devices_.directory()),
-      microphoneAccess_(soundServer_, devices_.directory()),
-      microphonePortal_([] { return QDBusConnection::sessionBus(); }),
-      microphone_(Sandbox::recognise(SandboxSigns::ofThisProcess()),
-                  {.log = log_,
-                   .portal = microphonePortal_,
-                   .serverStatus = [this] { return static_cast<int>(microphoneAccess_.status()); },
-                   .serverExplanation = [this] { return microphoneAccess_.explanation(); },
-                   .changed =
-                       [this] {
-                           if (permissionsChanged_) {
-                               permissionsChanged_();
-                           }
-                       }}),
-      secrets_(queue_),
-      speech_({.log = log_,
-               .defaults = defaults_,
-               .queue = queue_,
-               .secrets = &secrets_,
-               .dataFolder = folders_.applicationSupport()}),
-      translationServer_({.queue = queue_, .log = log_, .defaults = defaults_, .secrets = secrets_}),
-      apertium_(queue_),
-      translation_(translationServer_, apertium_, [this] { return translationServer_.isChosen(); }),
-      session_(X11Session::examine()),
-      authorization_(queue_, alert_, authorizationAnswers()),
-      settingsPanes_(
-          {.queue = queue_,
-           .alert = alert_,
-           .launcher = launcher_,
-           .desktops = desktopNames(environment("XDG_CURRENT_DESKTOP")),
-           .isInstalled =
-               [](const std::string& program) { return isInSearchPath(program, environment("PATH")); },
-           .microphoneExplanation = [this] { return microphone_.explanation(); },
-           .reconsiderSpeech = [this] { authorization_.askSpeechConsent(); }}),
-      settingsWorkspace_(workspace_, settingsPanes_),
-      usedLog_(&log_),
-      usedKeyMonitor_(&keyMonitor_),
-      usedEngine_(&engine_) {
-    if (!session_.sentence.empty()) {
-        log_.printLine("[TovikVoice] " + session_.sentence);
+/// In the order in which they are made: each is made of those before it, and asks those after it later.
+struct LinuxPlatform::Adapters {
+    Adapters(SystemLog& programLog, std::function<void()> terminate);
+
+    void saveSettingsAgainLater();
+    [[nodiscard]] bool isSoundKnown() const {
+        return devices.directory()->listing().known && microphone.isKnown();
     }
-    if (const auto path = environment("TOVIK_TIMINGS"); !path.empty()) {
-        wrapForTimings(path);
+
+    SystemLog& log;
+    const XdgFolders folders;
+    SystemClock clock;
+    QtMainQueue queue;
+    LocalFiles files;
+    Subscription savingSettingsAgain;
+    JsonUserDefaults defaults;
+    QtUserDefaultsChanges defaultsChanges;
+    PosixProcessLauncher launcher;
+    QtScreens screens;
+    QtAlert alert;
+    QtPasteboard pasteboard;
+
+    X11Workspace workspace;
+    PostedKeys postedKeys;
+    X11KeyEventPoster poster;
+    X11KeyMonitor keyMonitor;
+    const X11Session session = X11Session::examine();
+
+    PulseAudioConnection soundServer;
+    PulseAudioDevices devices;
+    PulseAudioEngine engine;
+    Observers<> permissionsChanged;
+    DBusMicrophonePortal microphonePortal{[] { return QDBusConnection::sessionBus(); }};
+    SandboxedMicrophone microphone;
+
+    LibsecretStore secrets;
+    SpeechEngines speech;
+    LibreTranslateService translationServer;
+    ApertiumService apertium;
+    TranslationChoice translation;
+
+    LinuxAuthorization authorization;
+    DesktopOpener opener;
+    QtUserInterface userInterface;
+
+    const Platform ports;
+};
+
+LinuxPlatform::Adapters::Adapters(SystemLog& programLog, std::function<void()> terminate)
+    : log(programLog),
+      defaults(folders.defaultsFile(), log, [this] { saveSettingsAgainLater(); }),
+      defaultsChanges(folders.defaultsFile(), log),
+      workspace({.queue = queue,
+                 .ownBundleIdentifier = kBundleIdentifier,
+                 .ownLocalizedName = "Tovik Record",
+                 .hideOwnWindows = hideOwnWindows,
+                 .open = [this](const std::string& addressOrPath) { return opener.open(addressOrPath); }}),
+      poster({.queue = queue,
+              .defaults = defaults,
+              .log = log,
+              .posted = postedKeys,
+              .isTargetInFront = [this] { return workspace.isActivatedInFront(); },
+              .bringTargetToFront = [this] { workspace.activateAgain(); }}),
+      keyMonitor({.queue = queue,
+                  .defaults = defaults,
+                  .log = log,
+                  .posted = postedKeys,
+                  .ownProgramIsFrontmost = [this] { return workspace.isOwnProgramInFront(); }}),
+      soundServer(log),
+      devices(soundServer, queue, defaults),
+      engine(soundServer, devices.directory()),
+      microphone(Sandbox::recognise(SandboxSigns::ofThisProcess()),
+                 {.log = log,
+                  .portal = microphonePortal,
+                  .serverStatus = [this] { return devices.microphoneStatus(); },
+                  .serverExplanation = [this] { return devices.microphoneExplanation(); },
+                  .changed = [this] { permissionsChanged.tell(); }}),
+      secrets(queue),
+      speech({.log = log,
+              .defaults = defaults,
+              .queue = queue,
+              .secrets = &secrets,
+              .dataFolder = folders.applicationSupport()}),
+      translationServer({.queue = queue, .log = log, .defaults = defaults, .secrets = secrets}),
+      apertium(queue),
+      translation(translationServer, apertium, [this] { return translationServer.isChosen(); }),
+      authorization(queue, alert,
+                    {.microphoneStatus = [this] { return microphone.status(); },
+                     .microphoneExplanation = [this] { return microphone.explanation(); },
+                     .askForMicrophone =
+                         [this](std::function<void(bool)> answered) { microphone.ask(std::move(answered)); },
+                     .speechExplanation = [this] { return speech.whyUnavailable().value_or(""); },
+                     .needsSpeechConsent = [this] { return speech.needsConsent(); },
+                     .speechConsentText = [this] { return speech.consentText(); },
+                     .answerSpeechConsent = [this](bool isAllowed) { speech.answerConsent(isAllowed); },
+                     .isSpeechRefused = [this] { return speech.isRefused(); },
+                     .isKeyboardUsable = [this] { return session.usable(); },
+                     .keyboardExplanation = [this] { return session.sentence; },
+                     .executablePath = QCoreApplication::applicationFilePath().toStdString(),
+                     .homeDirectory = folders.home()}),
+      opener({.queue = queue,
+              .alert = alert,
+              .launcher = launcher,
+              .desktops = currentDesktops(),
+              .isInstalled = isInstalled,
+              .microphoneExplanation = [this] { return microphone.explanation(); },
+              .reconsiderSpeech = [this] { authorization.askSpeechConsent(); }}),
+      userInterface(clock, queue, screens, workspace, log),
+      ports{.clock = clock,
+            .mainQueue = queue,
+            .log = log,
+            .defaults = defaults,
+            .defaultsChanges = defaultsChanges,
+            .files = files,
+            .workspace = workspace,
+            .keyMonitor = keyMonitor,
+            .keyEventPoster = poster,
+            .pasteboard = pasteboard,
+            .audioEngine = engine,
+            .captureDevices = devices,
+            .audioHardware = devices,
+            .speechService = speech,
+            .authorization = authorization,
+            .translationService = translation,
+            .screens = screens,
+            .alert = alert,
+            .processLauncher = launcher,
+            .userInterface = userInterface,
+            .terminate = std::move(terminate),
+            .dataFolder = folders.applicationSupport(),
+            .debugLogFile = folders.debugLogFile(),
+            .processIdentifier = getpid(),
+            .installLocations = linuxInstallLocations(kInstalledExecutable)} {
+    if (!session.sentence.empty()) {
+        log.printLine("[TovikVoice] " + session.sentence);
     }
 }
 
-LinuxAuthorization::Answers LinuxPlatform::authorizationAnswers() {
-    return {.microphoneStatus = [this] { return microphone_.status(); },
-            .microphoneExplanation = [this] { return microphone_.explanation(); },
-            .askForMicrophone =
-                [this](std::function<void(bool)> answered) { microphone_.ask(std::move(answered)); },
-            .speechExplanation = [this] { return speech_.whyUnavailable().value_or(""); },
-            .needsSpeechConsent = [this] { return speech_.needsConsent(); },
-            .speechConsentText = [this] { return speech_.consentText(); },
-            .answerSpeechConsent = [this](bool isAllowed) { speech_.answerConsent(isAllowed); },
-            .isSpeechRefused = [this] { return speech_.isRefused(); },
-            .isKeyboardUsable = [this] { return session_.usable(); },
-            .keyboardExplanation = [this] { return session_.sentence; },
-            .executablePath = runningExecutable(),
-            .homeDirectory = folders_.home()};
-}
-
-void LinuxPlatform::whenSoundIsKnown(std::function<void()> callback) {
-    const auto once = [called = std::make_shared<bool>(false), callback = std::move(callback)] {
-        if (!std::exchange(*called, true)) {
-            callback();
-        }
-    };
-    const auto onceKnown = [this, once] {
-        if (devices_.directory()->listing().known && microphone_.isKnown()) {
-            once();
-        }
-    };
-    devices_.directory()->observe(soundServer_, [this, onceKnown] { queue_.async(onceKnown); });
-    permissionsChanged_ = [this, onceKnown] { queue_.async(onceKnown); };
-    queue_.async(onceKnown);
-    queue_.asyncAfter(microphone_.isKnown() ? kLongestWaitForSound : kLongestWaitForPortal, once);
-}
-
-LinuxPlatform::~LinuxPlatform() = default;
-
-void LinuxPlatform::saveSettingsAgainLater() {
-    savingSettingsAgain_ = queue_.after(kSavingAgainInterval, [this] {
-        if (!defaults_.saveAgain()) {
+void LinuxPlatform::Adapters::saveSettingsAgainLater() {
+    savingSettingsAgain = queue.after(kSavingAgainInterval, [this] {
+        if (!defaults.saveAgain()) {
             saveSettingsAgainLater();
         }
     });
 }
 
-void LinuxPlatform::wrapForTimings(const std::string& path) {
-    marks_ = std::make_unique<TimingMarks>(path);
-    timedLog_ = std::make_unique<TimedLog>(log_, *marks_);
-    timedKeyMonitor_ = std::make_unique<TimedKeyMonitor>(keyMonitor_, *marks_);
-    timedEngine_ = std::make_unique<TimedAudioEngine>(engine_, *marks_);
-    usedLog_ = timedLog_.get();
-    usedKeyMonitor_ = timedKeyMonitor_.get();
-    usedEngine_ = timedEngine_.get();
+LinuxPlatform::LinuxPlatform(SystemLog& log, std::function<void()> terminate)
+    : adapters_(std::make_unique<Adapters>(log, std::move(terminate))) {}
+
+LinuxPlatform::~LinuxPlatform() = default;
+
+const Platform& LinuxPlatform::ports() const {
+    return adapters_->ports;
 }
 
-Platform LinuxPlatform::describe(UserInterface& userInterface, std::function<void()> terminate) {
-    return {
-        .clock = clock_,
-        .mainQueue = queue_,
-        .log = *usedLog_,
-        .defaults = defaults_,
-        .defaultsChanges = defaultsChanges_,
-        .files = files_,
-        .workspace = settingsWorkspace_,
-        .keyMonitor = *usedKeyMonitor_,
-        .keyEventPoster = poster_,
-        .pasteboard = pasteboard_,
-        .audioEngine = *usedEngine_,
-        .captureDevices = devices_,
-        .audioHardware = devices_,
-        .speechService = speech_,
-        .authorization = authorization_,
-        .translationService = translation_,
-        .screens = screens_,
-        .alert = alert_,
-        .processLauncher = launcher_,
-        .userInterface = userInterface,
-        .terminate = std::move(terminate),
-        .dataFolder = folders_.applicationSupport(),
-        .debugLogFile = folders_.debugLogFile(),
-        .processIdentifier = getpid(),
-        .installLocations = linuxInstallLocations(kInstalledExecutable),
+void LinuxPlatform::whenSoundIsKnown(std::function<void()> callback) {
+    struct Wait {
+        std::function<void()> callback;
+        Subscription portal;
     };
+    auto* const adapters = adapters_.get();
+    const auto wait = std::make_shared<Wait>(Wait{std::move(callback), {}});
+    const auto end = [wait] {
+        if (const auto once = std::exchange(wait->callback, nullptr)) {
+            wait->portal.end();
+            once();
+        }
+    };
+    const auto endIfKnown = [adapters, end] {
+        if (adapters->isSoundKnown()) {
+            end();
+        }
+    };
+    const auto lookSoon = [adapters, endIfKnown] { adapters->queue.async(endIfKnown); };
+    adapters->devices.directory()->observe(adapters->soundServer, lookSoon);
+    wait->portal = adapters->permissionsChanged.add(lookSoon);
+    lookSoon();
+    adapters->queue.asyncAfter(adapters->microphone.isKnown() ? kLongestWaitForSound : kLongestWaitForPortal,
+                               end);
+}
+
+Subscription LinuxPlatform::onPermissionsChanged(std::function<void()> handler) {
+    return adapters_->permissionsChanged.add(std::move(handler));
 }
 
 } // namespace tovik

@@ -4,10 +4,8 @@
 
 #include "Platform/Result.h"
 
-#include <chrono>
 #include <cstddef>
 #include <functional>
-#include <optional>
 #include <span>
 
 namespace tovik {
@@ -61,12 +59,6 @@ public:
     /// Hands the tap what has been captured up to now and does not fill a whole buffer yet, so that nothing
     /// spoken before the call is missing. On the calling thread, before returning.
     virtual void flush() = 0;
-
-    /// When the first frame of the newest recording was captured, what openAhead() kept included; for
-    /// measurements. Nothing before the first frame, or when the engine does not know.
-    [[nodiscard]] virtual std::optional<std::chrono::steady_clock::time_point> firstFrameCapturedAt() const {
-        return std::nullopt;
-    }
 };
 
 } // namespace tovik

@@ -133,5 +133,31 @@ TEST(QtPasteboard, whenAnotherProgramHasCopiedMeanwhile_ourTextStillReplacesThei
     }
 }
 
+TEST(QtPasteboard, whenAnotherProgramHasCopiedJustNow_ourTextFollowsAsSoonAsThatIsKnown) {
+    QtPasteboard pasteboard;
+    const auto selection = [](const QString& name) {
+        QProcess other;
+        other.start("xclip", {"-o", "-selection", name});
+        EXPECT_TRUE(runUntil([&] { return other.state() == QProcess::NotRunning; }));
+        return other.readAllStandardOutput().toStdString();
+    };
+    pasteboard.replaceContents("first");
+    EXPECT_EQ(selection("clipboard"), "first");
+    for (const QString name : {"clipboard", "primary"}) {
+        QProcess other;
+        other.setStandardOutputFile(QProcess::nullDevice());
+        other.setStandardErrorFile(QProcess::nullDevice());
+        other.start("xclip", {"-i", "-selection", name});
+        other.write("theirs");
+        other.closeWriteChannel();
+        // It goes on in the background. Meanwhile no event is handled here.
+        ASSERT_TRUE(other.waitForFinished());
+        pasteboard.replaceContents("ours");
+        EXPECT_TRUE(runUntil([&] { return selection(name) == "ours"; })) << name.toStdString();
+        EXPECT_EQ(selection("clipboard"), "ours");
+        EXPECT_EQ(selection("primary"), "ours");
+    }
+}
+
 } // namespace
 } // namespace tovik::test

@@ -2,13 +2,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/Desktop/QtMenu.h"
 #include "Session/InputDeviceMenu.h"
 #include "Session/LanguageMenu.h"
 #include "Session/StatusMenu.h"
 #include "Session/TargetTracker.h"
 #include "Session/TranscriptHistoryMenu.h"
 #include "Speech/Text/TranscriptionDictionary.h"
+#include "UserInterface/StatusItem/QtMenu.h"
 #include "support/FakeKeyEventPoster.h"
 #include "support/FakeTextTranslator.h"
 #include "ui/WindowStage.h"

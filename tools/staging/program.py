@@ -10,8 +10,11 @@ from typing import Callable
 
 from .desktop import Desktop
 from .lines import Lines
+from .sound import Recordings
 from .stage import TOOLS_FOLDER, Stage
 from .waiting import StageError, wait_until
+
+LAUNCH_FINISHED = "] applicationDidFinishLaunching finished successfully\n"
 
 DEFAULT_BINARY = os.path.join(os.path.dirname(TOOLS_FOLDER), "build", "release", "bin", "tovik-record")
 
@@ -27,8 +30,9 @@ class Program:
             raise StageError(f"{binary} is not there; build it first: cmake --build --preset release")
         self._stage = stage
         self._name = name
-        self._timings = stage.path(name + ".timings")
-        environment = stage.environment | {"TOVIK_TIMINGS": self._timings} | (extra_environment or {})
+        environment = stage.environment | (extra_environment or {})
+        # Those of earlier launches on the same stage come first.
+        self._launches_before = self._finished_launches()
         self.started = time.monotonic()
         with open(stage.path("log", name + ".stderr"), "ab") as errors:
             self.process = stage.spawn(name, [binary], env=environment, stdout=subprocess.PIPE, stderr=errors,
@@ -52,13 +56,17 @@ class Program:
         def ready() -> float | None:
             if self.process.poll() is not None:
                 raise StageError(f"the program ended at launch with code {self.process.returncode}:\n{self.errors()}")
-            return self.mark_after("ready", self.started)
+            return time.monotonic() if self._finished_launches() > self._launches_before else None
 
-        return wait_until(ready, "the program to be ready", seconds) - self.started
+        return wait_until(ready, "the program to be ready", seconds, step=0.001) - self.started
 
     def wait_until_presented(self, desktop: Desktop) -> None:
         """Waits until the main window, which comes up at launch, has the focus: until then it may still take it."""
         wait_until(lambda: desktop.active_window() in self.windows(desktop), "the main window to be active")
+
+    def watch_recordings(self) -> Recordings:
+        """From now on tells when programs begin to record."""
+        return Recordings(self._stage)
 
     def errors(self) -> str:
         """What the program wrote to its standard error and, through it, to the system log."""
@@ -70,14 +78,6 @@ class Program:
     def wait_for_line(self, text: str, seconds: float, start: int = 0) -> tuple[float, str]:
         """Waits for a line with this text. Returns its moment and the line."""
         return self.lines.wait_for(lambda line: text in line, f"the line '{text}'", seconds, start)
-
-    def mark_after(self, name: str, moment: float) -> float | None:
-        """The first timing mark of this name at or after a moment, if the program has written one."""
-        for line in self._text_of(self._timings).splitlines():
-            seconds, _, mark = line.partition(" ")
-            if mark == name and float(seconds) >= moment:
-                return float(seconds)
-        return None
 
     def terminate(self, seconds: float = 5.0) -> int:
         """Ends the program as the end of a session does. Returns its exit code, negative for a signal."""
@@ -92,6 +92,10 @@ class Program:
 
     def windows(self, desktop: Desktop) -> list[int]:
         return [window for window in desktop.windows() if desktop.process(window) == self.process.pid]
+
+    def _finished_launches(self) -> int:
+        """Of how many launches its logs tell the end: the file that it keeps, or the system's where the disk is full."""
+        return max(self._text_of(self.debug_log).count(LAUNCH_FINISHED), self.errors().count(LAUNCH_FINISHED))
 
     @staticmethod
     def _text_of(path: str) -> str:

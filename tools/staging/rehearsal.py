@@ -22,9 +22,6 @@ PICTURE_AFTER_SECONDS = 0.9
 # A speaker lets go of the key a moment after the last word.
 TAIL_SECONDS = 0.3
 
-# The first sound to arrive may have been captured shortly before the key went down: servers deliver it in pieces.
-EARLIEST_SAMPLE_SECONDS = 0.1
-
 TEXT_SECONDS = 20.0
 
 RAW = "[TovikVoice] Raw Transcription: "
@@ -65,6 +62,7 @@ class Rehearsal:
         self._editor = editor
         self._pictures = pictures
         self._tell = tell
+        self._recordings = program.watch_recordings()
         self._count = 0
 
     def dictate(self, speech: str, hands_free: bool = False) -> Dictation:
@@ -120,12 +118,11 @@ class Rehearsal:
             return line.startswith((RAW, *FAILURES))
 
         moment, line = self._program.lines.wait_for(ended, "the final text", TEXT_SECONDS, first_line)
-        heard = self._program.mark_after("first-sample", down - EARLIEST_SAMPLE_SECONDS)
-        result.first_buffer_ms = self._since(down, heard)
+        result.first_buffer_ms = self._since(down, self._recordings.first_after(down))
         if not line.startswith(RAW):
             raise StageError(line)
         result.transcript = line.removeprefix(RAW)
-        result.final_ms = self._since(up, self._program.mark_after("final-text", up) or moment)
+        result.final_ms = self._since(up, moment)
 
         at, text = self._editor.wait_for_text_after(before, TEXT_SECONDS)
         result.paste_ms = self._since(up, at)

@@ -8,6 +8,7 @@ import subprocess
 import sys
 import time
 
+from .lines import Lines
 from .microphone import Microphone
 from .waiting import StageError, wait_until
 
@@ -124,6 +125,24 @@ class Sound:
 
     def _path(self, name: str) -> str:
         return self._stage.path("run", name)
+
+
+class Recordings:
+    """The moments at which programs begin to record, as the sound server announces them."""
+
+    def __init__(self, stage) -> None:
+        Recordings._count += 1
+        watcher = stage.spawn(f"watch on recordings {Recordings._count}", ["pactl", "subscribe"],
+                              stdout=subprocess.PIPE, text=True)
+        self._notices = Lines(watcher, "the watch on recordings")
+        # It says nothing of its own, but tells of anybody else who comes to the server.
+        wait_until(lambda: stage.sound.control("info") and self._notices.all(), "the watch on recordings")
+
+    _count = 0
+
+    def first_after(self, moment: float) -> float | None:
+        return next((at for at, notice in self._notices.all()
+                     if at >= moment and notice.startswith("Event 'new' on source-output")), None)
 
 
 def _feeder(microphone: str) -> str:

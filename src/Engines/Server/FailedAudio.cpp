@@ -3,7 +3,7 @@
 #include "Engines/Server/FailedAudio.h"
 
 #include "Engines/Server/SoundEncoding.h"
-#include "Linux/Storage/FileReplacement.h"
+#include "Linux/Storage/LocalFiles.h"
 
 #include <sys/stat.h>
 

@@ -11,6 +11,9 @@ namespace tovik {
 
 /// The desktop's secret service, which GNOME's and KDE's key rings offer. Each secret carries the attributes
 /// "application" ("tovik-record") and "name", by which `secret-tool` finds it as well.
+///
+/// Asked on a thread: the library's asynchronous calls need GLib's event loop, and Qt's is another one where
+/// Qt was built or told to do without.
 class LibsecretStore : public SecretStore {
 public:
     explicit LibsecretStore(MainQueue& queue);

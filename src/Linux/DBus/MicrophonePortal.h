@@ -2,6 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QDBusConnection>
+#include <QDBusError>
+#include <QDBusPendingCall>
+#include <QObject>
+#include <QString>
+
 #include <functional>
 #include <string>
 
@@ -35,6 +41,29 @@ public:
     virtual void look(Handler handler) = 0;
     /// Asks for the microphone, for which the user may be asked; undecided when that question was lost.
     virtual void ask(Handler handler) = 0;
+};
+
+/// The portal on the session bus.
+class DBusMicrophonePortal : public QObject, public MicrophonePortal {
+    Q_OBJECT
+
+public:
+    /// bus is called at the first use: where there is no session bus, asking for it could start one.
+    explicit DBusMicrophonePortal(std::function<QDBusConnection()> bus);
+
+    void look(Handler handler) override;
+    void ask(Handler handler) override;
+
+    /// What an error in answer to a question says.
+    [[nodiscard]] static Answer answerTo(const QDBusError& error);
+
+private:
+    [[nodiscard]] bool answersWithoutBus(const Handler& handler);
+    [[nodiscard]] QDBusPendingCall accessDevice(unsigned processIdentifier, const QString& token,
+                                                int patienceMilliseconds);
+
+    const std::function<QDBusConnection()> bus_;
+    int questions_ = 0;
 };
 
 } // namespace tovik

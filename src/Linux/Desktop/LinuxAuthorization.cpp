@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kNotDetermined = 0;
 constexpr int kSpeechDenied = 1;
-constexpr int kAuthorised = 3;
+constexpr int kAuthorized = 3;
 constexpr int kAllowButton = 0;
 constexpr int kDoNotAllowButton = 1;
 constexpr int kCheckAgainButton = 0;
@@ -36,7 +36,7 @@ int LinuxAuthorization::speechStatus() const {
     if (answers_.isSpeechRefused && answers_.isSpeechRefused()) {
         return kSpeechDenied;
     }
-    return answers_.speechExplanation().empty() ? kAuthorised : kNotDetermined;
+    return answers_.speechExplanation().empty() ? kAuthorized : kNotDetermined;
 }
 
 bool LinuxAuthorization::needsSpeechConsent() const {
@@ -71,7 +71,7 @@ void LinuxAuthorization::requestMicrophoneAccess(std::function<void(bool granted
 
 void LinuxAuthorization::explainMicrophone(std::function<void(bool granted)> answer) {
     ask(microphone_,
-        [this, answer = std::move(answer)] { answer(answers_.microphoneStatus() == kAuthorised); });
+        [this, answer = std::move(answer)] { answer(answers_.microphoneStatus() == kAuthorized); });
 }
 
 void LinuxAuthorization::requestSpeechAuthorization(std::function<void(int status)> answer) {

@@ -34,18 +34,19 @@ protected:
 /// Sentences may be broken, but commands in lines of their own stay whole and can be copied.
 void makeCommandsReadable(QMessageBox& box) {
     constexpr int kWidest = 560;
-    auto* const text = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
-    if (text == nullptr) {
-        return;
-    }
-    int widest = 0;
-    for (const auto& line : text->text().split('\n')) {
-        if (!line.endsWith('.')) {
-            widest = std::max(widest, text->fontMetrics().horizontalAdvance(line));
+    for (auto* const label : box.findChildren<QLabel*>()) {
+        if (label->text() != box.informativeText()) {
+            continue;
         }
+        int widest = 0;
+        for (const auto& line : label->text().split('\n')) {
+            if (!line.endsWith('.')) {
+                widest = std::max(widest, label->fontMetrics().horizontalAdvance(line));
+            }
+        }
+        label->setMinimumWidth(std::min(widest, kWidest));
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     }
-    text->setMinimumWidth(std::min(widest, kWidest));
-    text->setTextInteractionFlags(Qt::TextSelectableByMouse);
 }
 
 /// A title may hold the sign that marks a shortcut letter.

@@ -2,21 +2,24 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/Storage/FileWatch.h"
+#include "Platform/Observers.h"
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaultsChanges.h"
 
-#include <map>
 #include <memory>
-#include <optional>
 #include <string>
 
 class QSocketNotifier;
 
 namespace tovik {
 
+class FileWatch;
+
 /// Watches the file of the settings. Where that cannot be, a line of the log says so, and changes by other
 /// processes are seen when a setting is used or its section opened next.
+///
+/// On inotify itself, since QFileSystemWatcher tells of every single write, at which half of the file may be
+/// there, of every other file in the folder, and not of a folder that another one has taken the place of.
 class QtUserDefaultsChanges : public UserDefaultsChanges {
 public:
     QtUserDefaultsChanges(const std::string& path, SystemLog& log);
@@ -24,18 +27,14 @@ public:
     QtUserDefaultsChanges(const QtUserDefaultsChanges&) = delete;
     QtUserDefaultsChanges& operator=(const QtUserDefaultsChanges&) = delete;
 
-    [[nodiscard]] Subscription observe(std::function<void()> handler) override;
+    [[nodiscard]] Subscription observe(std::function<void()> handler) override {
+        return changed_.add(std::move(handler));
+    }
 
 private:
-    using Handlers = std::map<int, std::function<void()>>;
-
-    void takeChanges();
-
-    std::optional<FileWatch> watch_;
+    std::unique_ptr<FileWatch> watch_;
     std::unique_ptr<QSocketNotifier> notifier_;
-    /// Shared with the tokens, which may outlive this.
-    std::shared_ptr<Handlers> handlers_ = std::make_shared<Handlers>();
-    int lastHandler_ = 0;
+    Observers<> changed_;
 };
 
 } // namespace tovik

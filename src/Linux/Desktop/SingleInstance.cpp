@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Desktop/SingleInstance.h"
 
-#include "Linux/Storage/FileReplacement.h"
 #include "Platform/PosixError.h"
 
 #include <QSocketNotifier>

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/Storage/FileLock.h"
-#include "Platform/UnixFd.h"
+#include "Linux/Storage/LocalFiles.h"
 #include "Platform/Clock.h"
 #include "Platform/Result.h"
+#include "Platform/UnixFd.h"
 
 #include <functional>
 #include <memory>
@@ -18,6 +18,8 @@ namespace tovik {
 
 /// Sees to it that the program runs once for each user and display. The first copy holds a lock, which ends
 /// with its process whatever kills it, and listens on a socket; a later copy asks it there to come forward.
+///
+/// QLocalServer would bring Qt Network and the libraries behind it into every start.
 class SingleInstance {
 public:
     enum class Role {

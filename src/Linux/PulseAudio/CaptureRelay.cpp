@@ -29,7 +29,6 @@ void CaptureRelay::removeTap() {
 CaptureRelay::Session CaptureRelay::open(bool ahead) {
     const std::lock_guard lock(mutex_);
     forget();
-    firstFrameAt_.reset();
     phase_ = ahead ? Phase::ahead : Phase::delivering;
     return ++session_;
 }
@@ -67,11 +66,6 @@ bool CaptureRelay::isAhead() const {
     return phase_ == Phase::ahead;
 }
 
-std::optional<std::chrono::steady_clock::time_point> CaptureRelay::firstFrameAt() const {
-    const std::lock_guard lock(mutex_);
-    return firstFrameAt_;
-}
-
 bool CaptureRelay::isCurrent(Session session) const {
     const std::lock_guard lock(mutex_);
     return phase_ != Phase::closed && session_ == session;
@@ -97,12 +91,6 @@ void CaptureRelay::append(Session session, const float* samples, std::size_t fra
         const bool wanted = phase_ == Phase::ahead || (phase_ == Phase::delivering && tap_);
         if (session_ != session || !wanted || ring_.empty()) {
             return;
-        }
-        if (!firstFrameAt_) {
-            // What arrives now was heard while these frames lasted.
-            const std::chrono::duration<double> heard(static_cast<double>(frames) / sampleRate_);
-            firstFrameAt_ = std::chrono::steady_clock::now() -
-                            std::chrono::duration_cast<std::chrono::steady_clock::duration>(heard);
         }
         if (room() == 0) {
             // Kept for longer than anybody hesitates: the oldest goes.

@@ -4,11 +4,9 @@
 
 #include "Platform/AudioEngine.h"
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
-#include <optional>
 #include <vector>
 
 namespace tovik {
@@ -39,8 +37,6 @@ public:
 
     [[nodiscard]] bool isDelivering() const;
     [[nodiscard]] bool isAhead() const;
-    /// When the first frame of the newest session was heard; nothing before that.
-    [[nodiscard]] std::optional<std::chrono::steady_clock::time_point> firstFrameAt() const;
     /// Whether this session has not ended.
     [[nodiscard]] bool isCurrent(Session session) const;
 
@@ -72,7 +68,6 @@ private:
     std::vector<float> ring_;
     std::size_t first_ = 0;
     std::size_t count_ = 0;
-    std::optional<std::chrono::steady_clock::time_point> firstFrameAt_;
 };
 
 } // namespace tovik

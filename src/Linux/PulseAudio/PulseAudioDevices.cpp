@@ -9,6 +9,11 @@ namespace tovik {
 
 namespace {
 
+constexpr int kRestricted = 1;
+constexpr int kDenied = 2;
+constexpr int kAuthorized = 3;
+constexpr int kUnknown = 4;
+
 CaptureDevice asDevice(const SoundSource& source) {
     return {source.name, source.description};
 }
@@ -86,31 +91,36 @@ std::optional<std::string> PulseAudioDevices::deviceName(std::uint32_t id) const
 }
 
 Subscription PulseAudioDevices::onConnected(std::function<void(const CaptureDevice&)> handler) {
-    return add(connected_, std::move(handler));
+    return connected_->add(std::move(handler));
 }
 
 Subscription PulseAudioDevices::onDisconnected(std::function<void(const CaptureDevice&)> handler) {
-    return add(disconnected_, std::move(handler));
+    return disconnected_->add(std::move(handler));
 }
 
-Subscription PulseAudioDevices::add(const std::shared_ptr<Handlers>& handlers,
-                                    std::function<void(const CaptureDevice&)> handler) {
-    const auto key = handlers->empty() ? 0 : handlers->rbegin()->first + 1;
-    handlers->emplace(key, std::move(handler));
-    return Subscription([weak = std::weak_ptr(handlers), key] {
-        if (const auto alive = weak.lock()) {
-            alive->erase(key);
-        }
-    });
+int PulseAudioDevices::microphoneStatus() const {
+    const auto server = connection_.status();
+    if (server.turnsAway(std::chrono::steady_clock::now())) {
+        return kDenied;
+    }
+    const auto listing = directory_->listing();
+    if (server.state != SoundServerStatus::State::ready || !listing.known) {
+        return kUnknown;
+    }
+    return listing.microphones(false).empty() ? kRestricted : kAuthorized;
 }
 
-// A handler may end any subscription, its own too.
-void PulseAudioDevices::tell(const std::shared_ptr<Handlers>& handlers, const CaptureDevice& device) {
-    const auto now = *handlers;
-    for (const auto& [key, handler] : now) {
-        if (handlers->contains(key)) {
-            handler(device);
-        }
+std::string PulseAudioDevices::microphoneExplanation() const {
+    switch (microphoneStatus()) {
+    case kRestricted:
+        return "No microphone was found. Plug one in, or switch one on in the sound settings.";
+    case kDenied:
+        return "The sound server does not let this program record. Allow it in the privacy or sound "
+               "settings.";
+    case kUnknown:
+        return "The sound server does not answer. Start PulseAudio or PipeWire, or log in again.";
+    default:
+        return {};
     }
 }
 
@@ -136,10 +146,10 @@ void PulseAudioDevices::tellWhatChanged() {
     const auto disconnected = disconnected_;
     const auto connected = connected_;
     for (const auto& device : left) {
-        tell(disconnected, device);
+        disconnected->tell(device);
     }
     for (const auto& device : arrived) {
-        tell(connected, device);
+        connected->tell(device);
     }
 }
 

@@ -7,6 +7,7 @@
 #include "Platform/CaptureDevices.h"
 #include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
+#include "Platform/Observers.h"
 #include "Platform/UserDefaults.h"
 
 #include <cstdint>
@@ -40,24 +41,29 @@ public:
     [[nodiscard]] Result<std::vector<std::uint32_t>> deviceIds() const override;
     [[nodiscard]] std::optional<std::string> deviceName(std::uint32_t id) const override;
 
+    /// Whether the server lets this program hear a microphone, as far as is known now, as
+    /// Authorization::microphoneStatus(): restricted without a microphone, denied when the server turned the
+    /// program or its last recording away, unknown while no server has answered. Any thread; asks nothing of
+    /// the user: outside a sandbox no desktop does.
+    [[nodiscard]] int microphoneStatus() const;
+    /// What is wrong and how to mend it, in a sentence for the user; empty when nothing is.
+    [[nodiscard]] std::string microphoneExplanation() const;
+
     /// The listing behind all this, for the other parts of this adapter. Any thread.
     [[nodiscard]] std::shared_ptr<SoundDirectory> directory() const { return directory_; }
 
 private:
-    using Handlers = std::map<std::uint64_t, std::function<void(const CaptureDevice&)>>;
     /// By the server's number: a device that was away meanwhile has a new one.
     using Known = std::map<std::uint32_t, CaptureDevice>;
 
     [[nodiscard]] std::vector<SoundSource> microphones() const;
-    static Subscription add(const std::shared_ptr<Handlers>& handlers,
-                            std::function<void(const CaptureDevice&)> handler);
-    static void tell(const std::shared_ptr<Handlers>& handlers, const CaptureDevice& device);
     void tellWhatChanged();
 
     PulseAudioConnection& connection_;
     const UserDefaults& defaults_;
-    std::shared_ptr<Handlers> connected_ = std::make_shared<Handlers>();
-    std::shared_ptr<Handlers> disconnected_ = std::make_shared<Handlers>();
+    /// Shared with whoever is just telling: a handler may destroy these devices.
+    std::shared_ptr<Observers<CaptureDevice>> connected_ = std::make_shared<Observers<CaptureDevice>>();
+    std::shared_ptr<Observers<CaptureDevice>> disconnected_ = std::make_shared<Observers<CaptureDevice>>();
     Known known_;
     std::shared_ptr<SoundDirectory> directory_;
     Lifetime lifetime_;

@@ -38,7 +38,6 @@ public:
     void closeAhead() override;
 
     void flush() override;
-    [[nodiscard]] std::optional<std::chrono::steady_clock::time_point> firstFrameCapturedAt() const override;
 
 private:
     class Microphone;

@@ -25,6 +25,54 @@ std::string text(const char* bytes) {
 
 } // namespace
 
+/// Asks a sound server for its default source over a connection of its own, which sees what a long-standing
+/// one may have missed. Sound thread only. Never answers once it is destroyed, and not at all when the server
+/// does not.
+class DefaultSourceInquiry {
+public:
+    /// Comes once, from within a call of the inquiry, which must not be destroyed there.
+    using Answer = std::function<void(std::string)>;
+
+    DefaultSourceInquiry(pa_mainloop_api& api, const char* server, Answer answer);
+    DefaultSourceInquiry(const DefaultSourceInquiry&) = delete;
+    DefaultSourceInquiry& operator=(const DefaultSourceInquiry&) = delete;
+
+private:
+    void ask();
+
+    const Answer answer_;
+    pulse::ContextHandle context_;
+    pulse::OperationHandle operation_;
+};
+
+DefaultSourceInquiry::DefaultSourceInquiry(pa_mainloop_api& api, const char* server, Answer answer)
+    : answer_(std::move(answer)),
+      context_(pa_context_new(&api, "Tovik Record")) {
+    if (!context_) {
+        return;
+    }
+    pa_context_set_state_callback(
+        context_.get(),
+        [](pa_context* context, void* self) {
+            if (pa_context_get_state(context) == PA_CONTEXT_READY) {
+                static_cast<DefaultSourceInquiry*>(self)->ask();
+            }
+        },
+        this);
+    pa_context_connect(context_.get(), server, PA_CONTEXT_NOAUTOSPAWN, nullptr);
+}
+
+void DefaultSourceInquiry::ask() {
+    operation_.reset(pa_context_get_server_info(
+        context_.get(),
+        [](pa_context*, const pa_server_info* info, void* self) {
+            if (info != nullptr && info->default_source_name != nullptr) {
+                static_cast<DefaultSourceInquiry*>(self)->answer_(info->default_source_name);
+            }
+        },
+        this));
+}
+
 const SoundSource* SoundListing::find(const std::string& name) const {
     const auto found = std::find_if(sources.begin(), sources.end(),
                                     [&](const SoundSource& source) { return source.name == name; });
@@ -48,6 +96,10 @@ std::vector<SoundSource> SoundListing::microphones(bool withMonitors) const {
                  [&](const SoundSource& source) { return canBeHeard(source) && (all || !source.isMonitor); });
     return chosen;
 }
+
+SoundDirectory::SoundDirectory(SoundThread& thread) : thread_(thread) {}
+
+SoundDirectory::~SoundDirectory() = default;
 
 void SoundDirectory::observe(PulseAudioConnection& connection, std::function<void()> observer) {
     connection.post([self = shared_from_this(), observer = std::move(observer)]() mutable {

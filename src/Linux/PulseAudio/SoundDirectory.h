@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/PulseAudio/DefaultSourceInquiry.h"
 #include "Linux/PulseAudio/PulseAudioConnection.h"
 
 #include <cstdint>
@@ -14,6 +13,8 @@
 #include <vector>
 
 namespace tovik {
+
+class DefaultSourceInquiry;
 
 struct SoundSource {
     std::uint32_t index = 0;
@@ -53,7 +54,8 @@ class SoundDirectory : public PulseAudioConnection::Client,
                        public std::enable_shared_from_this<SoundDirectory> {
 public:
     /// The thread outlives the directory's time on the connection.
-    explicit SoundDirectory(SoundThread& thread) : thread_(thread) {}
+    explicit SoundDirectory(SoundThread& thread);
+    ~SoundDirectory() override;
 
     /// Any thread. From the next change of the listing on, calls the observer on the sound thread.
     void observe(PulseAudioConnection& connection, std::function<void()> observer);

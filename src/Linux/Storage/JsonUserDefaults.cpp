@@ -2,14 +2,20 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Storage/JsonUserDefaults.h"
 
-#include "Linux/Storage/FileLock.h"
-#include "Linux/Storage/FileReplacement.h"
+#include "Linux/Storage/LocalFiles.h"
 
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
 #include <utility>
+#include <vector>
 
 namespace tovik {
 
@@ -28,13 +34,181 @@ void closeToOthers(const std::string& folder) {
     }
 }
 
+constexpr int kMostCopies = 100;
+
+std::string timeInName(std::chrono::system_clock::time_point time) {
+    const auto seconds = std::chrono::system_clock::to_time_t(time);
+    tm utc{};
+    ::gmtime_r(&seconds, &utc);
+    std::array<char, 64> text{};
+    const auto length = std::strftime(text.data(), text.size(), "%Y%m%dT%H%M%SZ", &utc);
+    return {text.data(), length};
+}
+
+bool holds(const std::string& path, std::string_view content) {
+    std::ifstream file(path, std::ios::binary);
+    return file && std::string(std::istreambuf_iterator<char>(file), {}) == content;
+}
+
+bool isSame(const JsonDocument::Value& left, const JsonDocument::Value& right) {
+    if (!left || !right) {
+        return left == right;
+    }
+    return left == right || left->value() == right->value();
+}
+
 } // namespace
+
+/// What this process sees of the settings: what the file holds, with the changes on it that could not be
+/// saved yet. A key that somebody else has changed in the file since is theirs. Not for several threads at
+/// once.
+class SettingsView {
+public:
+    explicit SettingsView(std::string path) : path_(path), file_(std::move(path)) {}
+
+    /// Takes in what has changed on the disk. Unreadable content is kept beside the file.
+    void refresh();
+
+    /// The change holds from now on. Null removes the key.
+    void put(std::string_view key, JsonDocument::Value value);
+
+    /// Whether changes are still to be written: any, or those of a key.
+    [[nodiscard]] bool hasUnsaved() const { return !unsaved_.empty(); }
+    [[nodiscard]] bool hasUnsaved(std::string_view key) const { return unsaved_.contains(key); }
+
+    /// The document with all changes on it has been written, as this text.
+    void wasSaved(std::shared_ptr<const JsonDocument> document, std::string_view text);
+
+    /// Never null.
+    [[nodiscard]] const std::shared_ptr<const JsonDocument>& document() const { return visible_; }
+
+    /// Fails as long as writing the file could lose what it holds.
+    [[nodiscard]] Result<void> mayBeOverwritten();
+
+    /// What the user should know, once.
+    [[nodiscard]] std::vector<std::string> takeComplaints();
+
+private:
+    struct Unsaved {
+        JsonDocument::Value value;
+        /// What the file held when the change was made.
+        JsonDocument::Value replaced;
+    };
+
+    void dropOvertaken();
+    void layUnsavedOverFile();
+    void keepUnreadableBytes();
+    void complain(std::string complaint);
+
+    const std::string path_;
+    JsonFile file_;
+    std::map<std::string, Unsaved, std::less<>> unsaved_;
+    std::shared_ptr<const JsonDocument> visible_ = std::make_shared<JsonDocument>();
+    Result<void> keeping_;
+    std::vector<std::string> complaints_;
+    std::string lastComplaint_;
+};
+
+void SettingsView::refresh() {
+    if (!file_.refresh()) {
+        return;
+    }
+    keeping_ = {};
+    switch (file_.state()) {
+    case JsonFile::State::unreachable:
+        complain(file_.error().description + ". The settings stay as they were last known.");
+        break;
+    case JsonFile::State::unreadable:
+        keepUnreadableBytes();
+        break;
+    case JsonFile::State::readable:
+        lastComplaint_.clear();
+        [[fallthrough]];
+    case JsonFile::State::absent:
+        dropOvertaken();
+        break;
+    }
+    layUnsavedOverFile();
+}
+
+void SettingsView::put(std::string_view key, JsonDocument::Value value) {
+    auto replaced = file_.document()->find(key);
+    unsaved_.insert_or_assign(std::string(key), Unsaved{std::move(value), std::move(replaced)});
+    layUnsavedOverFile();
+}
+
+void SettingsView::wasSaved(std::shared_ptr<const JsonDocument> document, std::string_view text) {
+    unsaved_.clear();
+    keeping_ = {};
+    file_.adopt(document, text);
+    visible_ = std::move(document);
+}
+
+Result<void> SettingsView::mayBeOverwritten() {
+    if (file_.state() == JsonFile::State::unreachable) {
+        return file_.error();
+    }
+    if (!keeping_) {
+        keepUnreadableBytes();
+    }
+    return keeping_;
+}
+
+std::vector<std::string> SettingsView::takeComplaints() {
+    return std::exchange(complaints_, {});
+}
+
+void SettingsView::dropOvertaken() {
+    std::erase_if(unsaved_, [this](const auto& item) {
+        return !isSame(file_.document()->find(item.first), item.second.replaced);
+    });
+}
+
+void SettingsView::layUnsavedOverFile() {
+    if (unsaved_.empty()) {
+        visible_ = file_.document();
+        return;
+    }
+    auto document = std::make_shared<JsonDocument>(*file_.document());
+    for (const auto& [key, change] : unsaved_) {
+        document->put(key, change.value);
+    }
+    visible_ = std::move(document);
+}
+
+void SettingsView::keepUnreadableBytes() {
+    const auto& bytes = file_.unreadableBytes();
+    const auto name = path_ + ".unreadable-" + timeInName(file_.unreadableSince());
+    for (int copy = 1; copy <= kMostCopies; ++copy) {
+        const auto path = copy == 1 ? name : name + "-" + std::to_string(copy);
+        const auto kept = createFile(path, bytes);
+        if (kept || holds(path, bytes)) {
+            keeping_ = {};
+            complain("The settings in " + path_ +
+                     " cannot be understood and count as empty. What the file held is kept as " + path + ".");
+            return;
+        }
+        keeping_ = kept.error();
+        if (keeping_.error().code != EEXIST) {
+            break;
+        }
+    }
+    complain("The settings in " + path_ + " cannot be understood and count as empty. " +
+             keeping_.error().description + ", so nothing is saved until that works.");
+}
+
+void SettingsView::complain(std::string complaint) {
+    if (complaint != lastComplaint_) {
+        lastComplaint_ = complaint;
+        complaints_.push_back(std::move(complaint));
+    }
+}
 
 JsonUserDefaults::JsonUserDefaults(std::string path, SystemLog& log, std::function<void()> onUnsaved)
     : path_(std::move(path)),
       log_(log),
       onUnsaved_(std::move(onUnsaved)),
-      view_(path_) {}
+      view_(std::make_unique<SettingsView>(path_)) {}
 
 JsonUserDefaults::~JsonUserDefaults() {
     // There is no next time.
@@ -63,9 +237,9 @@ std::shared_ptr<const JsonDocument> JsonUserDefaults::newest() const {
     std::vector<std::string> complaints;
     {
         const std::lock_guard lock(viewing_);
-        view_.refresh();
-        document = view_.document();
-        complaints = view_.takeComplaints();
+        view_->refresh();
+        document = view_->document();
+        complaints = view_->takeComplaints();
     }
     for (const auto& complaint : complaints) {
         complain(complaint);
@@ -76,18 +250,18 @@ std::shared_ptr<const JsonDocument> JsonUserDefaults::newest() const {
 bool JsonUserDefaults::isSaved(std::string_view key) const {
     (void)newest();
     const std::lock_guard lock(viewing_);
-    return !view_.hasUnsaved(key);
+    return !view_->hasUnsaved(key);
 }
 
 bool JsonUserDefaults::hasUnsaved() const {
     const std::lock_guard lock(viewing_);
-    return view_.hasUnsaved();
+    return view_->hasUnsaved();
 }
 
 void JsonUserDefaults::change(std::string_view key, const JsonDocument::Value& value) {
     const auto saved = [&] {
         const std::lock_guard lock(writing_);
-        return save([&] { view_.put(key, value); }, kLockPatience);
+        return save([&] { view_->put(key, value); }, kLockPatience);
     }();
     if (saved) {
         return;
@@ -121,8 +295,8 @@ Result<void> JsonUserDefaults::save(const std::function<void()>& change, Seconds
     {
         const std::lock_guard viewing(viewing_);
         change();
-        document = view_.document();
-        ready = lock ? view_.mayBeOverwritten() : Result<void>(lock.error());
+        document = view_->document();
+        ready = lock ? view_->mayBeOverwritten() : Result<void>(lock.error());
     }
     if (!ready) {
         return ready;
@@ -136,7 +310,7 @@ Result<void> JsonUserDefaults::save(const std::function<void()>& change, Seconds
         return written;
     }
     const std::lock_guard viewing(viewing_);
-    view_.wasSaved(std::move(document), text);
+    view_->wasSaved(std::move(document), text);
     return {};
 }
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/Storage/SettingsView.h"
+#include "Linux/Storage/JsonFile.h"
 #include "Platform/Clock.h"
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
@@ -13,6 +13,8 @@
 #include <string>
 
 namespace tovik {
+
+class SettingsView;
 
 /// Settings in one JSON object in a file that only the user can read, shared with other processes.
 ///
@@ -55,7 +57,8 @@ private:
     const std::function<void()> onUnsaved_;
     std::mutex writing_;
     mutable std::mutex viewing_;
-    mutable SettingsView view_;
+    /// Guarded by viewing_.
+    const std::unique_ptr<SettingsView> view_;
 };
 
 } // namespace tovik

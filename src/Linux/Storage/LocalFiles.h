@@ -2,7 +2,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Clock.h"
 #include "Platform/Files.h"
+#include "Platform/Result.h"
+#include "Platform/UnixFd.h"
+
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace tovik {
 
@@ -15,6 +22,47 @@ public:
     Result<void> remove(const std::string& path) override;
     [[nodiscard]] bool exists(const std::string& path) const override;
     [[nodiscard]] Result<std::vector<FolderEntry>> contentsOfFolder(const std::string& path) const override;
+};
+
+/// Creates a folder and the folders above it, readable by the user alone. An existing folder is left as it
+/// is and no error.
+Result<void> createPrivateFolder(const std::string& path);
+
+/// The file that a path leads to when its last component is a symbolic link, also a dangling one; otherwise
+/// the path itself. A file that is replaced through its link keeps the link.
+[[nodiscard]] Result<std::string> followLinks(const std::string& path);
+
+/// Writes a file that must not exist yet (EEXIST), and brings it safely to the disk. Mode 0600.
+Result<void> createFile(const std::string& path, std::string_view content);
+
+/// What a file outlasts once it is written: of this program alone, which waits for no disk, or of the whole
+/// machine, which may have to wait long for one.
+enum class Survives { crashes, powerFailures };
+
+/// Writes a new file and only then moves it over the old one: whatever dies when, there is the old content or
+/// the new. temporaryPath lies in the same folder, belongs to the caller alone and is gone afterwards; an old
+/// file of that name is dropped. Mode 0600.
+///
+/// QSaveFile overlooks that the disk did not take the content, does not sync the folder, hands on the old
+/// file's mode, and leaves a file of another name behind each time the process is killed.
+Result<void> replaceFile(const std::string& path, const std::string& temporaryPath, std::string_view content,
+                         Survives survives = Survives::powerFailures);
+
+/// Holds a lock file against other processes and against other locks of this one. It ends with the object,
+/// and with the process whatever kills it. The file itself stays.
+///
+/// QLockFile goes by the number of the process that holds it, which says nothing in a container and may be
+/// another's after a crash.
+class FileLock {
+public:
+    /// Waits for another holder at most this long; fails with EWOULDBLOCK when it still holds the lock then.
+    /// The folder must exist. A file system without locks counts as locked: there is nothing better.
+    static Result<FileLock> acquire(const std::string& path, Seconds patience);
+
+private:
+    explicit FileLock(UnixFd file) : file_(std::move(file)) {}
+
+    UnixFd file_;
 };
 
 } // namespace tovik

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/UnixFd.h"
 #include "Platform/SystemLog.h"
+#include "Platform/UnixFd.h"
 
 #include <cstddef>
 #include <mutex>
@@ -15,6 +15,8 @@ namespace tovik {
 /// reading, a full log or a missing log service never stops the program: lines for a syslog that is not there
 /// go to standard error instead, and so do copies of the others where that is a terminal. What a reader does
 /// not take in time is left out, and how much that was is told when it reads again.
+///
+/// syslog(3) waits for a log service that hangs, and cannot tell whether one took the line.
 class StandardLog : public SystemLog {
 public:
     StandardLog();

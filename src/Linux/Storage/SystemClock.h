@@ -4,13 +4,15 @@
 
 #include "Platform/Clock.h"
 
+#include <thread>
+
 namespace tovik {
 
 /// The machine's own clock. Any thread.
 class SystemClock : public Clock {
 public:
-    [[nodiscard]] Date now() const override;
-    void pause(Seconds duration) override;
+    [[nodiscard]] Date now() const override { return std::chrono::system_clock::now(); }
+    void pause(Seconds duration) override { std::this_thread::sleep_for(duration); }
 };
 
 } // namespace tovik

@@ -9,6 +9,9 @@
 namespace tovik {
 
 /// Where the user's files lie, by the XDG base directory rules. Nothing here touches the disk.
+///
+/// QStandardPaths knows no state folder yet (Qt 6.4), takes "/" for the home where HOME is missing, and makes
+/// the runtime folder when asked for it.
 class XdgFolders {
 public:
     using Environment = std::function<std::optional<std::string>(const char* variable)>;

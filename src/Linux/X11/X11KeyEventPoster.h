@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/X11/PasteChord.h"
+#include "Linux/X11/PasteChords.h"
 #include "Platform/KeyEventPoster.h"
 #include "Platform/MainQueue.h"
 

@@ -3,11 +3,9 @@
 #include "Linux/X11/X11KeyMonitor.h"
 
 #include "Linux/X11/PostedKeys.h"
-#include "Linux/X11/TalkKeySetting.h"
 #include "Linux/X11/X11Connection.h"
-#include "Linux/X11/X11EventWatch.h"
-#include "Linux/X11/X11Session.h"
 #include "Platform/SystemLog.h"
+#include "Platform/UserDefaults.h"
 #include "Session/TalkKeyGuard.h"
 
 #include <X11/XKBlib.h>
@@ -18,6 +16,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace tovik {
 namespace {
@@ -69,7 +68,100 @@ void select(Display* display, Window root, int devices, std::initializer_list<in
     XISelectEvents(display, root, &mask, 1);
 }
 
+constexpr Seconds kDefaultGuardTime{0.15};
+/// Beyond this the talk key would seem dead.
+constexpr Seconds kLongestGuardTime{2.0};
+
+const std::vector<unsigned long> kDefaultKeysyms{XK_Control_R, XStringToKeysym("XF86Fn")};
+
+/// The stored value as text, also where it is no text: for the log, and to notice a change.
+std::optional<std::string> storedText(const UserDefaults& defaults) {
+    const auto stored = defaults.value("platform.talkKey");
+    if (!stored) {
+        return std::nullopt;
+    }
+    return stored->is_string() ? stored->get<std::string>()
+                               : stored->dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
+}
+
 } // namespace
+
+/// Which key the user talks with: Right Control, and the Fn key of those keyboards that send one, unless the
+/// user default "platform.talkKey" names another by its keysym name. Read anew at each use. Main thread.
+class TalkKeySetting {
+public:
+    /// Both outlive this object.
+    TalkKeySetting(const UserDefaults& defaults, SystemLog& log);
+
+    /// The keysym among these by which a key is the talk key; nothing when it is not. A setting that names
+    /// no key is logged once and the default holds.
+    [[nodiscard]] std::optional<unsigned long> match(const std::vector<unsigned long>& keysymsOfKey);
+
+    /// How long the talk key is held back: "platform.talkKeyGuard" seconds (at most 2), 0.15 by default,
+    /// where the key is a modifier; not at all otherwise.
+    [[nodiscard]] Seconds guardTime(unsigned long keysym) const;
+
+    /// For the user: the keysym names of the talk key.
+    [[nodiscard]] std::string description();
+
+private:
+    [[nodiscard]] const std::vector<unsigned long>& current();
+
+    const UserDefaults& defaults_;
+    SystemLog& log_;
+    std::optional<std::string> known_;
+    std::vector<unsigned long> keysyms_;
+};
+
+TalkKeySetting::TalkKeySetting(const UserDefaults& defaults, SystemLog& log)
+    : defaults_(defaults),
+      log_(log),
+      keysyms_(kDefaultKeysyms) {}
+
+std::optional<unsigned long> TalkKeySetting::match(const std::vector<unsigned long>& keysymsOfKey) {
+    const auto& wanted = current();
+    const auto found =
+        std::find_first_of(keysymsOfKey.begin(), keysymsOfKey.end(), wanted.begin(), wanted.end());
+    return found == keysymsOfKey.end() ? std::nullopt : std::optional(*found);
+}
+
+Seconds TalkKeySetting::guardTime(unsigned long keysym) const {
+    if (!IsModifierKey(keysym)) {
+        return Seconds::zero();
+    }
+    const auto stored = defaults_.number("platform.talkKeyGuard");
+    if (!stored || !std::isfinite(*stored) || *stored < 0) {
+        return kDefaultGuardTime;
+    }
+    return std::min(Seconds(*stored), kLongestGuardTime);
+}
+
+std::string TalkKeySetting::description() {
+    std::string names;
+    for (const auto keysym : current()) {
+        const char* const name = XKeysymToString(keysym);
+        names += (names.empty() ? "" : " or ") + std::string(name != nullptr ? name : "?");
+    }
+    return names;
+}
+
+const std::vector<unsigned long>& TalkKeySetting::current() {
+    auto stored = storedText(defaults_);
+    if (stored == known_) {
+        return keysyms_;
+    }
+    known_ = std::move(stored);
+    keysyms_ = kDefaultKeysyms;
+    if (known_) {
+        if (const KeySym named = XStringToKeysym(known_->c_str()); named != NoSymbol) {
+            keysyms_ = {named};
+        } else {
+            log_.printLine("[TovikVoice] No key is named \"" + *known_ +
+                           "\" (platform.talkKey); the talk key is " + description());
+        }
+    }
+    return keysyms_;
+}
 
 X11KeyMonitor::X11KeyMonitor(Services services, std::string displayName)
     : services_(std::move(services)),

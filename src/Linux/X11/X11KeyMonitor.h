@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11Keyboard.h"
-#include "Linux/X11/XlibTypes.h"
 #include "Platform/KeyMonitor.h"
 #include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"

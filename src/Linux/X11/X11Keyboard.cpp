@@ -3,7 +3,6 @@
 #include "Linux/X11/X11Keyboard.h"
 
 #include "Linux/X11/X11Connection.h"
-#include "Linux/X11/X11Handle.h"
 
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>

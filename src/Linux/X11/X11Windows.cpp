@@ -3,7 +3,6 @@
 #include "Linux/X11/X11Windows.h"
 
 #include "Linux/X11/X11Connection.h"
-#include "Linux/X11/X11Handle.h"
 #include "Platform/AsciiCase.h"
 
 #include <X11/Xatom.h>
@@ -194,10 +193,6 @@ std::vector<std::string> X11Windows::applicationIds(unsigned long window) const 
         }
     }
     return ids;
-}
-
-std::string X11Windows::title(unsigned long window) const {
-    return text(window, "_NET_WM_NAME");
 }
 
 std::int64_t X11Windows::processIdentifier(unsigned long window) const {

@@ -34,7 +34,6 @@ public:
     [[nodiscard]] RunningApplication application(unsigned long window) const;
     /// The names that an application goes by: its class, then the name of its instance.
     [[nodiscard]] std::vector<std::string> applicationIds(unsigned long window) const;
-    [[nodiscard]] std::string title(unsigned long window) const;
     /// As the X server knows it; 0 when neither it nor the window tells, or when it is one of another
     /// machine.
     [[nodiscard]] std::int64_t processIdentifier(unsigned long window) const;

@@ -2,10 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/X11/X11Workspace.h"
 
-#include "Linux/Desktop/DesktopOpener.h"
-#include "Linux/X11/ProcessState.h"
 #include "Linux/X11/X11Connection.h"
-#include "Linux/X11/X11EventWatch.h"
 #include "Linux/X11/X11Windows.h"
 #include "Platform/MainQueue.h"
 
@@ -15,39 +12,31 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <fstream>
 #include <utility>
-#include <vector>
 
 namespace tovik {
 
-/// The subscribers of both notices; a handler may end any subscription, its own included.
-struct X11Workspace::Observers {
-    template <typename Handler>
-    using Handlers = std::map<int, Handler>;
+namespace {
 
-    Handlers<std::function<void(const RunningApplication&)>> activation;
-    Handlers<std::function<void()>> activeSpace;
-    int nextId = 0;
-
-    template <typename Handler, typename... Arguments>
-    static void tell(Handlers<Handler>& handlers, const Arguments&... arguments) {
-        std::vector<int> ids;
-        for (const auto& [id, handler] : handlers) {
-            ids.push_back(id);
-        }
-        for (const int id : ids) {
-            if (const auto found = handlers.find(id); found != handlers.end()) {
-                const Handler handler = found->second;
-                handler(arguments...);
-            }
-        }
+/// Whether a process of this machine is there and has not ended; one that only waits to be reaped has.
+bool isProcessRunning(std::int64_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+    std::string line;
+    if (process <= 0 || !std::getline(file, line)) {
+        return false;
     }
-};
+    // The name in parentheses may itself hold parentheses; the state follows it.
+    const auto end = line.rfind(')');
+    const char state = end == std::string::npos || end + 2 >= line.size() ? '?' : line[end + 2];
+    return state != 'Z' && state != 'X';
+}
+
+} // namespace
 
 X11Workspace::X11Workspace(Services services, const std::string& displayName)
     : services_(std::move(services)),
-      ownProcess_(getpid()),
-      observers_(std::make_shared<Observers>()) {
+      ownProcess_(getpid()) {
     auto queries = X11Connection::open(displayName);
     auto events = X11Connection::open(displayName);
     if (!queries || !events) {
@@ -90,23 +79,11 @@ bool X11Workspace::isRunning(const RunningApplication& application) const {
 }
 
 Subscription X11Workspace::onActivation(std::function<void(const RunningApplication&)> handler) {
-    const int id = observers_->nextId++;
-    observers_->activation.emplace(id, std::move(handler));
-    return Subscription([observers = std::weak_ptr(observers_), id] {
-        if (const auto alive = observers.lock()) {
-            alive->activation.erase(id);
-        }
-    });
+    return activation_.add(std::move(handler));
 }
 
 Subscription X11Workspace::onActiveSpaceChanged(std::function<void()> handler) {
-    const int id = observers_->nextId++;
-    observers_->activeSpace.emplace(id, std::move(handler));
-    return Subscription([observers = std::weak_ptr(observers_), id] {
-        if (const auto alive = observers.lock()) {
-            alive->activeSpace.erase(id);
-        }
-    });
+    return activeSpace_.add(std::move(handler));
 }
 
 void X11Workspace::hideSelf() {
@@ -154,11 +131,11 @@ void X11Workspace::activateAgain() {
 }
 
 bool X11Workspace::openUrl(const std::string& address) {
-    return openOnDesktop(address);
+    return services_.open && services_.open(address);
 }
 
 bool X11Workspace::openFile(const std::string& path) {
-    return openOnDesktop(path);
+    return services_.open && services_.open(path);
 }
 
 void X11Workspace::handle(XEvent& event) {
@@ -166,7 +143,7 @@ void X11Workspace::handle(XEvent& event) {
     if (event.type == FocusIn || event.type == FocusOut || changed == queries_->atom("_NET_ACTIVE_WINDOW")) {
         frontMayHaveChanged();
     } else if (changed == queries_->atom("_NET_CURRENT_DESKTOP")) {
-        Observers::tell(observers_->activeSpace);
+        activeSpace_.tell();
     }
 }
 
@@ -178,8 +155,7 @@ void X11Workspace::frontMayHaveChanged() {
     }
     front_ = front;
     watchFocusOf(front->window);
-    const auto keepAlive = observers_;
-    Observers::tell(keepAlive->activation, *front);
+    activation_.tell(*front);
 }
 
 void X11Workspace::watchFocusOf(unsigned long window) {

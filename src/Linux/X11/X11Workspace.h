@@ -2,12 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/X11/XlibTypes.h"
-#include "Platform/Lifetime.h"
+#include "Linux/X11/X11Connection.h"
+#include "Platform/Observers.h"
 #include "Platform/Workspace.h"
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 
@@ -29,6 +28,8 @@ public:
         std::string ownLocalizedName;
         /// Hides the windows of this program.
         std::function<void()> hideOwnWindows;
+        /// Gives an address or a path to the desktop; false when nothing takes it.
+        std::function<bool(const std::string& addressOrPath)> open = nullptr;
     };
 
     /// The queue outlives the workspace. An empty display name means the session's display. Without a
@@ -58,8 +59,6 @@ public:
     bool openFile(const std::string& path) override;
 
 private:
-    struct Observers;
-
     void handle(_XEvent& event);
     void frontMayHaveChanged();
     void watchFocusOf(unsigned long window);
@@ -85,7 +84,8 @@ private:
     std::optional<RunningApplication> front_;
     std::optional<RunningApplication> activated_;
     unsigned long focusWatched_ = 0;
-    std::shared_ptr<Observers> observers_;
+    Observers<RunningApplication> activation_;
+    Observers<> activeSpace_;
 };
 
 } // namespace tovik

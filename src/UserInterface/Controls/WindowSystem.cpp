@@ -18,13 +18,12 @@ struct Free {
     void operator()(void* memory) const { std::free(memory); }
 };
 
-/// Qt's connection to the X server; null on other window systems.
+} // namespace
+
 xcb_connection_t* x11Connection() {
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     return x11 ? x11->connection() : nullptr;
 }
-
-} // namespace
 
 void waitForWindowRequests() {
     if (xcb_connection_t* const connection = x11Connection()) {

@@ -2,7 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+struct xcb_connection_t;
+
 namespace tovik {
+
+/// Qt's connection to the X server; null on other window systems.
+[[nodiscard]] xcb_connection_t* x11Connection();
 
 /// Returns when the window system has carried out all that Qt has asked of it so far, such as showing a
 /// window. Handles no events.

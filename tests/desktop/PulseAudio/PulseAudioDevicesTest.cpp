@@ -1,6 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/PulseAudio/PulseAudioMicrophoneAccess.h"
 #include "support/SoundRig.h"
 
 #include <gtest/gtest.h>
@@ -62,20 +61,20 @@ TEST_P(PulseAudioDevicesOn, whenThereIsNoHardware_listsNothing_andHasNoDefault) 
     connect();
     EXPECT_TRUE(becomes({}));
     EXPECT_EQ(rig->devices.defaultDeviceId(), std::nullopt);
-    const PulseAudioMicrophoneAccess access(rig->connection, rig->devices.directory());
-    EXPECT_EQ(access.status(), 1);
-    EXPECT_FALSE(access.explanation().empty());
+    const auto& access = rig->devices;
+    EXPECT_EQ(access.microphoneStatus(), 1);
+    EXPECT_FALSE(access.microphoneExplanation().empty());
     const auto started = rig->engine.start();
     ASSERT_FALSE(started.ok());
     EXPECT_EQ(started.error().description, "There is no microphone");
 }
 
-TEST_P(PulseAudioDevicesOn, whenThereIsAMicrophone_accessIsAuthorised) {
+TEST_P(PulseAudioDevicesOn, whenThereIsAMicrophone_accessIsAuthorized) {
     server.plugIn("desk", "Desk Mike");
     connect();
-    const PulseAudioMicrophoneAccess access(rig->connection, rig->devices.directory());
-    EXPECT_EQ(access.status(), 3);
-    EXPECT_EQ(access.explanation(), "");
+    const auto& access = rig->devices;
+    EXPECT_EQ(access.microphoneStatus(), 3);
+    EXPECT_EQ(access.microphoneExplanation(), "");
 }
 
 TEST_P(PulseAudioDevicesOn, monitorsOfOutputsAreListedOnlyWhereAskedForOrNothingElseExists) {
@@ -161,9 +160,9 @@ TEST_P(PulseAudioDevicesOn, whenTheServerIsAway_hardwareListsNothing_andAllDevic
     const auto ids = rig->devices.deviceIds();
     ASSERT_TRUE(ids.ok());
     EXPECT_TRUE(ids.value().empty());
-    const PulseAudioMicrophoneAccess access(rig->connection, rig->devices.directory());
-    EXPECT_EQ(access.status(), 4);
-    EXPECT_FALSE(access.explanation().empty());
+    const auto& access = rig->devices;
+    EXPECT_EQ(access.microphoneStatus(), 4);
+    EXPECT_FALSE(access.microphoneExplanation().empty());
 }
 
 TEST_P(PulseAudioDevicesOn, whenASubscriptionHasEnded_itIsNotTold) {

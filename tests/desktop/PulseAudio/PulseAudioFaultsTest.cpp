@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "BrokenServer.h"
-#include "Linux/PulseAudio/PulseAudioMicrophoneAccess.h"
 #include "support/SoundRig.h"
 
 #include <gtest/gtest.h>
@@ -275,8 +274,8 @@ TEST(PulseAudioFaults, whenTheServerAcceptsAndNeverAnswers_nothingBlocks_andStar
     ASSERT_FALSE(started.ok());
     EXPECT_EQ(started.error().description, "The sound server does not answer");
     EXPECT_FALSE(rig->engine.isRunning());
-    const PulseAudioMicrophoneAccess access(rig->connection, rig->devices.directory());
-    EXPECT_EQ(access.status(), 4);
+    const auto& access = rig->devices;
+    EXPECT_EQ(access.microphoneStatus(), 4);
     rig.reset();
     EXPECT_LT(Time::now() - begun, kAtOnce);
 }
@@ -304,9 +303,9 @@ TEST(PulseAudioFaults, whenTheServerRefusesTheProgram_startSaysSo_andAccessIsDen
     const SoundRig rig("tcp:127.0.0.1:" + port);
     ASSERT_TRUE(
         eventually([&] { return rig.connection.status().state == SoundServerStatus::State::refused; }));
-    const PulseAudioMicrophoneAccess access(rig.connection, rig.devices.directory());
-    EXPECT_EQ(access.status(), 2);
-    EXPECT_FALSE(access.explanation().empty());
+    const auto& access = rig.devices;
+    EXPECT_EQ(access.microphoneStatus(), 2);
+    EXPECT_FALSE(access.microphoneExplanation().empty());
     EXPECT_EQ(rig.logged("Sound server refuses this program"), 1U);
 }
 

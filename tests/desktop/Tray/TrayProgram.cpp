@@ -3,9 +3,9 @@
 //
 // A program with nothing but a status item, for tests that look at the tray from outside. Tells on standard
 // output what happens, and does what the lines on standard input say.
-#include "Linux/Desktop/QtStatusItem.h"
-#include "Linux/Desktop/TerminationSignals.h"
+#include "Linux/Desktop/ProgramEnd.h"
 #include "Linux/Storage/StandardLog.h"
+#include "UserInterface/StatusItem/QtStatusItem.h"
 
 #include <QApplication>
 #include <QPixmap>

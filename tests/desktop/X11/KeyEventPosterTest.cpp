@@ -4,8 +4,8 @@
 // The key event poster on a real X server: what the user still holds, what the layout lacks, and which chord
 // goes to whom.
 #include "Linux/X11/PostedKeys.h"
+#include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11KeyEventPoster.h"
-#include "Linux/X11/X11Session.h"
 #include "Platform/KeyMonitor.h"
 #include "support/EventLoop.h"
 #include "support/ManualTime.h"

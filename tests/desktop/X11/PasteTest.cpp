@@ -8,7 +8,6 @@
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11KeyEventPoster.h"
-#include "Linux/X11/X11Windows.h"
 #include "Linux/X11/X11Workspace.h"
 #include "Platform/KeyMonitor.h"
 #include "support/EventLoop.h"
@@ -27,6 +26,9 @@
 #include <map>
 #include <memory>
 #include <string>
+
+// After Qt: Xlib defines macros with everyday names.
+#include <X11/Xlib.h>
 
 namespace {
 
@@ -156,7 +158,7 @@ private:
 
     /// A browser shows its window before its page.
     bool isReady(const Program& program, const RunningApplication& front) {
-        return program.shows != Program::Shows::title || windows_.title(front.window) == "empty";
+        return program.shows != Program::Shows::title || title(front.window) == "empty";
     }
 
     /// The text may come into the editor after the key that saves it, so that is pressed again.
@@ -180,10 +182,23 @@ private:
 
     std::string shown(const Program& program, Running& running) {
         if (program.shows == Program::Shows::title) {
-            return windows_.title(running.application.window);
+            return title(running.application.window);
         }
         QFile file(running.file);
         return file.open(QFile::ReadOnly) ? file.readAll().toStdString() : std::string();
+    }
+
+    std::string title(unsigned long window) {
+        Display* const display = connection_->display();
+        Atom type = None;
+        int format = 0;
+        unsigned long length = 0;
+        unsigned long rest = 0;
+        unsigned char* bytes = nullptr;
+        XGetWindowProperty(display, window, connection_->atom("_NET_WM_NAME"), 0, 1024, False,
+                           AnyPropertyType, &type, &format, &length, &rest, &bytes);
+        const X11Handle<unsigned char, XFree> owned(bytes);
+        return bytes == nullptr ? std::string() : std::string(reinterpret_cast<const char*>(bytes), length);
     }
 
     bool waitForFront(unsigned long window) {
@@ -199,7 +214,6 @@ private:
     PostedKeys posted_;
     XUser user_;
     std::unique_ptr<X11Connection> connection_ = std::move(X11Connection::open().value());
-    X11Windows windows_{*connection_};
     X11Workspace workspace_{{queue_, "tovik-record", "Tovik Record", {}}};
     QtPasteboard pasteboard_;
     X11KeyEventPoster poster_{{queue_, defaults_, log_, posted_}};

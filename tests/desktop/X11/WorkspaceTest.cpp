@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The workspace under a window manager: windows that are hidden away, gone, or tell little of themselves.
+#include "Linux/Desktop/DesktopOpener.h"
 #include "Linux/Desktop/QtMainQueue.h"
 #include "Linux/X11/X11Workspace.h"
 #include "support/EventLoop.h"
@@ -45,7 +46,7 @@ protected:
     QtMainQueue queue_;
     XUser user_;
     int hidden_ = 0;
-    X11Workspace workspace_{{queue_, "tovik-record", "Tovik Record", [this] { ++hidden_; }}};
+    X11Workspace workspace_{{queue_, "tovik-record", "Tovik Record", [this] { ++hidden_; }, openOnDesktop}};
 };
 
 TEST_F(X11WorkspaceTest, whenTheWindowIsIconified_activationBringsItBack) {

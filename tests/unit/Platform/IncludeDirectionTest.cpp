@@ -57,8 +57,7 @@ std::string layerOf(const fs::path& file) {
 bool mayInclude(const fs::path& file, const fs::path& included) {
     const std::string from = layerOf(file);
     const std::string to = layerOf(included);
-    // These two join the parts, so they see them all.
-    if (from == to || from == "main" || from == "QtUserInterface" || from == "CheckVoskMain") {
+    if (from == to || from == "main" || from == "CheckVoskMain") {
         return true;
     }
     if (from == "AppDelegate") {
@@ -68,7 +67,8 @@ bool mayInclude(const fs::path& file, const fs::path& included) {
         return to == "UserInterface" || allowedFolders().at("UserInterface").contains(to);
     }
     if (from == "Linux") {
-        return to.starts_with("Linux/") || to == "Engines" || isCore(included);
+        // LinuxPlatform joins the parts.
+        return to.starts_with("Linux/") || to == "Engines" || to == "UserInterface" || isCore(included);
     }
     const auto allowed = allowedFolders().find(from.starts_with("Linux/") ? "Linux" : from);
     return allowed != allowedFolders().end() && allowed->second.contains(to);
@@ -104,7 +104,8 @@ std::vector<std::string> wrongIncludes(const fs::path& root) {
                 continue;
             }
             const std::string header = match[2];
-            const bool isOurs = match[1] == "\"";
+            // What the meta-object compiler makes of the file itself.
+            const bool isOurs = match[1] == "\"" && !header.ends_with(".moc");
             if ((isOurs && !mayInclude(file, header)) || (isQtHeader(header) && isCore(file))) {
                 wrong.push_back(file.string() + " includes " + header);
             }
@@ -164,7 +165,8 @@ TEST(IncludeDirection, whenOneMechanismIncludesAnother_isReported) {
     tree.add("Linux/X11/X11Workspace.cpp", "#include \"Linux/Desktop/QtPasteboard.h\"");
     tree.add("Linux/X11/X11KeyMonitor.cpp", "#include \"Linux/X11/X11Connection.h\"");
     tree.add("Linux/LinuxPlatform.cpp", "#include \"Linux/X11/X11Workspace.h\"");
-    EXPECT_THAT(wrongIncludes(tree.root()), ElementsAre(HasSubstr("X11Workspace.cpp includes Linux/Desktop")));
+    EXPECT_THAT(wrongIncludes(tree.root()),
+                ElementsAre(HasSubstr("X11Workspace.cpp includes Linux/Desktop")));
 }
 
 TEST(SourceFiles, ofThisProject_nameTheirAuthorsAndLicence) {

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/Desktop/TerminationSignals.h"
-
+#include "Linux/Desktop/ProgramEnd.h"
 #include "support/EventLoop.h"
 
 #include <QCoreApplication>
