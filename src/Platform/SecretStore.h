@@ -10,8 +10,9 @@
 
 namespace tovik {
 
-/// Where the desktop keeps this user's passwords and keys. Answers may take long, since the desktop may ask
-/// the user to unlock them first: nobody should wait for one without a limit of his own.
+/// Where the desktop keeps this user's passwords and keys; who puts them there is the user. Answers may take
+/// long, since the desktop may ask the user to unlock them first: nobody should wait for one without a limit
+/// of his own.
 ///
 /// Any thread. Every completion is called exactly once, on the main queue, unless the store is gone by then.
 /// Secrets of other programs are out of reach. A failure's description never holds a secret.
@@ -23,13 +24,6 @@ public:
     /// store or the user refused to unlock it.
     virtual void lookUp(const std::string& name,
                         std::function<void(const Result<std::optional<std::string>>&)> completion) = 0;
-
-    /// Keeps the secret, in place of an earlier one of that name.
-    virtual void keep(const std::string& name, const std::string& secret,
-                      std::function<void(const Result<void>&)> completion) = 0;
-
-    /// Forgetting a name that is not kept is harmless.
-    virtual void forget(const std::string& name, std::function<void(const Result<void>&)> completion) = 0;
 };
 
 } // namespace tovik

@@ -31,25 +31,6 @@ public:
         });
     }
 
-    void keep(const std::string& name, const std::string& secret,
-              std::function<void(const Result<void>&)> completion) override {
-        answer([this, name, secret, completion = std::move(completion)] {
-            if (!failure) {
-                secrets[name] = secret;
-            }
-            completion(failure ? Result<void>(*failure) : Result<void>());
-        });
-    }
-
-    void forget(const std::string& name, std::function<void(const Result<void>&)> completion) override {
-        answer([this, name, completion = std::move(completion)] {
-            if (!failure) {
-                secrets.erase(name);
-            }
-            completion(failure ? Result<void>(*failure) : Result<void>());
-        });
-    }
-
     void lock() { isLocked_ = true; }
     void unlock() {
         isLocked_ = false;

@@ -82,22 +82,6 @@ Result<std::optional<std::string>> lookUpNow(const std::string& name, GCancellab
     return found ? std::optional<std::string>(found.get()) : std::nullopt;
 }
 
-Result<void> keepNow(const std::string& name, const std::string& secret, GCancellable* cancellable) {
-    CallError error;
-    const auto label = "Tovik Record: " + name;
-    secret_password_store_sync(schema(), SECRET_COLLECTION_DEFAULT, label.c_str(), secret.c_str(),
-                               cancellable, error.receiver(), "application", kApplication, "name",
-                               name.c_str(), nullptr);
-    return error ? Result<void>(error.value()) : Result<void>();
-}
-
-Result<void> forgetNow(const std::string& name, GCancellable* cancellable) {
-    CallError error;
-    secret_password_clear_sync(schema(), cancellable, error.receiver(), "application", kApplication, "name",
-                               name.c_str(), nullptr);
-    return error ? Result<void>(error.value()) : Result<void>();
-}
-
 } // namespace
 
 /// A thread on which the calls may wait for the desktop, one after the other.
@@ -179,21 +163,6 @@ void LibsecretStore::lookUp(const std::string& name,
     worker_->add(
         [worker = worker_.get(), name, completion = std::move(completion)](GCancellable* cancellable) {
             worker->answer(lookUpNow(name, cancellable), completion);
-        });
-}
-
-void LibsecretStore::keep(const std::string& name, const std::string& secret,
-                          std::function<void(const Result<void>&)> completion) {
-    worker_->add([worker = worker_.get(), name, secret,
-                  completion = std::move(completion)](GCancellable* cancellable) {
-        worker->answer(keepNow(name, secret, cancellable), completion);
-    });
-}
-
-void LibsecretStore::forget(const std::string& name, std::function<void(const Result<void>&)> completion) {
-    worker_->add(
-        [worker = worker_.get(), name, completion = std::move(completion)](GCancellable* cancellable) {
-            worker->answer(forgetNow(name, cancellable), completion);
         });
 }
 

@@ -22,9 +22,6 @@ public:
 
     void lookUp(const std::string& name,
                 std::function<void(const Result<std::optional<std::string>>&)> completion) override;
-    void keep(const std::string& name, const std::string& secret,
-              std::function<void(const Result<void>&)> completion) override;
-    void forget(const std::string& name, std::function<void(const Result<void>&)> completion) override;
 
 private:
     class Worker;

@@ -19,6 +19,11 @@ class Launch(ProgramTest):
         window = wait_until(lambda: program.windows(self.desktop), "the main window")[0]
         wait_until(lambda: self.desktop.active_window() == window, "the main window to be active")
 
+    def test_whereAllProgramsAreToldToUseWayland_usesTheXServerAllTheSame(self) -> None:
+        self.set_stage()
+        for platform in ("wayland", "wayland;xcb"):
+            self.assertEqual(self.start(platform, QT_QPA_PLATFORM=platform).terminate(), 0)
+
     def test_ofASecondCopy_raisesTheWindowOfTheFirstAndEnds(self) -> None:
         self.set_stage()
         first = self.start()

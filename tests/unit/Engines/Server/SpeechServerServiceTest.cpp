@@ -95,7 +95,7 @@ TEST_F(SpeechServerServiceTest, whenTheKeyIsInTheSettings_sendsIt) {
 }
 
 TEST_F(SpeechServerServiceTest, whenTheKeyIsInTheKeyRing_sendsIt) {
-    secrets_.keep(kServerKeyName, "ring", [](const Result<void>&) {});
+    secrets_.secrets[kServerKeyName] = "ring";
     service().prepare({});
     time_.runPending();
     EXPECT_EQ(dictate(), "hello there");
