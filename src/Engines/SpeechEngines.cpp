@@ -6,6 +6,7 @@
 #include "Engines/Host/LocaleIdentifier.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 namespace tovik {
@@ -15,9 +16,9 @@ namespace {
 constexpr auto kEngineKey = "platform.speech.engine";
 
 /// The model of the Debian package, unless the user has another one.
-ModelFiles pocketSphinxModel(const UserDefaults& defaults) {
+std::filesystem::path pocketSphinxModel(const UserDefaults& defaults) {
     const auto folder = defaults.string("platform.speechModel");
-    return folder ? ModelFiles::in(*folder) : ModelFiles::unitedStatesEnglish();
+    return folder.value_or(PocketSphinxService::packageModel);
 }
 
 } // namespace
@@ -25,7 +26,7 @@ ModelFiles pocketSphinxModel(const UserDefaults& defaults) {
 SpeechEngines::SpeechEngines(Services services)
     : services_(std::move(services)),
       consent_(services_.defaults),
-      vosk_(services_.log, VoskLibrary::usualPlaces(services_.dataFolder),
+      vosk_(services_.log, VoskService::usualLibraries(services_.dataFolder),
             VoskModels::usualFolders(services_.dataFolder)),
       server_(
           {.log = services_.log,

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "Engines/PocketSphinx/PocketSphinxService.h"
-#include "Engines/SpeechConsent.h"
 #include "Engines/Server/SpeechServerService.h"
+#include "Engines/SpeechConsent.h"
 #include "Engines/Vosk/VoskService.h"
 #include "Platform/MainQueue.h"
 #include "Platform/SecretStore.h"

@@ -4,6 +4,8 @@
 
 #include <chrono>
 #include <ctime>
+#include <filesystem>
+#include <fstream>
 #include <utility>
 
 namespace tovik {
@@ -13,10 +15,26 @@ namespace {
 /// Loading takes half a second; a machine that needs this long will not recognise anything either.
 constexpr Seconds kLoadAtMost{60};
 
-Seconds processorTime() {
+Seconds timeOn(clockid_t clock) {
     timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    clock_gettime(clock, &time);
     return Seconds(static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9);
+}
+
+/// Of this process and of those that decode for it.
+Seconds processorTime() {
+    auto total = timeOn(CLOCK_PROCESS_CPUTIME_ID);
+    std::error_code error;
+    for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task", error)) {
+        std::ifstream children(thread.path() / "children");
+        for (pid_t child = 0; children >> child;) {
+            clockid_t clock{};
+            if (clock_getcpuclockid(child, &clock) == 0) {
+                total += timeOn(clock);
+            }
+        }
+    }
+    return total;
 }
 
 } // namespace

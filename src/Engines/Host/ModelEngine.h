@@ -2,50 +2,61 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Engines/Host/RecognitionThread.h"
-#include "Engines/Host/SharedLog.h"
+#include "Platform/Clock.h"
 #include "Platform/SpeechService.h"
+#include "Platform/SystemLog.h"
 
-#include <condition_variable>
+#include <chrono>
+#include <filesystem>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace tovik {
 
-/// Recognises with one model of this machine, on a thread of its own.
+/// Recognises with one model of this machine, in a process of its own: tovik-engine.
 ///
-/// The model is loaded in the background from the construction on. A dictation that begins before it is
-/// ready waits for it and loses nothing. Utterances are decoded one after the other. A decoder that does not
-/// come back is given up: its utterance is answered with an error and the next one gets a fresh decoder. A
-/// model that could not be loaded is loaded again once its files have changed and stay as they are.
+/// The model is loaded in the background from the construction on. A dictation that begins before it is ready
+/// waits for it and loses nothing. Utterances are decoded one after the other. The sound of each is kept
+/// until its text has come: when the process dies or hangs over it, a fresh one hears it once more, and only
+/// after that the answer is an error. A model that could not be loaded, not by a second process either, is
+/// loaded again once its files have changed and stay as they are; so is one whose files have changed since.
+///
+/// One thread of its own looks after the process and calls the handlers, under no lock.
 class ModelEngine : public std::enable_shared_from_this<ModelEngine> {
 public:
-    /// What can be done with the files of a model. Any thread.
     struct Model {
-        /// Tells in a moment whether they can be used at all.
+        /// Tells in a moment whether the files can be used at all. Any thread.
         std::function<Result<void>()> check;
-        DecoderLoader load;
-        /// Another text after they have changed; at once.
-        std::function<std::string()> stamp;
+        /// What decodes with it: tovik-engine and its arguments.
+        std::vector<std::string> command;
+        /// Files and folders: another content is another model.
+        std::vector<std::filesystem::path> files;
+        /// The sentence for the user when a library does not survive the model. how: "the library breaks down
+        /// over it".
+        std::function<Error(const std::string& how)> unusable;
     };
 
     struct Limits {
-        /// How long the decoder may work without a sign of life.
+        /// How long the process may owe an answer without a sign of life.
         Seconds silence{15};
         /// How long loading the model may take: a cold disk on a busy machine is slow, and a second try would
         /// be no faster.
         Seconds loading{180};
-        /// How often that is looked at.
+        /// How often that, and the files of a model that cannot be used, are looked at.
         Seconds look{2};
-        /// How long the destruction waits for the decoder.
-        Seconds goodbye{2};
-        RecognitionThread::SteadyClock clock = [] { return std::chrono::steady_clock::now(); };
+        /// The pause before a process that died while nobody spoke is replaced; it doubles with each.
+        Seconds pause{1};
+        /// Tells the time that the silence is measured by. Any thread.
+        std::function<std::chrono::steady_clock::time_point()> clock = [] {
+            return std::chrono::steady_clock::now();
+        };
     };
+
+    /// tovik-engine in the folder of the running program.
+    [[nodiscard]] static std::string program();
 
     ModelEngine(SystemLog& log, Model model, Limits limits);
     /// As end().
@@ -56,15 +67,18 @@ public:
     /// It keeps the engine, which must be held by a shared pointer.
     [[nodiscard]] std::shared_ptr<SpeechRecognizer> makeRecognizer();
 
-    /// Answers every utterance that is under way, and all that come later, with an error. Writes nothing to
-    /// the log from then on.
+    /// Ends the process and answers every utterance that is under way, and all that come later, with an
+    /// error. Writes nothing to the log from then on.
     void end();
+    /// As end(), but returns at once; hasEnded() tells when it is done.
+    void beginEnd();
+    [[nodiscard]] bool hasEnded() const;
 
     /// Whether no utterance is under way.
-    [[nodiscard]] bool isIdle();
+    [[nodiscard]] bool isIdle() const;
 
-    /// The words and phrases that the next utterances will favour: the decoder learns them while nobody
-    /// speaks. Again is harmless.
+    /// The words and phrases that the next utterances will favour: they are taught while nobody speaks. Again
+    /// is harmless.
     void prepare(const std::vector<std::string>& contextualStrings);
 
     /// Why no speech can be recognised, and what to install, in a sentence for the user. Nothing while the
@@ -73,34 +87,17 @@ public:
 
     /// Blocks until the model is loaded and knows the words it was prepared for: for tools, which have
     /// nothing else to do. False when it cannot be, or is not in time.
-    [[nodiscard]] bool waitUntilReady(Seconds atMost);
+    [[nodiscard]] bool waitUntilReady(Seconds atMost) const;
 
 private:
     friend class ModelRecognizer;
+    class Keeper;
 
-    void start(std::shared_ptr<Utterance> utterance);
-    [[nodiscard]] std::shared_ptr<RecognitionThread> makeThread() const;
-    void watch();
-    void loadAgainWhenChanged(std::unique_lock<std::mutex>& lock);
-    void replaceSilentThread();
-
-    const std::shared_ptr<SharedLog> log_;
-    const Model model_;
-    const Limits limits_;
-
-    std::mutex mutex_;
-    std::condition_variable ending_;
-    bool ends_ = false;
-    /// Why the files cannot be used; then there is no thread.
-    std::optional<Error> missing_;
-    std::optional<std::vector<std::string>> contextualStrings_;
-    std::shared_ptr<RecognitionThread> recognition_;
-    /// Why the model could not be loaded, until it is.
-    std::optional<Error> broken_;
-    /// Of the files as they were before they were loaded, and when the watch last saw them.
-    std::string loadedStamp_;
-    std::string seenStamp_;
-    std::thread watch_;
+    const std::unique_ptr<Keeper> keeper_;
 };
+
+/// Another text after one of the files, or one anywhere in one of the folders, has come, gone or changed.
+/// Reads no file.
+[[nodiscard]] std::string fileStamp(const std::vector<std::filesystem::path>& filesAndFolders);
 
 } // namespace tovik

@@ -2,9 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/PocketSphinx/ContextualVocabulary.h"
 
-#include "Engines/PocketSphinx/LibraryCall.h"
 #include "Engines/PocketSphinx/TermPronouncer.h"
-#include "Engines/Host/RecognitionError.h"
 
 #include <pocketsphinx.h>
 #include <sphinxbase/ckd_alloc.h>
@@ -73,9 +71,9 @@ std::optional<std::string> lookUp(ps_decoder_t* decoder, const std::string& word
 
 } // namespace
 
-Result<void> ContextualVocabulary::teach(ps_decoder_s* decoder, const std::vector<std::string>& terms) {
+bool ContextualVocabulary::teach(ps_decoder_s* decoder, const std::vector<std::string>& terms) {
     const auto words = newWords(decoder, terms);
-    return words.empty() ? Result<void>() : add(decoder, words);
+    return words.empty() || add(decoder, words);
 }
 
 std::vector<ContextualVocabulary::NewWord>
@@ -104,7 +102,7 @@ ContextualVocabulary::newWords(ps_decoder_s* decoder, const std::vector<std::str
     return words;
 }
 
-Result<void> ContextualVocabulary::add(ps_decoder_s* decoder, const std::vector<NewWord>& words) {
+bool ContextualVocabulary::add(ps_decoder_s* decoder, const std::vector<NewWord>& words) {
     // Words that are simply added to this kind of language model make the library read beyond its arrays.
     // Words of a class that is named like a word of the model do not.
     struct Class {
@@ -127,33 +125,26 @@ Result<void> ContextualVocabulary::add(ps_decoder_s* decoder, const std::vector<
         }
     }
 
-    LibraryCall library;
-    bool added = true;
-    const bool returned = library([&] {
-        auto* const model = languageModel(decoder);
-        for (std::size_t i = 0; i < classes.size() && added; ++i) {
-            const auto count = static_cast<std::int32_t>(classes[i].names.size());
-            if (model == nullptr || ngram_wid(model, kLikeWords[i]) == ngram_unknown_wid(model)) {
-                E_ERROR("The language model has no word for terms\n");
-                added = false;
-            } else if (count > 0) {
-                added = ngram_model_add_class(model, kLikeWords[i], 1, classes[i].names.data(),
-                                              classes[i].weights.data(), count) >= 0;
-                ++classes_;
-            }
+    auto* const model = languageModel(decoder);
+    bool added = model != nullptr;
+    for (std::size_t i = 0; i < classes.size() && added; ++i) {
+        const auto count = static_cast<std::int32_t>(classes[i].names.size());
+        if (ngram_wid(model, kLikeWords[i]) == ngram_unknown_wid(model)) {
+            E_ERROR("The language model has no word for terms\n");
+            added = false;
+        } else if (count > 0) {
+            added = ngram_model_add_class(model, kLikeWords[i], 1, classes[i].names.data(),
+                                          classes[i].weights.data(), count) >= 0;
+            ++classes_;
         }
-        for (const auto& word : words) {
-            // Only the last one makes the decoder build its search anew, which takes a while.
-            const bool last = &word == &words.back();
-            added = added &&
-                    ps_add_word(decoder, word.name.c_str(), word.phones.c_str(), last ? TRUE : FALSE) >= 0;
-        }
-    });
-    if (!returned || !added) {
-        return recognitionError(RecognitionCode::failed,
-                                "The vocabulary could not be used: " + library.complaintsLine());
     }
-    return {};
+    for (const auto& word : words) {
+        // Only the last one makes the decoder build its search anew, which takes a while.
+        const bool isLast = &word == &words.back();
+        added =
+            added && ps_add_word(decoder, word.name.c_str(), word.phones.c_str(), isLast ? TRUE : FALSE) >= 0;
+    }
+    return added;
 }
 
 bool ContextualVocabulary::isTaught(const std::vector<std::string>& terms) const {

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Result.h"
-
 #include <cstddef>
 #include <map>
 #include <set>
@@ -23,8 +21,8 @@ public:
     static constexpr std::size_t mostTerms = 500;
 
     /// Teaches the terms that were not taught yet, between utterances. Terms that cannot be said, such as
-    /// those in other scripts, are passed over.
-    Result<void> teach(ps_decoder_s* decoder, const std::vector<std::string>& terms);
+    /// those in other scripts, are passed over. False when the library refuses; it says why.
+    [[nodiscard]] bool teach(ps_decoder_s* decoder, const std::vector<std::string>& terms);
 
     /// Whether exactly these were taught.
     [[nodiscard]] bool isTaught(const std::vector<std::string>& terms) const;
@@ -43,7 +41,7 @@ private:
     };
 
     [[nodiscard]] std::vector<NewWord> newWords(ps_decoder_s* decoder, const std::vector<std::string>& terms);
-    Result<void> add(ps_decoder_s* decoder, const std::vector<NewWord>& words);
+    [[nodiscard]] bool add(ps_decoder_s* decoder, const std::vector<NewWord>& words);
 
     std::set<std::string> taught_;
     std::map<std::string, std::string> termOfWord_;

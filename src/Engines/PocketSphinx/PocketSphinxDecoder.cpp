@@ -9,7 +9,12 @@
 #include <sphinxbase/err.h>
 #include <sphinxbase/feat.h>
 
+#include <algorithm>
+#include <array>
+#include <cstdarg>
+#include <cstdio>
 #include <string_view>
+#include <utility>
 
 namespace tovik {
 
@@ -26,17 +31,37 @@ constexpr std::size_t kFramesBetweenLooks = 25;
 constexpr int kPauseFrames = 30;
 constexpr std::string_view kQuiet = "<sil>";
 
-struct ModelPaths {
-    std::string acousticModel;
-    std::string languageModel;
-    std::string dictionary;
-};
+/// What the library complained of since this was asked last, in one line.
+std::string& complaints() {
+    static std::string text;
+    return text;
+}
 
-cmd_ln_t* makeConfiguration(const ModelPaths& paths) {
-    return cmd_ln_init(nullptr, ps_args(), TRUE,            //
-                       "-hmm", paths.acousticModel.c_str(), //
-                       "-lm", paths.languageModel.c_str(),  //
-                       "-dict", paths.dictionary.c_str(),   //
+void hearComplaint(void*, err_lvl_t level, const char* format, ...) {
+    if (level < ERR_ERROR) {
+        return;
+    }
+    std::array<char, 1024> line{};
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(line.data(), line.size(), format, arguments);
+    va_end(arguments);
+    std::string complaint(line.data());
+    std::replace(complaint.begin(), complaint.end(), '\n', ' ');
+    complaints() += complaint;
+}
+
+std::string takeComplaints() {
+    auto text = std::exchange(complaints(), "");
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+}
+
+cmd_ln_t* makeConfiguration(const std::string& folder) {
+    return cmd_ln_init(nullptr, ps_args(), TRUE,                          //
+                       "-hmm", (folder + "/en-us").c_str(),               //
+                       "-lm", (folder + "/en-us.lm.bin").c_str(),         //
+                       "-dict", (folder + "/cmudict-en-us.dict").c_str(), //
                        // A file that shrinks while it is mapped would end the process.
                        "-mmap", "no",
                        // The second pass over the whole utterance begins only at its end: too late.
@@ -49,46 +74,52 @@ std::string joined(const std::string& earlier, const std::string& later) {
     return earlier.empty() || later.empty() ? earlier + later : earlier + ' ' + later;
 }
 
+Error unusable(const std::string& why) {
+    return recognitionError(RecognitionCode::noModel,
+                            "The English speech model is not usable: " + why +
+                                ". Install the Debian package pocketsphinx-en-us anew.");
+}
+
+/// Whether the library has made a dictionary with words; of a file that is none it makes one without.
+bool knowsWords(ps_decoder_t* decoder) {
+    char* const phones = ps_lookup_word(decoder, "the");
+    const bool isKnown = phones != nullptr;
+    ckd_free(phones);
+    return isKnown;
+}
+
+/// A call of the library that tells its failure by a negative number.
+Result<void> outcome(int code) {
+    if (code < 0) {
+        return recognitionError(RecognitionCode::failed, "The recogniser failed: " + takeComplaints());
+    }
+    takeComplaints();
+    return {};
+}
+
 } // namespace
 
-Result<ps_decoder_s*> PocketSphinxDecoder::loadLibrary(const ModelFiles& files) {
-    LibraryCall library;
-    const ModelPaths paths{files.acousticModel.string(), files.languageModel.string(),
-                           files.dictionary.string()};
-    cmd_ln_t* configuration = nullptr;
-    ps_decoder_t* decoder = nullptr;
-    const bool returned = library([&] {
-        configuration = makeConfiguration(paths);
-        if (configuration != nullptr) {
-            decoder = ps_init(configuration);
-            cmd_ln_free_r(configuration);
-        }
-        // Of a file that is none the library makes a dictionary without words.
-        if (decoder != nullptr) {
-            char* const phones = ps_lookup_word(decoder, "the");
-            if (phones == nullptr) {
-                E_ERROR("The dictionary holds no English words\n");
-                ps_free(decoder);
-                decoder = nullptr;
-            }
-            ckd_free(phones);
-        }
-    });
-    if (!returned || decoder == nullptr) {
-        return recognitionError(RecognitionCode::noModel,
-                                "The English speech model is not usable: " + library.complaintsLine() +
-                                    ". Install the Debian package pocketsphinx-en-us anew.");
+Result<ps_decoder_s*> PocketSphinxDecoder::loadLibrary(const std::string& folder) {
+    err_set_logfp(nullptr);
+    err_set_callback(hearComplaint, nullptr);
+    takeComplaints();
+    auto* const configuration = makeConfiguration(folder);
+    auto* const decoder = configuration == nullptr ? nullptr : ps_init(configuration);
+    cmd_ln_free_r(configuration);
+    if (decoder == nullptr) {
+        return unusable(takeComplaints());
+    }
+    if (!knowsWords(decoder)) {
+        ps_free(decoder);
+        return unusable("the dictionary holds no English words");
     }
     // The library normalises from what it heard last; here the frames come normalised.
     ps_get_feat(decoder)->cmn = CMN_NONE;
     return decoder;
 }
 
-Result<std::unique_ptr<UtteranceDecoder>> PocketSphinxDecoder::load(const ModelFiles& files) {
-    if (auto usable = files.checkContent(); !usable) {
-        return usable.error();
-    }
-    const auto loaded = loadLibrary(files);
+Result<std::unique_ptr<UtteranceDecoder>> PocketSphinxDecoder::load(const std::string& folder) {
+    const auto loaded = loadLibrary(folder);
     if (!loaded) {
         return loaded.error();
     }
@@ -96,68 +127,50 @@ Result<std::unique_ptr<UtteranceDecoder>> PocketSphinxDecoder::load(const ModelF
     auto frontEnd = FrontEnd::make(ps_get_config(decoder));
     if (frontEnd == nullptr) {
         ps_free(decoder);
-        return recognitionError(RecognitionCode::noModel,
-                                "The English speech model is not usable: it has other features. "
-                                "Install the Debian package pocketsphinx-en-us anew.");
+        return unusable("it has other features");
     }
-    return std::unique_ptr<UtteranceDecoder>(new PocketSphinxDecoder(files, decoder, std::move(frontEnd)));
+    return std::unique_ptr<UtteranceDecoder>(new PocketSphinxDecoder(folder, decoder, std::move(frontEnd)));
 }
 
-PocketSphinxDecoder::PocketSphinxDecoder(ModelFiles files, ps_decoder_s* decoder,
+PocketSphinxDecoder::PocketSphinxDecoder(std::string folder, ps_decoder_s* decoder,
                                          std::unique_ptr<FrontEnd> frontEnd)
-    : files_(std::move(files)),
+    : folder_(std::move(folder)),
       decoder_(decoder),
       frontEnd_(std::move(frontEnd)) {}
 
 PocketSphinxDecoder::~PocketSphinxDecoder() {
-    if (!unusable_) {
-        ps_free(decoder_);
-    }
-}
-
-template <typename Callable>
-Result<void> PocketSphinxDecoder::call(Callable callable) {
-    LibraryCall library;
-    int outcome = 0;
-    if (unusable_ || !library([&] { outcome = callable(); })) {
-        unusable_ = true;
-        return recognitionError(RecognitionCode::failed,
-                                "The recogniser gave up: " + library.complaintsLine());
-    }
-    if (outcome < 0) {
-        return recognitionError(RecognitionCode::failed,
-                                "The recogniser failed: " + library.complaintsLine());
-    }
-    return {};
+    ps_free(decoder_);
 }
 
 Result<void> PocketSphinxDecoder::forgetTerms() {
-    const auto loaded = loadLibrary(files_);
+    const auto loaded = loadLibrary(folder_);
     if (!loaded) {
         return loaded.error();
     }
-    if (!unusable_) {
-        ps_free(decoder_);
-    }
-    unusable_ = false;
+    ps_free(decoder_);
     decoder_ = loaded.value();
     vocabulary_ = {};
     return {};
 }
 
 Result<void> PocketSphinxDecoder::prepare(const std::vector<std::string>& contextualStrings) {
-    if (!unusable_ && vocabulary_.isTaught(contextualStrings)) {
+    if (vocabulary_.isTaught(contextualStrings)) {
         return {};
     }
     // Nothing can be untaught, so that fewer terms need another decoder.
-    if (unusable_ || !vocabulary_.canBeExtendedTo(contextualStrings)) {
+    if (!vocabulary_.canBeExtendedTo(contextualStrings)) {
         if (auto forgotten = forgetTerms(); !forgotten) {
             return forgotten;
         }
     }
-    auto taught = vocabulary_.teach(decoder_, contextualStrings);
-    unusable_ = !taught;
-    return taught;
+    takeComplaints();
+    if (vocabulary_.teach(decoder_, contextualStrings)) {
+        return {};
+    }
+    const auto why = takeComplaints();
+    // It may have learned some of them.
+    static_cast<void>(forgetTerms());
+    return recognitionError(RecognitionCode::failed, "The vocabulary could not be used: " + why);
 }
 
 Result<void> PocketSphinxDecoder::begin(const std::vector<std::string>& contextualStrings) {
@@ -169,7 +182,7 @@ Result<void> PocketSphinxDecoder::begin(const std::vector<std::string>& contextu
     mean_.begin();
     searched_ = 0;
     earlierWords_.clear();
-    return call([this] { return ps_start_utt(decoder_); });
+    return outcome(ps_start_utt(decoder_));
 }
 
 Result<void> PocketSphinxDecoder::accept(std::span<const std::int16_t> samples) {
@@ -183,11 +196,8 @@ Result<void> PocketSphinxDecoder::accept(std::span<const std::int16_t> samples) 
 Result<void> PocketSphinxDecoder::searchReady() {
     if (ready_.startsOver && searched_ > 0) {
         searched_ = 0;
-        auto startedOver = call([this] {
-            ps_end_utt(decoder_);
-            return ps_start_utt(decoder_);
-        });
-        if (!startedOver) {
+        ps_end_utt(decoder_);
+        if (auto startedOver = outcome(ps_start_utt(decoder_)); !startedOver) {
             return startedOver;
         }
     }
@@ -198,7 +208,7 @@ Result<void> PocketSphinxDecoder::search(std::span<const Cepstrum> frames) {
     for (const auto& frame : frames) {
         last_ = frame;
         auto* row = last_.data();
-        if (auto result = call([&] { return ps_process_cep(decoder_, &row, 1, FALSE, FALSE); }); !result) {
+        if (auto result = outcome(ps_process_cep(decoder_, &row, 1, FALSE, FALSE)); !result) {
             return result;
         }
         ++searched_;
@@ -216,7 +226,7 @@ Result<void> PocketSphinxDecoder::search(std::span<const Cepstrum> frames) {
 Result<void> PocketSphinxDecoder::searchPadding() {
     for (int frame = 0; frame < 3; ++frame) {
         auto* row = last_.data();
-        if (auto result = call([&] { return ps_process_cep(decoder_, &row, 1, FALSE, FALSE); }); !result) {
+        if (auto result = outcome(ps_process_cep(decoder_, &row, 1, FALSE, FALSE)); !result) {
             return result;
         }
     }
@@ -225,37 +235,30 @@ Result<void> PocketSphinxDecoder::searchPadding() {
 
 bool PocketSphinxDecoder::isPausing() {
     int quiet = 0;
-    const auto looked = call([&] {
-        for (auto* segment = ps_seg_iter(decoder_); segment != nullptr; segment = ps_seg_next(segment)) {
-            int first = 0;
-            int last = 0;
-            ps_seg_frames(segment, &first, &last);
-            quiet = ps_seg_word(segment) == kQuiet ? last - first + 1 : 0;
-        }
-        return 0;
-    });
-    return looked && quiet >= kPauseFrames;
+    for (auto* segment = ps_seg_iter(decoder_); segment != nullptr; segment = ps_seg_next(segment)) {
+        int first = 0;
+        int last = 0;
+        ps_seg_frames(segment, &first, &last);
+        quiet = ps_seg_word(segment) == kQuiet ? last - first + 1 : 0;
+    }
+    return quiet >= kPauseFrames;
 }
 
 Result<void> PocketSphinxDecoder::searchAfresh() {
     if (auto padded = searchPadding(); !padded) {
         return padded;
     }
-    if (auto ended = call([this] { return ps_end_utt(decoder_); }); !ended) {
+    if (auto ended = outcome(ps_end_utt(decoder_)); !ended) {
         return ended;
     }
     earlierWords_ = joined(earlierWords_, newWords());
     searched_ = 0;
-    return call([this] { return ps_start_utt(decoder_); });
+    return outcome(ps_start_utt(decoder_));
 }
 
 std::string PocketSphinxDecoder::newWords() {
-    const char* text = nullptr;
-    const auto result = call([&] {
-        text = ps_get_hyp(decoder_, nullptr);
-        return 0;
-    });
-    return result && text != nullptr ? vocabulary_.spelled(text) : "";
+    const char* const text = ps_get_hyp(decoder_, nullptr);
+    return text != nullptr ? vocabulary_.spelled(text) : "";
 }
 
 std::string PocketSphinxDecoder::hypothesis() {
@@ -275,7 +278,7 @@ Result<std::string> PocketSphinxDecoder::finish() {
     if (searched && searched_ > 0) {
         searched = searchPadding();
     }
-    if (auto ended = call([this] { return ps_end_utt(decoder_); }); searched && !ended) {
+    if (auto ended = outcome(ps_end_utt(decoder_)); searched && !ended) {
         searched = ended;
     }
     if (!searched) {

@@ -2,13 +2,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Engines/Host/UtteranceDecoder.h"
+#include "Engines/Host/VoiceEvidence.h"
 #include "Engines/PocketSphinx/CepstralMean.h"
 #include "Engines/PocketSphinx/ContextualVocabulary.h"
 #include "Engines/PocketSphinx/FrontEnd.h"
-#include "Engines/PocketSphinx/LibraryCall.h"
-#include "Engines/PocketSphinx/ModelFiles.h"
-#include "Engines/Host/VoiceEvidence.h"
-#include "Engines/Host/UtteranceDecoder.h"
 
 #include <memory>
 
@@ -16,12 +14,12 @@ struct ps_decoder_s;
 
 namespace tovik {
 
-/// Decodes with the PocketSphinx library. Once the library has given up on something, every further call
-/// fails, and a new decoder is needed.
+/// Decodes with the PocketSphinx library, which ends the process over many a broken model.
 class PocketSphinxDecoder : public UtteranceDecoder {
 public:
-    /// Loads the model, which takes half a second. An unusable model is an error, whatever is wrong with it.
-    [[nodiscard]] static Result<std::unique_ptr<UtteranceDecoder>> load(const ModelFiles& files);
+    /// Loads the model in a folder laid out as that of Debian's package, which takes half a second. The error
+    /// is a sentence for the user.
+    [[nodiscard]] static Result<std::unique_ptr<UtteranceDecoder>> load(const std::string& folder);
     ~PocketSphinxDecoder() override;
 
     Result<void> prepare(const std::vector<std::string>& contextualStrings) override;
@@ -31,16 +29,12 @@ public:
     [[nodiscard]] Result<std::string> finish() override;
 
 private:
-    PocketSphinxDecoder(ModelFiles files, ps_decoder_s* decoder, std::unique_ptr<FrontEnd> frontEnd);
+    PocketSphinxDecoder(std::string folder, ps_decoder_s* decoder, std::unique_ptr<FrontEnd> frontEnd);
 
-    /// The library's decoder on the model; an error for every model that is unusable.
-    [[nodiscard]] static Result<ps_decoder_s*> loadLibrary(const ModelFiles& files);
+    [[nodiscard]] static Result<ps_decoder_s*> loadLibrary(const std::string& folder);
     /// Starts over with a decoder that was taught no terms.
     Result<void> forgetTerms();
 
-    /// Runs a call of the library; after one that failed, none any more.
-    template <typename Callable>
-    [[nodiscard]] Result<void> call(Callable callable);
     /// Searches what is ready, from the start of the utterance if need be.
     Result<void> searchReady();
     Result<void> search(std::span<const Cepstrum> frames);
@@ -52,7 +46,7 @@ private:
     /// The words since searchAfresh(), as the user spells them.
     [[nodiscard]] std::string newWords();
 
-    const ModelFiles files_;
+    const std::string folder_;
     ps_decoder_s* decoder_;
     const std::unique_ptr<FrontEnd> frontEnd_;
     ContextualVocabulary vocabulary_;
@@ -63,7 +57,6 @@ private:
     std::size_t searched_ = 0;
     std::string earlierWords_;
     Cepstrum last_{};
-    bool unusable_ = false;
 };
 
 } // namespace tovik

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Engines/PocketSphinx/ModelFiles.h"
 #include "Engines/Host/ModelEngine.h"
 #include "Platform/SpeechService.h"
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,7 +16,11 @@ namespace tovik {
 /// Recognises United States English with PocketSphinx, the embedded engine.
 class PocketSphinxService : public SpeechService {
 public:
-    explicit PocketSphinxService(SystemLog& log, const ModelFiles& files = ModelFiles::unitedStatesEnglish());
+    /// The model of Debian's package pocketsphinx-en-us.
+    static constexpr auto packageModel = "/usr/share/pocketsphinx/model/en-us";
+
+    /// model: a folder laid out as that of the package: en-us/, en-us.lm.bin, cmudict-en-us.dict.
+    explicit PocketSphinxService(SystemLog& log, const std::filesystem::path& model = packageModel);
     ~PocketSphinxService() override { engine_->end(); }
     PocketSphinxService(const PocketSphinxService&) = delete;
     PocketSphinxService& operator=(const PocketSphinxService&) = delete;

@@ -3,12 +3,12 @@
 #include "Engines/Vosk/VoskDecoder.h"
 
 #include "Engines/Host/RecognitionError.h"
-#include "Engines/Vosk/VoskAnswer.h"
-#include "Engines/Vosk/VoskModels.h"
 
 #include <unicode/unistr.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
+#include <random>
 #include <utility>
 
 namespace tovik {
@@ -21,6 +21,10 @@ constexpr int kAlternatives = 5;
 /// More words than a hum is taken for were said by somebody, perhaps in a whisper beside a fan.
 constexpr std::ptrdiff_t kWordsOfHum = 2;
 
+/// What one reading of a sound counts for more when it holds a word to favour; the library's own measure is
+/// the logarithm of a likelihood.
+constexpr double kFavour = 3;
+
 std::string lowerCase(const std::string& text) {
     std::string lower;
     icu::UnicodeString::fromUTF8(text).toLower().toUTF8String(lower);
@@ -31,24 +35,104 @@ std::string joined(const std::string& first, const std::string& second) {
     return first.empty() || second.empty() ? first + second : first + " " + second;
 }
 
-} // namespace
-
-Result<std::unique_ptr<UtteranceDecoder>> VoskDecoder::load(std::shared_ptr<const VoskLibrary> library,
-                                                            const std::string& modelFolder) {
-    if (auto usable = VoskModels::check(modelFolder); !usable) {
-        return usable.error();
-    }
-    auto* const model = library->newModel(modelFolder.c_str());
-    if (model == nullptr) {
-        return recognitionError(RecognitionCode::noModel,
-                                "The Vosk model " + modelFolder + " is not usable. Unpack it anew.");
-    }
-    return std::unique_ptr<UtteranceDecoder>(new VoskDecoder(std::move(library), model));
+std::string stringIn(const nlohmann::json& object, const char* name) {
+    const auto found = object.find(name);
+    return found != object.end() && found->is_string() ? found->get<std::string>() : "";
 }
 
-VoskDecoder::VoskDecoder(std::shared_ptr<const VoskLibrary> library, VoskModel* model)
+/// How many of the favoured words stand in the text, as whole words.
+int favouredIn(const std::string& text, const std::vector<std::string>& favoured) {
+    const auto padded = " " + text + " ";
+    int count = 0;
+    for (const auto& term : favoured) {
+        count += padded.find(" " + term + " ") != std::string::npos ? 1 : 0;
+    }
+    return count;
+}
+
+/// The text in a result of the library, of the alternatives the best one; empty when there is none.
+std::string voskText(std::string_view answer, const std::vector<std::string>& favoured) {
+    const auto object = nlohmann::json::parse(answer, nullptr, false);
+    if (!object.is_object()) {
+        return {};
+    }
+    const auto alternatives = object.find("alternatives");
+    if (alternatives == object.end() || !alternatives->is_array()) {
+        return stringIn(object, "text");
+    }
+    std::string best;
+    double bestScore = 0;
+    bool isFirst = true;
+    for (const auto& alternative : *alternatives) {
+        if (!alternative.is_object()) {
+            continue;
+        }
+        auto text = stringIn(alternative, "text");
+        // Older versions begin with a blank.
+        text.erase(0, text.find_first_not_of(' '));
+        const auto confidence = alternative.find("confidence");
+        const double score =
+            (confidence != alternative.end() && confidence->is_number() ? confidence->get<double>() : 0) +
+            kFavour * favouredIn(text, favoured);
+        if (isFirst || score > bestScore) {
+            best = text;
+            bestScore = score;
+            isFirst = false;
+        }
+    }
+    return best;
+}
+
+/// The text in a partial result.
+std::string voskPartial(std::string_view answer) {
+    const auto object = nlohmann::json::parse(answer, nullptr, false);
+    return object.is_object() ? stringIn(object, "partial") : "";
+}
+
+/// Some noise, so that the search has something to do, then quiet.
+std::vector<std::int16_t> secondOfSound() {
+    constexpr auto rate = static_cast<std::size_t>(UtteranceDecoder::sampleRate);
+    std::minstd_rand random(1);
+    std::uniform_int_distribution<int> noise(-3000, 3000);
+    std::vector<std::int16_t> samples(rate);
+    for (std::size_t i = 0; i < rate / 2; ++i) {
+        samples[i] = static_cast<std::int16_t>(noise(random));
+    }
+    return samples;
+}
+
+} // namespace
+
+Result<std::unique_ptr<UtteranceDecoder>> VoskDecoder::load(const std::vector<std::string>& libraries,
+                                                            const std::string& modelFolder) {
+    auto library = VoskLibrary::load(libraries);
+    if (!library) {
+        return library.error();
+    }
+    if (auto* const model = library.value()->newModel(modelFolder.c_str())) {
+        std::unique_ptr<VoskDecoder> decoder(new VoskDecoder(std::move(library.value()), model));
+        if (decoder->canHear()) {
+            return std::unique_ptr<UtteranceDecoder>(std::move(decoder));
+        }
+    }
+    return recognitionError(RecognitionCode::noModel,
+                            "The Vosk model " + modelFolder +
+                                " is not usable: the library refuses it. Unpack it anew.");
+}
+
+VoskDecoder::VoskDecoder(std::unique_ptr<const VoskLibrary> library, VoskModel* model)
     : library_(std::move(library)),
       model_(model) {}
+
+/// Many a broken model shows when it is to hear something, and so does what is read only then.
+bool VoskDecoder::canHear() {
+    if (!begin({"word"}) || !accept(secondOfSound())) {
+        return false;
+    }
+    static_cast<void>(hypothesis());
+    const auto text = finish();
+    return text || text.error().code == static_cast<int>(RecognitionCode::noSpeech);
+}
 
 VoskDecoder::~VoskDecoder() {
     freeRecognizer();

@@ -20,9 +20,11 @@ namespace tovik {
 /// Silence and noise it makes no words of, but of a hum it makes one or two now and then.
 class VoskDecoder : public UtteranceDecoder {
 public:
-    /// Loads the model, which takes from half a second to a minute.
+    /// Loads the first of the libraries that is there, and the model, which takes from half a second to a
+    /// minute. The error is a sentence for the user; over some broken models the library ends the process,
+    /// and from others it never comes back.
     [[nodiscard]] static Result<std::unique_ptr<UtteranceDecoder>>
-    load(std::shared_ptr<const VoskLibrary> library, const std::string& modelFolder);
+    load(const std::vector<std::string>& libraries, const std::string& modelFolder);
     ~VoskDecoder() override;
 
     Result<void> prepare(const std::vector<std::string>& contextualStrings) override;
@@ -32,13 +34,14 @@ public:
     [[nodiscard]] Result<std::string> finish() override;
 
 private:
-    VoskDecoder(std::shared_ptr<const VoskLibrary> library, VoskModel* model);
+    VoskDecoder(std::unique_ptr<const VoskLibrary> library, VoskModel* model);
 
+    [[nodiscard]] bool canHear();
     void freeRecognizer();
     void append(const char* answer);
     [[nodiscard]] bool isHum(const std::string& text) const;
 
-    const std::shared_ptr<const VoskLibrary> library_;
+    const std::unique_ptr<const VoskLibrary> library_;
     VoskModel* const model_;
     VoskRecognizer* recognizer_ = nullptr;
     /// In lower case, as the library writes.

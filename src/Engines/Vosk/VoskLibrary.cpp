@@ -16,21 +16,9 @@ bool find(void* handle, const char* name, Function& function) {
     return function != nullptr;
 }
 
-Error unusable(const std::string& why) {
-    return recognitionError(RecognitionCode::noModel,
-                            "The Vosk library is not usable: " + why +
-                                ". Put libvosk.so of https://github.com/alphacep/vosk-api/releases into "
-                                "~/.local/share/tovik-record or /usr/local/lib.");
-}
-
 } // namespace
 
-std::vector<std::string> VoskLibrary::usualPlaces(const std::string& dataFolder) {
-    return {dataFolder + "/tovik-record/libvosk.so", "libvosk.so.0", "libvosk.so",
-            "/usr/local/lib/libvosk.so"};
-}
-
-Result<std::shared_ptr<const VoskLibrary>> VoskLibrary::load(const std::vector<std::string>& candidates) {
+Result<std::unique_ptr<const VoskLibrary>> VoskLibrary::load(const std::vector<std::string>& candidates) {
     std::string why = "it is not installed";
     for (const auto& candidate : candidates) {
         void* const handle = ::dlopen(candidate.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -42,19 +30,15 @@ Result<std::shared_ptr<const VoskLibrary>> VoskLibrary::load(const std::vector<s
             }
             continue;
         }
-        const std::shared_ptr<VoskLibrary> library(new VoskLibrary(handle, candidate));
+        std::unique_ptr<VoskLibrary> library(new VoskLibrary(handle));
         const auto missing = library->findFunctions();
         if (missing.empty()) {
             library->setLogLevel(-1);
-            return std::shared_ptr<const VoskLibrary>(library);
+            return std::unique_ptr<const VoskLibrary>(std::move(library));
         }
         why = candidate + " has no " + missing;
     }
-    return unusable(why);
-}
-
-VoskLibrary::~VoskLibrary() {
-    // It stays loaded: a thread that was left behind may still be in it.
+    return voskUnusable(why);
 }
 
 std::string VoskLibrary::findFunctions() {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Result.h"
+#include "Engines/Host/RecognitionError.h"
 
 #include <memory>
 #include <string>
@@ -15,23 +15,27 @@ struct VoskRecognizer;
 
 namespace tovik {
 
+/// Why there is no speech with the library, and where to get it, in a sentence for the user.
+[[nodiscard]] inline Error voskUnusable(const std::string& why) {
+    return recognitionError(RecognitionCode::noModel,
+                            "The Vosk library is not usable: " + why +
+                                ". Put libvosk.so of https://github.com/alphacep/vosk-api/releases into "
+                                "~/.local/share/tovik-record or /usr/local/lib.");
+}
+
 /// The Vosk library, loaded while the program runs. Any thread; a recogniser is for one at a time.
 ///
 /// Versions differ in what they have: what not all of them do is null in some.
 class VoskLibrary {
 public:
     /// Loads the first of these that is there. The error says where to get one.
-    [[nodiscard]] static Result<std::shared_ptr<const VoskLibrary>>
+    [[nodiscard]] static Result<std::unique_ptr<const VoskLibrary>>
     load(const std::vector<std::string>& candidates);
-    /// The usual names and places. dataFolder: of the user's own programs, $XDG_DATA_HOME.
-    [[nodiscard]] static std::vector<std::string> usualPlaces(const std::string& dataFolder);
 
-    ~VoskLibrary();
+    /// It stays loaded: nobody knows whether it lets itself be taken down.
+    ~VoskLibrary() = default;
     VoskLibrary(const VoskLibrary&) = delete;
     VoskLibrary& operator=(const VoskLibrary&) = delete;
-
-    /// What it was loaded as.
-    [[nodiscard]] const std::string& file() const { return file_; }
 
     void (*setLogLevel)(int level) = nullptr;
     VoskModel* (*newModel)(const char* path) = nullptr;
@@ -48,12 +52,11 @@ public:
     const char* (*finalResult)(VoskRecognizer* recognizer) = nullptr;
 
 private:
-    VoskLibrary(void* handle, std::string file) : handle_(handle), file_(std::move(file)) {}
+    explicit VoskLibrary(void* handle) : handle_(handle) {}
     /// The name of a function that must be there and is not; empty when all are.
     [[nodiscard]] std::string findFunctions();
 
     void* const handle_;
-    const std::string file_;
 };
 
 } // namespace tovik

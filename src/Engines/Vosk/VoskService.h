@@ -3,12 +3,8 @@
 #pragma once
 
 #include "Engines/Host/ModelEngine.h"
-#include "Engines/Vosk/VoskCheck.h"
-#include "Engines/Vosk/VoskLibrary.h"
-#include "Engines/Vosk/VoskModels.h"
 #include "Platform/SpeechService.h"
 
-#include <future>
 #include <list>
 #include <memory>
 #include <optional>
@@ -17,12 +13,40 @@
 
 namespace tovik {
 
+/// The models on this machine: folders named as their makers name them, such as "vosk-model-small-fr-0.22",
+/// or after a language or a locale, such as "fr" or "fr-FR". Looked for anew at each call.
+class VoskModels {
+public:
+    /// Earlier folders go first.
+    explicit VoskModels(std::vector<std::string> folders) : folders_(std::move(folders)) {}
+
+    /// dataFolder: of the user's own programs, $XDG_DATA_HOME.
+    [[nodiscard]] static std::vector<std::string> usualFolders(const std::string& dataFolder);
+
+    /// The folder of the best model for a locale: one of the same region before one of the language, and a
+    /// big one before a small one.
+    [[nodiscard]] std::optional<std::string> find(const std::string& locale) const;
+
+    /// Where a model for the locale is to be had and where it goes, in a sentence.
+    [[nodiscard]] std::string whereToGet(const std::string& locale) const;
+
+    /// Whether a folder has what every model has; a moment's look. The error says what is missing.
+    [[nodiscard]] static Result<void> check(const std::string& folder);
+
+private:
+    const std::vector<std::string> folders_;
+};
+
 /// Recognises with the Vosk library and the models that are on this machine, each locale with its own. A
 /// model is loaded when its locale is asked for first; that of the language before stays.
 class VoskService : public SpeechService {
 public:
-    VoskService(SystemLog& log, std::vector<std::string> libraries, std::vector<std::string> modelFolders,
-                VoskCheck check = VoskCheck(VoskCheck::besideThisProgram()));
+    /// The usual names and places of the library. dataFolder: of the user's own programs, $XDG_DATA_HOME.
+    [[nodiscard]] static std::vector<std::string> usualLibraries(const std::string& dataFolder);
+
+    /// libraries: files, and names that are looked for where the system has libraries; the first that works
+    /// serves.
+    VoskService(SystemLog& log, std::vector<std::string> libraries, std::vector<std::string> modelFolders);
 
     ~VoskService() override;
     VoskService(const VoskService&) = delete;
@@ -54,19 +78,19 @@ private:
 
     /// Null when there is no library or no model.
     [[nodiscard]] std::shared_ptr<ModelEngine> engineFor(const std::string& locale);
-    [[nodiscard]] std::shared_ptr<const VoskLibrary> library();
+    /// Where the library is; nothing when it is not installed.
+    [[nodiscard]] std::vector<std::string> installedLibraries();
+    void use(const std::string& folder, const std::vector<std::string>& libraries);
 
     SystemLog& log_;
     const std::vector<std::string> libraries_;
     const VoskModels models_;
-    const VoskCheck check_;
-    std::shared_ptr<const VoskLibrary> library_;
-    std::string whyNoLibrary_;
+    bool saidThereIsNoLibrary_ = false;
     std::vector<std::string> contextualStrings_;
     /// The one used last comes first. More than mostModels while somebody may still speak with them.
     std::list<Loaded> loaded_;
-    /// The ends of models that are being unloaded.
-    std::list<std::future<void>> unloading_;
+    /// Those that are being unloaded: gigabytes take a while to go.
+    std::list<std::shared_ptr<ModelEngine>> leaving_;
 };
 
 } // namespace tovik

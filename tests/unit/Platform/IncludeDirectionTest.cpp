@@ -57,7 +57,7 @@ std::string layerOf(const fs::path& file) {
 bool mayInclude(const fs::path& file, const fs::path& included) {
     const std::string from = layerOf(file);
     const std::string to = layerOf(included);
-    if (from == to || from == "main" || from == "CheckVoskMain") {
+    if (from == to || from == "main" || from == "EngineMain") {
         return true;
     }
     if (from == "AppDelegate") {

@@ -2,7 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/PocketSphinx/PocketSphinxDecoder.h"
 
+#include "Audio/RecognitionRequest.h"
+#include "Engines/PocketSphinx/PocketSphinxService.h"
 #include "support/Buzz.h"
+#include "support/RecognitionAnswers.h"
+#include "support/RecordingLog.h"
 #include "support/Recordings.h"
 #include "support/TemporaryFolder.h"
 
@@ -17,10 +21,6 @@
 #include <random>
 #include <string_view>
 #include <vector>
-
-#ifdef __SANITIZE_ADDRESS__
-#include <sanitizer/lsan_interface.h>
-#endif
 
 namespace tovik::test {
 namespace {
@@ -56,7 +56,7 @@ std::string decode(UtteranceDecoder& decoder, const std::vector<float>& sound,
 }
 
 std::unique_ptr<UtteranceDecoder> loadDecoder() {
-    auto loaded = PocketSphinxDecoder::load(ModelFiles::unitedStatesEnglish());
+    auto loaded = PocketSphinxDecoder::load(PocketSphinxService::packageModel);
     return loaded ? std::move(loaded.value()) : nullptr;
 }
 
@@ -217,49 +217,38 @@ void remove(const fs::path& file) {
     fs::remove(file);
 }
 
-/// While the library refuses a model it loses what it has read of it, which is none of ours to free.
-class LibraryMayLose {
-public:
-#ifdef __SANITIZE_ADDRESS__
-    LibraryMayLose() {
-        __lsan_disable();
-    }
-    ~LibraryMayLose() {
-        __lsan_enable();
-    }
-#else
-    LibraryMayLose() = default;
-#endif
-    LibraryMayLose(const LibraryMayLose&) = delete;
-    LibraryMayLose& operator=(const LibraryMayLose&) = delete;
-};
-
 class BrokenModel : public testing::TestWithParam<Damage> {};
 
 TEST_P(BrokenModel, isAnErrorAndNoEndOfTheProgram) {
     const TemporaryFolder folder;
-    const auto good = ModelFiles::unitedStatesEnglish();
-    const fs::path root = folder.path();
-    fs::copy(good.acousticModel, root / "en-us", fs::copy_options::recursive);
-    fs::copy(good.languageModel, root / "lm");
-    fs::copy(good.dictionary, root / "dict");
+    const fs::path root = fs::path(folder.path()) / "model";
+    fs::copy(PocketSphinxService::packageModel, root, fs::copy_options::recursive);
     GetParam().apply(root / GetParam().file);
 
-    [[maybe_unused]] const LibraryMayLose whatItHasRead;
-    const auto loaded = PocketSphinxDecoder::load({root / "en-us", root / "lm", root / "dict"});
-    ASSERT_FALSE(loaded.ok());
-    EXPECT_EQ(loaded.error().domain, "SpeechRecognition");
-    EXPECT_THAT(loaded.error().description, HasSubstr("The English speech model is not usable"));
-    EXPECT_THAT(loaded.error().description, HasSubstr("Install the Debian package pocketsphinx-en-us"));
+    RecordingLog log;
+    PocketSphinxService service(log, root);
+    const auto request = std::make_shared<RecognitionRequest>(RecognitionSettings{}, kRecordingRate);
+    request->endAudio();
+    const RecognitionAnswers answers;
+    const auto task = service.makeRecognizer("en-US")->startTask(request, answers.handler());
+    const auto end = answers.waitForEnd();
+    ASSERT_TRUE(end && end->error);
+    EXPECT_EQ(end->error->domain, "SpeechRecognition");
+    EXPECT_THAT(end->error->description, HasSubstr("The English speech model is not usable"));
+    EXPECT_THAT(end->error->description, HasSubstr("Install the Debian package pocketsphinx-en-us"));
+    EXPECT_EQ(service.whyUnavailable(), end->error->description);
 }
 
 std::vector<Damage> damages() {
     std::vector<Damage> all;
-    const std::vector<std::pair<std::string, std::string>> files{
-        {"Mdef", "en-us/mdef"},        {"Features", "en-us/feat.params"},
-        {"Means", "en-us/means"},      {"Variances", "en-us/variances"},
-        {"Mixtures", "en-us/sendump"}, {"Transitions", "en-us/transition_matrices"},
-        {"LanguageModel", "lm"},       {"Dictionary", "dict"}};
+    const std::vector<std::pair<std::string, std::string>> files{{"Mdef", "en-us/mdef"},
+                                                                 {"Features", "en-us/feat.params"},
+                                                                 {"Means", "en-us/means"},
+                                                                 {"Variances", "en-us/variances"},
+                                                                 {"Mixtures", "en-us/sendump"},
+                                                                 {"Transitions", "en-us/transition_matrices"},
+                                                                 {"LanguageModel", "en-us.lm.bin"},
+                                                                 {"Dictionary", "cmudict-en-us.dict"}};
     for (const auto& [name, file] : files) {
         all.push_back({"Missing" + name, file, remove});
         all.push_back({"Empty" + name, file, empty});
@@ -270,7 +259,7 @@ std::vector<Damage> damages() {
     all.push_back({"NonsenseMeans", "en-us/means", fillWithNonsense});
     all.push_back({"NonsenseMdef", "en-us/mdef", fillWithNonsense});
     all.push_back({"NonsenseTransitions", "en-us/transition_matrices", fillWithNonsense});
-    all.push_back({"NonsenseDictionary", "dict",
+    all.push_back({"NonsenseDictionary", "cmudict-en-us.dict",
                    [](const fs::path& file) { std::ofstream(file) << "this is\nno dictionary\n"; }});
     return all;
 }

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The real library with a real model: only where tools/fetch-vosk --model has brought them.
-#include "Engines/Vosk/VoskService.h"
 #include "Audio/RecognitionRequest.h"
+#include "Engines/Vosk/VoskService.h"
 #include "support/Buzz.h"
 #include "support/RealVosk.h"
 #include "support/RecognitionAnswers.h"
