@@ -2,14 +2,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Lifetime.h"
 #include "Platform/Platform.h"
 
 #include <memory>
 
 namespace tovik {
 
-/// Owns the parts of the program and joins them; the rules are theirs. Main thread.
+/// The program: made whole at the launch, and asked to end here. Main thread.
 class AppDelegate {
 public:
     explicit AppDelegate(const Platform& platform);
@@ -17,7 +16,7 @@ public:
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
 
-    /// The launch: once, when the event loop runs.
+    /// The launch: once, when the event loop runs. What comes before it finds nothing to act upon.
     void applicationDidFinishLaunching();
     /// The program came to the front: the user may have changed a permission meanwhile.
     void applicationDidBecomeActive();
@@ -25,7 +24,6 @@ public:
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
     [[nodiscard]] bool applicationShouldTerminateAfterLastWindowClosed() const { return false; }
 
-    void openMainWindowFromMenu();
     /// Ends the program, after a text that is still on its way has been delivered; asked again, at once.
     void quitApp();
     /// The same, when it is not the user who waits: in less time.
@@ -34,18 +32,13 @@ public:
     void displayLost();
 
 private:
-    struct Parts;
+    struct Program;
 
-    void createStatusItem();
-    void createRecorder();
-    void createSession();
-    void createMenuAndWindow();
-    void startKeyMonitor();
-    void sayFarewell(Seconds patience);
+    void quit(Seconds patience);
 
-    Platform platform_;
-    std::unique_ptr<Parts> parts_;
-    Lifetime lifetime_;
+    const Platform platform_;
+    std::unique_ptr<Program> program_;
+    bool isQuitting_ = false;
 };
 
 } // namespace tovik

@@ -4,10 +4,8 @@
 
 #include "Audio/DictationLocales.h"
 #include "Audio/LevelMeter.h"
-#include "Audio/RequestFeed.h"
-#include "Audio/Vocabulary.h"
-#include "Audio/CustomVocabulary.h"
 #include "Audio/RecognitionRequest.h"
+#include "Audio/Vocabulary.h"
 
 #include <algorithm>
 #include <utility>
@@ -33,9 +31,9 @@ AudioDevice recordOf(const CaptureDevice& device) {
 
 } // namespace
 
-MacAudioManager::MacAudioManager(const Ports& ports, TextProcessor processTranscription)
+MacAudioManager::MacAudioManager(const Ports& ports, Callbacks callbacks)
     : ports_(ports),
-      processTranscription_(std::move(processTranscription)) {
+      callbacks_(std::move(callbacks)) {
     link_->manager = this;
     refreshAudioDevices();
     setupDeviceMonitoring();
@@ -127,39 +125,57 @@ void MacAudioManager::startTask() {
     if (!speechRecognizer_) {
         return;
     }
-    ++link_->unanswered;
+    ++dictationsWithoutText_;
+    {
+        const std::lock_guard lock(link_->mutex);
+        ++link_->unanswered;
+    }
     recognitionTask_ = speechRecognizer_->startTask(
-        request_, [weak = std::weak_ptr(link_), isAnswered = std::make_shared<std::atomic<bool>>(false)](
+        request_, [weak = std::weak_ptr(link_), isAnswered = std::make_shared<bool>(false)](
                       const std::optional<RecognitionResult>& result, const std::optional<Error>& error) {
             const auto link = weak.lock();
             if (!link) {
                 return;
             }
             const std::lock_guard lock(link->mutex);
-            if (link->manager) {
-                link->manager->handleResult(result, error);
+            if (!link->manager) {
+                return;
             }
+            link->manager->handleResult(result, error);
             const bool endsTask = result ? result->isFinal : error.has_value();
-            if (endsTask && !isAnswered->exchange(true)) {
-                --link->unanswered;
+            if (endsTask && !std::exchange(*isAnswered, true)) {
+                link->manager->countAnswer();
             }
         });
 }
 
-bool MacAudioManager::isRecognising() const {
-    return link_->unanswered > 0;
+/// On the recogniser's thread, with the link locked.
+void MacAudioManager::countAnswer() {
+    --link_->unanswered;
+    link_->answered.notify_all();
+    // Behind whatever the callback of the text has queued.
+    ports_.mainQueue.async(lifetime_.guard([this] {
+        if (--dictationsWithoutText_ == 0) {
+            recognised.tell();
+        }
+    }));
+}
+
+bool MacAudioManager::waitUntilRecognised(Seconds patience) {
+    std::unique_lock lock(link_->mutex);
+    return link_->answered.wait_for(lock, patience, [this] { return link_->unanswered == 0; });
 }
 
 void MacAudioManager::handleResult(const std::optional<RecognitionResult>& result,
                                    const std::optional<Error>& error) {
     if (result && result->isFinal) {
-        const auto text = processTranscription_(result->formattedString);
-        if (onTranscription) {
-            onTranscription(text);
+        const auto text = callbacks_.processTranscription(result->formattedString);
+        if (callbacks_.onTranscription) {
+            callbacks_.onTranscription(text);
         }
     } else if (result) {
-        if (onPartialUpdate) {
-            onPartialUpdate(result->formattedString);
+        if (callbacks_.onPartialUpdate) {
+            callbacks_.onPartialUpdate(result->formattedString);
         }
     } else if (error) {
         print("Transcription error: " + error->description);
@@ -172,14 +188,12 @@ void MacAudioManager::installTap() {
     }
     tappedRequest_ = request_;
     // The manager takes its tap away before it goes, and the engine calls no tap that was taken away.
-    ports_.engine.installTap(kTapFrames,
-                             [this, feed = RequestFeed(request_)](const AudioBuffer& buffer) mutable {
-                                 const auto level = LevelMeter::level(buffer.frames);
-                                 if (onLevel) {
-                                     onLevel(level);
-                                 }
-                                 feed.append(buffer);
-                             });
+    ports_.engine.installTap(kTapFrames, [this, request = request_](const AudioBuffer& buffer) {
+        if (callbacks_.onLevel) {
+            callbacks_.onLevel(LevelMeter::level(buffer.frames));
+        }
+        request->append(buffer);
+    });
 }
 
 void MacAudioManager::stop() {
@@ -227,8 +241,9 @@ void MacAudioManager::closeAhead() {
 
 // -------------------------------------------------------------------------------------- devices
 
-void MacAudioManager::setDeviceDelegate(std::weak_ptr<AudioDeviceSelectionDelegate> delegate) {
-    deviceDelegate_ = std::move(delegate);
+Subscription MacAudioManager::reportDevicesTo(AudioDeviceSelectionDelegate& delegate) {
+    deviceDelegate_ = &delegate;
+    return Subscription(lifetime_.guard([this] { deviceDelegate_ = nullptr; }));
 }
 
 void MacAudioManager::setupDeviceMonitoring() {
@@ -262,9 +277,9 @@ void MacAudioManager::refreshAudioDevices() {
     }
 
     ports_.mainQueue.async(lifetime_.guard([this] {
-        if (const auto delegate = deviceDelegate_.lock()) {
-            delegate->availableDevicesChanged(audioDevices_);
-            delegate->currentDeviceChanged(selectedDevice_);
+        if (deviceDelegate_ != nullptr) {
+            deviceDelegate_->availableDevicesChanged(audioDevices_);
+            deviceDelegate_->currentDeviceChanged(selectedDevice_);
         }
     }));
 }
@@ -305,8 +320,8 @@ Result<void> MacAudioManager::selectDevice(const AudioDevice& device) {
     selectedDevice_ = device;
     print("Selected audio device: " + device.name);
     ports_.mainQueue.async(lifetime_.guard([this] {
-        if (const auto delegate = deviceDelegate_.lock()) {
-            delegate->currentDeviceChanged(selectedDevice_);
+        if (deviceDelegate_ != nullptr) {
+            deviceDelegate_->currentDeviceChanged(selectedDevice_);
         }
     }));
     if (!ports_.engine.isRunning()) {

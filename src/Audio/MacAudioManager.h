@@ -3,7 +3,6 @@
 #pragma once
 
 #include "Audio/AudioDevice.h"
-#include "Audio/AudioDeviceSelectionDelegate.h"
 #include "Audio/Recorder.h"
 #include "Platform/AudioEngine.h"
 #include "Platform/AudioHardware.h"
@@ -15,7 +14,7 @@
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
 
-#include <atomic>
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -45,28 +44,28 @@ public:
         SpeechService& speechService;
     };
 
-    /// The clean-up of final texts; runs on the recogniser's thread.
-    using TextProcessor = std::function<std::string(const std::string&)>;
+    /// They run on the thread of the recogniser or of the microphone, must not block, and must not call the
+    /// manager. Each but the first may be absent.
+    struct Callbacks {
+        /// The clean-up of final texts.
+        std::function<std::string(const std::string& text)> processTranscription;
+        /// The final text of a dictation, cleaned up; may come long after stop(). Not called for a dictation
+        /// that ends in an error.
+        std::function<void(const std::string& text)> onTranscription;
+        /// Every hypothesis on the way to it, as the recogniser gave it.
+        std::function<void(const std::string& text)> onPartialUpdate;
+        /// How loud the newest buffer is, 0...1.
+        std::function<void(float level)> onLevel;
+    };
 
     static constexpr std::string_view kAudioDeviceBluetooth = "AppleBluetoothAudio";
 
     /// Reads the device list and follows it from then on; lets the recognisers learn the vocabulary.
-    MacAudioManager(const Ports& ports, TextProcessor processTranscription);
+    MacAudioManager(const Ports& ports, Callbacks callbacks);
     /// Waits for a callback that is under way; none begins afterwards. A dictation that runs is given up.
     ~MacAudioManager() override;
     MacAudioManager(const MacAudioManager&) = delete;
     MacAudioManager& operator=(const MacAudioManager&) = delete;
-
-    // Set these before the first start() and leave them alone; each may be absent. They run on the thread of
-    // the recogniser or of the microphone, must not block, and must not call the manager.
-
-    /// The final text of a dictation, cleaned up; may come long after stop(). Not called for a dictation
-    /// that ends in an error.
-    std::function<void(const std::string& text)> onTranscription;
-    /// Every hypothesis on the way to it, as the recogniser gave it.
-    std::function<void(const std::string& text)> onPartialUpdate;
-    /// How loud the newest buffer is, 0...1.
-    std::function<void(float level)> onLevel;
 
     /// When starting the microphone fails, what was prepared stays until the next stop().
     Result<void> start() override;
@@ -74,10 +73,11 @@ public:
     void stop() override;
     /// Blocks for 0.1 s.
     void stopAndListenOn() override;
-    /// Once the text is there, onTranscription has been called.
-    [[nodiscard]] bool isRecognising() const override;
     void openAhead() override;
     void closeAhead() override;
+    [[nodiscard]] bool isRecognising() const override { return dictationsWithoutText_ > 0; }
+    /// Once it is true, onTranscription has been called with every text.
+    [[nodiscard]] bool waitUntilRecognised(Seconds patience) override;
 
     /// Remembers the device, and restarts a running recording. Fails with "Device not found" when it is not
     /// in audioDevices(), or as start() does.
@@ -90,8 +90,9 @@ public:
     [[nodiscard]] const std::vector<AudioDevice>& audioDevices() const { return audioDevices_; }
     [[nodiscard]] const std::optional<AudioDevice>& selectedDevice() const { return selectedDevice_; }
 
-    /// Held weakly. Hears of the first device list when it is set before the main queue runs again.
-    void setDeviceDelegate(std::weak_ptr<AudioDeviceSelectionDelegate> delegate);
+    /// Reports to this delegate alone until the token is dropped. It hears of the first device list when it
+    /// comes before the main queue runs again.
+    [[nodiscard]] Subscription reportDevicesTo(AudioDeviceSelectionDelegate& delegate);
 
 private:
     /// The way from the recogniser's thread back to the manager, and the lock that keeps the manager alive
@@ -99,7 +100,8 @@ private:
     struct Link {
         std::mutex mutex;
         MacAudioManager* manager = nullptr;
-        std::atomic<int> unanswered = 0;
+        int unanswered = 0;
+        std::condition_variable answered;
     };
     enum class DeviceChange { connected, disconnected };
 
@@ -111,6 +113,7 @@ private:
     void installTap();
     void endDictation();
     void handleResult(const std::optional<RecognitionResult>& result, const std::optional<Error>& error);
+    void countAnswer();
 
     void setupDeviceMonitoring();
     void handleDeviceChange(DeviceChange change, const CaptureDevice& device);
@@ -120,7 +123,7 @@ private:
     void print(const std::string& line);
 
     const Ports ports_;
-    const TextProcessor processTranscription_;
+    const Callbacks callbacks_;
 
     std::shared_ptr<RecognitionRequest> request_;
     std::unique_ptr<RecognitionTask> recognitionTask_;
@@ -131,12 +134,13 @@ private:
     std::vector<AudioDevice> audioDevices_;
     std::optional<AudioDevice> selectedDevice_;
     std::optional<AudioDevice> lastKnownDefaultDevice_;
-    std::weak_ptr<AudioDeviceSelectionDelegate> deviceDelegate_;
+    AudioDeviceSelectionDelegate* deviceDelegate_ = nullptr;
     std::optional<Date> deviceChangeCooldownUntil_;
     Subscription deviceCheckTimer_;
     Subscription connected_;
     Subscription disconnected_;
 
+    int dictationsWithoutText_ = 0;
     const std::shared_ptr<Link> link_ = std::make_shared<Link>();
     Lifetime lifetime_;
 };

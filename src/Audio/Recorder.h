@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Clock.h"
+#include "Platform/Observers.h"
 #include "Platform/Result.h"
 
 namespace tovik {
@@ -18,13 +20,20 @@ public:
     /// As stop(), and the user goes on speaking: what the microphone hears from here on belongs to the next
     /// start(), as after openAhead().
     virtual void stopAndListenOn() = 0;
-    /// Whether a dictation runs, or one that has ended is still without the text or error that it ends in.
-    [[nodiscard]] virtual bool isRecognising() const = 0;
 
     /// The user may have begun to speak: what the microphone hears from here on belongs to the next start().
     virtual void openAhead() = 0;
     /// The user has not begun to speak after all. Harmless while a dictation runs.
     virtual void closeAhead() = 0;
+
+    /// Whether a dictation runs, or one that has ended is still without the text or error that it ends in.
+    [[nodiscard]] virtual bool isRecognising() const = 0;
+    /// Told on the main queue each time that isRecognising() has become false; what the recogniser's thread
+    /// queued with the last text has run by then.
+    Observers<> recognised;
+    /// For when the main queue runs no more: blocks until the recogniser has answered every dictation. False
+    /// when that takes longer than the patience.
+    [[nodiscard]] virtual bool waitUntilRecognised(Seconds patience) = 0;
 };
 
 } // namespace tovik

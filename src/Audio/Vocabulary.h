@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/UserDefaults.h"
+
 #include <array>
 #include <string>
 #include <string_view>
@@ -16,5 +18,18 @@ inline constexpr std::array<std::string_view, 15> kBuiltinVocabulary{
 
 /// The built-in terms and then the user's own, each once.
 [[nodiscard]] std::vector<std::string> contextualStrings(const std::vector<std::string>& customTerms);
+
+/// The words that the user wants the recogniser to favour. Any thread.
+class CustomVocabulary {
+public:
+    static constexpr std::string_view vocabularyKey = "CustomVocabulary";
+
+    /// Read anew on every call: the terms of the stored list, each once, in the order of their first
+    /// appearance.
+    [[nodiscard]] static std::vector<std::string> terms(const UserDefaults& defaults);
+
+    /// The terms of a comma-separated list, trimmed; empty ones are left out.
+    [[nodiscard]] static std::vector<std::string> parse(std::string_view commaSeparated);
+};
 
 } // namespace tovik

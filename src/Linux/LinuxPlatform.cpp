@@ -26,7 +26,7 @@
 #include "Linux/X11/X11KeyEventPoster.h"
 #include "Linux/X11/X11KeyMonitor.h"
 #include "Linux/X11/X11Workspace.h"
-#include "Permissions/InstallLocations.h"
+#include "Permissions/Installation.h"
 #include "Platform/Observers.h"
 #include "UserInterface/QtUserInterface.h"
 

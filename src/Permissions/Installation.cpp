@@ -3,6 +3,7 @@
 #include "Permissions/Installation.h"
 
 #include "Platform/AsciiCase.h"
+#include "Platform/Platform.h"
 
 #include <algorithm>
 #include <utility>
@@ -11,6 +12,7 @@ namespace tovik {
 
 namespace {
 
+constexpr auto kInstallerDownload = "https://tovik.example/downloads/tovik-record/TovikRecord-1.3.6.dmg";
 constexpr Seconds kRefreshDelay{1.0};
 constexpr Seconds kRelaunchDelay{0.25};
 
@@ -35,9 +37,46 @@ std::optional<std::string> leadingComponents(const std::string& path, std::size_
 
 } // namespace
 
-Installation::Installation(const Collaborators& collaborators, InstallLocations locations)
-    : with_(collaborators),
-      locations_(std::move(locations)) {}
+InstallLocations macInstallLocations() {
+    const std::string installed = "/Applications/Tovik Record.app";
+    return {
+        .temporaryPathParts = {"/AppTranslocation/"},
+        .mountPoints = {{"/Volumes/", 2}},
+        .downloadFolders = {"Downloads", "Desktop"},
+        .installedApplication = installed,
+        .relaunchExecutable = "/usr/bin/open",
+        .relaunchArguments = {"-n", installed},
+        .installerPrefix = "tovikrecord-",
+        .installerSuffix = ".dmg",
+        .installerDownload = kInstallerDownload,
+    };
+}
+
+InstallLocations linuxInstallLocations(const std::string& installedExecutable) {
+    auto locations = macInstallLocations();
+    locations.temporaryPathParts = {};
+    // Desktops mount a stick below the name of the user who plugged it in.
+    locations.mountPoints = {{"/media/", 3}, {"/run/media/", 4}};
+    locations.installedApplication = installedExecutable;
+    locations.relaunchExecutable = installedExecutable;
+    locations.relaunchArguments = {};
+    return locations;
+}
+
+bool isUninstalledLocation(const InstallLocations& locations, const std::string& path,
+                           const std::string& homeDirectory) {
+    return std::any_of(locations.temporaryPathParts.begin(), locations.temporaryPathParts.end(),
+                       [&](const auto& part) { return path.find(part) != std::string::npos; }) ||
+           std::any_of(locations.mountPoints.begin(), locations.mountPoints.end(),
+                       [&](const auto& mount) { return path.starts_with(mount.prefix); }) ||
+           std::any_of(
+               locations.downloadFolders.begin(), locations.downloadFolders.end(),
+               [&](const auto& folder) { return path.starts_with(homeDirectory + "/" + folder + "/"); });
+}
+
+Installation::Installation(const Platform& platform, MainWindow& mainWindow)
+    : platform_(platform),
+      mainWindow_(mainWindow) {}
 
 Installation::~Installation() {
     // The event loop may well end before the delay of a relaunch has passed.
@@ -45,8 +84,8 @@ Installation::~Installation() {
 }
 
 std::optional<std::string> Installation::folderOfMountedVolume() const {
-    const auto path = with_.authorization.bundlePath();
-    for (const auto& mount : locations_.mountPoints) {
+    const auto path = platform_.authorization.bundlePath();
+    for (const auto& mount : platform_.installLocations.mountPoints) {
         if (path.starts_with(mount.prefix)) {
             return leadingComponents(path, mount.volumeDepth);
         }
@@ -56,14 +95,15 @@ std::optional<std::string> Installation::folderOfMountedVolume() const {
 
 bool Installation::isInstaller(const std::string& path) const {
     const auto name = asciiLowerCased(path.substr(path.rfind('/') + 1));
-    return name.starts_with(locations_.installerPrefix) && name.ends_with(locations_.installerSuffix);
+    return name.starts_with(platform_.installLocations.installerPrefix) &&
+           name.ends_with(platform_.installLocations.installerSuffix);
 }
 
 std::optional<std::string> Installation::newestInstaller() const {
     std::vector<FolderEntry> installers;
-    for (const auto& folder : locations_.downloadFolders) {
+    for (const auto& folder : platform_.installLocations.downloadFolders) {
         const auto contents =
-            with_.files.contentsOfFolder(with_.authorization.homeDirectory() + "/" + folder);
+            platform_.files.contentsOfFolder(platform_.authorization.homeDirectory() + "/" + folder);
         if (!contents) {
             continue;
         }
@@ -80,22 +120,22 @@ std::optional<std::string> Installation::newestInstaller() const {
 
 bool Installation::openTovikRecordInstaller() {
     if (const auto volume = folderOfMountedVolume()) {
-        with_.workspace.openFile(*volume);
+        platform_.workspace.openFile(*volume);
         return true;
     }
     if (const auto installer = newestInstaller()) {
-        with_.workspace.openFile(*installer);
+        platform_.workspace.openFile(*installer);
         return true;
     }
-    if (locations_.installerDownload.empty()) {
+    if (platform_.installLocations.installerDownload.empty()) {
         return false;
     }
-    with_.workspace.openUrl(locations_.installerDownload);
+    platform_.workspace.openUrl(platform_.installLocations.installerDownload);
     return true;
 }
 
 void Installation::showAccessibilityInstallGuidance() {
-    const int button = with_.alert.runModal(
+    const int button = platform_.alert.runModal(
         "Finish installing Tovik Record",
         "macOS grants Accessibility to the exact app location. Open the installer, drag Tovik Record into "
         "Applications, then quit this copy and reopen Tovik Record from Applications before granting "
@@ -103,16 +143,16 @@ void Installation::showAccessibilityInstallGuidance() {
         {"Open Installer", "Quit & Reopen", "Not Now"});
     switch (button) {
     case openInstaller:
-        with_.mainWindow.showSavedToast(openTovikRecordInstaller() ? "Drag into Applications"
-                                                                   : "Installer unavailable");
-        with_.mainQueue.asyncAfter(kRefreshDelay,
-                                   lifetime_.guard([this] { with_.mainWindow.refreshPermissions(); }));
+        mainWindow_.showSavedToast(openTovikRecordInstaller() ? "Drag into Applications"
+                                                              : "Installer unavailable");
+        platform_.mainQueue.asyncAfter(kRefreshDelay,
+                                       lifetime_.guard([this] { mainWindow_.refreshPermissions(); }));
         break;
     case quitAndReopen:
         quitAndReopenInstalledApp();
         break;
     default:
-        with_.mainWindow.showSavedToast("Install needed");
+        mainWindow_.showSavedToast("Install needed");
         break;
     }
 }
@@ -120,20 +160,20 @@ void Installation::showAccessibilityInstallGuidance() {
 void Installation::relaunchIfPending() {
     if (std::exchange(relaunchPending_, false)) {
         // This copy is on its way out: there is nobody left to tell of a failure.
-        static_cast<void>(
-            with_.processLauncher.launch(locations_.relaunchExecutable, locations_.relaunchArguments));
+        static_cast<void>(platform_.processLauncher.launch(platform_.installLocations.relaunchExecutable,
+                                                           platform_.installLocations.relaunchArguments));
     }
 }
 
 void Installation::quitAndReopenInstalledApp() {
-    if (!with_.files.exists(locations_.installedApplication)) {
-        with_.mainWindow.showSavedToast("Install Tovik Record first");
+    if (!platform_.files.exists(platform_.installLocations.installedApplication)) {
+        mainWindow_.showSavedToast("Install Tovik Record first");
         openTovikRecordInstaller();
         return;
     }
     relaunchPending_ = true;
-    with_.mainQueue.asyncAfter(kRelaunchDelay, lifetime_.guard([this] { relaunchIfPending(); }));
-    with_.terminate();
+    platform_.mainQueue.asyncAfter(kRelaunchDelay, lifetime_.guard([this] { relaunchIfPending(); }));
+    platform_.terminate();
 }
 
 } // namespace tovik

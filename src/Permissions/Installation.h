@@ -2,40 +2,31 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Permissions/InstallLocations.h"
-#include "Platform/Alert.h"
-#include "Platform/Authorization.h"
-#include "Platform/Files.h"
+#include "Platform/InstallLocations.h"
 #include "Platform/Lifetime.h"
-#include "Platform/MainQueue.h"
-#include "Platform/MainWindow.h"
-#include "Platform/ProcessLauncher.h"
-#include "Platform/Workspace.h"
 
-#include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 
 namespace tovik {
 
+struct MainWindow;
+struct Platform;
+
+[[nodiscard]] InstallLocations macInstallLocations();
+
+/// installedExecutable: where the system's package puts the program.
+[[nodiscard]] InstallLocations linuxInstallLocations(const std::string& installedExecutable);
+
+/// Whether a program at this path must be installed before the desktop remembers what it is allowed to do.
+/// Plain comparison of text, letter by letter; links are not followed.
+[[nodiscard]] bool isUninstalledLocation(const InstallLocations& locations, const std::string& path,
+                                         const std::string& homeDirectory);
+
 /// Leads a copy of the program that runs from a download folder or a stick to its fixed place. Main thread.
 class Installation {
 public:
-    /// What it works with; all of it outlives the Installation.
-    struct Collaborators {
-        const Authorization& authorization;
-        const Files& files;
-        Workspace& workspace;
-        ProcessLauncher& processLauncher;
-        Alert& alert;
-        MainQueue& mainQueue;
-        MainWindow& mainWindow;
-        /// Asks the program to end.
-        std::function<void()> terminate;
-    };
-
-    Installation(const Collaborators& collaborators, InstallLocations locations);
+    Installation(const Platform& platform, MainWindow& mainWindow);
     ~Installation();
     Installation(const Installation&) = delete;
     Installation& operator=(const Installation&) = delete;
@@ -57,8 +48,8 @@ private:
     [[nodiscard]] bool isInstaller(const std::string& path) const;
     void relaunchIfPending();
 
-    const Collaborators with_;
-    const InstallLocations locations_;
+    const Platform& platform_;
+    MainWindow& mainWindow_;
     bool relaunchPending_ = false;
     Lifetime lifetime_;
 };

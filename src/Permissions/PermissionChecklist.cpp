@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Permissions/PermissionChecklist.h"
 
+#include "Permissions/Installation.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -13,35 +15,32 @@ constexpr RgbColor kButtonTint{0.33, 0.3, 0.92};
 
 } // namespace
 
-// The desktop counts the two kinds of refusal differently for the microphone and for speech.
-TovikVoicePermissionState microphoneState(int status) {
+TovikVoicePermissionState microphoneState(MicrophoneStatus status) {
     switch (status) {
-    case kNotDeterminedStatus:
+    case MicrophoneStatus::notDetermined:
         return TovikVoicePermissionState::notDetermined;
-    case 1:
+    case MicrophoneStatus::restricted:
         return TovikVoicePermissionState::restricted;
-    case 2:
+    case MicrophoneStatus::denied:
         return TovikVoicePermissionState::denied;
-    case kAuthorizedStatus:
+    case MicrophoneStatus::authorized:
         return TovikVoicePermissionState::granted;
-    default:
-        return TovikVoicePermissionState::unknown;
     }
+    return TovikVoicePermissionState::unknown;
 }
 
-TovikVoicePermissionState speechState(int status) {
+TovikVoicePermissionState speechState(SpeechStatus status) {
     switch (status) {
-    case kNotDeterminedStatus:
+    case SpeechStatus::notDetermined:
         return TovikVoicePermissionState::notDetermined;
-    case 1:
-        return TovikVoicePermissionState::denied;
-    case 2:
+    case SpeechStatus::restricted:
         return TovikVoicePermissionState::restricted;
-    case kAuthorizedStatus:
+    case SpeechStatus::denied:
+        return TovikVoicePermissionState::denied;
+    case SpeechStatus::authorized:
         return TovikVoicePermissionState::granted;
-    default:
-        return TovikVoicePermissionState::unknown;
     }
+    return TovikVoicePermissionState::unknown;
 }
 
 std::string detailText(TovikVoicePermission permission, TovikVoicePermissionState state) {

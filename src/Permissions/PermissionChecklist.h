@@ -2,23 +2,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Permissions/InstallLocations.h"
 #include "Permissions/TovikVoicePermission.h"
-#include "Permissions/TovikVoicePermissionState.h"
 #include "Platform/Authorization.h"
+#include "Platform/InstallLocations.h"
 
 #include <optional>
 #include <string>
 
 namespace tovik {
 
-/// The number with which the desktop says that the microphone, or speech recognition, is allowed.
-inline constexpr int kAuthorizedStatus = 3;
-/// The number with which it says that nobody has asked yet.
-inline constexpr int kNotDeterminedStatus = 0;
-
-[[nodiscard]] TovikVoicePermissionState microphoneState(int status);
-[[nodiscard]] TovikVoicePermissionState speechState(int status);
+[[nodiscard]] TovikVoicePermissionState microphoneState(MicrophoneStatus status);
+[[nodiscard]] TovikVoicePermissionState speechState(SpeechStatus status);
 
 /// The second line of a permission's row.
 [[nodiscard]] std::string detailText(TovikVoicePermission permission, TovikVoicePermissionState state);

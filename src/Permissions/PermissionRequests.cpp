@@ -2,7 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "Permissions/PermissionRequests.h"
 
+#include "Permissions/PermissionChecklist.h"
+#include "Platform/Platform.h"
+
 #include <algorithm>
+#include <functional>
 
 namespace tovik {
 
@@ -30,21 +34,42 @@ std::function<void(Answer)> onMainQueue(MainQueue& queue, Handler handler) {
 
 } // namespace
 
-PermissionRequests::PermissionRequests(const Collaborators& collaborators) : with_(collaborators) {}
+PermissionRequests::PermissionRequests(const Platform& platform, MainWindow& mainWindow,
+                                       const PermissionChecklist& checklist)
+    : platform_(platform),
+      mainWindow_(mainWindow),
+      checklist_(checklist),
+      installation_(platform, mainWindow) {}
+
+bool PermissionRequests::ensureRecordingPermissionsBeforeStart() {
+    if (platform_.authorization.microphoneStatus() != MicrophoneStatus::authorized) {
+        requestMicrophonePermission();
+        mainWindow_.present();
+        mainWindow_.showSavedToast("Grant microphone first");
+        return false;
+    }
+    if (platform_.authorization.speechStatus() != SpeechStatus::authorized) {
+        requestSpeechPermission();
+        mainWindow_.present();
+        mainWindow_.showSavedToast("Grant speech first");
+        return false;
+    }
+    return true;
+}
 
 void PermissionRequests::refreshAndTell(const std::string& toast) {
-    with_.mainWindow.refreshPermissions();
-    with_.mainWindow.showSavedToast(toast);
+    mainWindow_.refreshPermissions();
+    mainWindow_.showSavedToast(toast);
 }
 
 void PermissionRequests::requestMicrophonePermission() {
-    switch (with_.authorization.microphoneStatus()) {
-    case kAuthorizedStatus:
+    switch (platform_.authorization.microphoneStatus()) {
+    case MicrophoneStatus::authorized:
         refreshAndTell("Microphone granted");
         break;
-    case kNotDeterminedStatus:
-        with_.authorization.requestMicrophoneAccess(
-            onMainQueue<bool>(with_.mainQueue, lifetime_.guard([this](bool granted) {
+    case MicrophoneStatus::notDetermined:
+        platform_.authorization.requestMicrophoneAccess(
+            onMainQueue<bool>(platform_.mainQueue, lifetime_.guard([this](bool granted) {
                 refreshAndTell(granted ? "Microphone granted" : "Microphone denied");
             })));
         break;
@@ -55,14 +80,14 @@ void PermissionRequests::requestMicrophonePermission() {
 }
 
 void PermissionRequests::requestSpeechPermission() {
-    switch (with_.authorization.speechStatus()) {
-    case kAuthorizedStatus:
+    switch (platform_.authorization.speechStatus()) {
+    case SpeechStatus::authorized:
         refreshAndTell("Speech granted");
         break;
-    case kNotDeterminedStatus:
-        with_.authorization.requestSpeechAuthorization(
-            onMainQueue<int>(with_.mainQueue, lifetime_.guard([this](int status) {
-                refreshAndTell(status == kAuthorizedStatus ? "Speech granted" : "Speech denied");
+    case SpeechStatus::notDetermined:
+        platform_.authorization.requestSpeechAuthorization(
+            onMainQueue<SpeechStatus>(platform_.mainQueue, lifetime_.guard([this](SpeechStatus status) {
+                refreshAndTell(status == SpeechStatus::authorized ? "Speech granted" : "Speech denied");
             })));
         break;
     default:
@@ -72,19 +97,19 @@ void PermissionRequests::requestSpeechPermission() {
 }
 
 void PermissionRequests::requestAccessibilityPermission() {
-    if (with_.authorization.isProcessTrusted()) {
+    if (platform_.authorization.isProcessTrusted()) {
         refreshAndTell("Accessibility granted");
         return;
     }
-    if (with_.checklist.isRunningFromUninstalledLocation()) {
-        with_.installation.showAccessibilityInstallGuidance();
-        with_.mainWindow.refreshPermissions();
+    if (checklist_.isRunningFromUninstalledLocation()) {
+        installation_.showAccessibilityInstallGuidance();
+        mainWindow_.refreshPermissions();
         return;
     }
-    with_.authorization.isProcessTrustedWithPrompt();
-    with_.mainWindow.showSavedToast("Follow macOS prompt");
-    with_.mainQueue.asyncAfter(kRefreshDelay,
-                               lifetime_.guard([this] { with_.mainWindow.refreshPermissions(); }));
+    platform_.authorization.isProcessTrustedWithPrompt();
+    mainWindow_.showSavedToast("Follow macOS prompt");
+    platform_.mainQueue.asyncAfter(kRefreshDelay,
+                                   lifetime_.guard([this] { mainWindow_.refreshPermissions(); }));
 }
 
 void PermissionRequests::permissionActionClicked(int index) {
@@ -104,13 +129,13 @@ void PermissionRequests::permissionActionClicked(int index) {
 }
 
 bool PermissionRequests::ensureAccessibilityAccess(bool showAlert) {
-    if (with_.authorization.isProcessTrusted()) {
+    if (platform_.authorization.isProcessTrusted()) {
         return true;
     }
     if (showAlert && !hasShownAccessibilityPrompt_) {
         hasShownAccessibilityPrompt_ = true;
-        with_.authorization.isProcessTrustedWithPrompt();
-        with_.log.logLine("[TovikVoice] Accessibility permission not granted");
+        platform_.authorization.isProcessTrustedWithPrompt();
+        platform_.log.logLine("[TovikVoice] Accessibility permission not granted");
     }
     return false;
 }
@@ -120,7 +145,7 @@ PermissionRequests::Pane PermissionRequests::openPane(std::string_view anchor) {
     if (!isAddress(address)) {
         return Pane::noAddress;
     }
-    return with_.workspace.openUrl(address) ? Pane::opened : Pane::refused;
+    return platform_.workspace.openUrl(address) ? Pane::opened : Pane::refused;
 }
 
 bool PermissionRequests::openPrivacyPane(std::string_view anchor) {
@@ -129,8 +154,8 @@ bool PermissionRequests::openPrivacyPane(std::string_view anchor) {
 
 void PermissionRequests::openPaneAndTell(std::string_view anchor) {
     // Not every desktop has settings that could be opened.
-    with_.mainWindow.showSavedToast(openPane(anchor) == Pane::refused ? "Could not open Settings"
-                                                                      : "Opening Settings");
+    mainWindow_.showSavedToast(openPane(anchor) == Pane::refused ? "Could not open Settings"
+                                                                 : "Opening Settings");
 }
 
 } // namespace tovik

@@ -3,36 +3,25 @@
 #pragma once
 
 #include "Permissions/Installation.h"
-#include "Permissions/PermissionChecklist.h"
-#include "Platform/Authorization.h"
 #include "Platform/Lifetime.h"
-#include "Platform/MainQueue.h"
-#include "Platform/MainWindow.h"
-#include "Platform/SystemLog.h"
-#include "Platform/Workspace.h"
 
-#include <functional>
 #include <string>
 #include <string_view>
 
 namespace tovik {
 
+class PermissionChecklist;
+
 /// What happens when the user, or a recording, asks for a permission. Each request asks, explains or opens
 /// the desktop's settings, as the state requires, and ends with a toast. Main thread.
 class PermissionRequests {
 public:
-    /// What it works with; all of it outlives the PermissionRequests.
-    struct Collaborators {
-        Authorization& authorization;
-        MainQueue& mainQueue;
-        SystemLog& log;
-        Workspace& workspace;
-        MainWindow& mainWindow;
-        const PermissionChecklist& checklist;
-        Installation& installation;
-    };
+    PermissionRequests(const Platform& platform, MainWindow& mainWindow,
+                       const PermissionChecklist& checklist);
 
-    explicit PermissionRequests(const Collaborators& collaborators);
+    /// Whether a recording may begin. When not, the first permission that is missing is asked for, and the
+    /// main window says so.
+    [[nodiscard]] bool ensureRecordingPermissionsBeforeStart();
 
     void requestMicrophonePermission();
     void requestSpeechPermission();
@@ -55,7 +44,10 @@ private:
     void openPaneAndTell(std::string_view anchor);
     void refreshAndTell(const std::string& toast);
 
-    const Collaborators with_;
+    const Platform& platform_;
+    MainWindow& mainWindow_;
+    const PermissionChecklist& checklist_;
+    Installation installation_;
     bool hasShownAccessibilityPrompt_ = false;
     Lifetime lifetime_;
 };

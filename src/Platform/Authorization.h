@@ -7,20 +7,25 @@
 
 namespace tovik {
 
-/// What the desktop lets this program do. Main thread. Status values are the platform's own numbers.
+/// Whether the program may use the microphone. The numbers are the platform's own; any other means unknown.
+enum class MicrophoneStatus { notDetermined = 0, restricted = 1, denied = 2, authorized = 3 };
+
+/// Whether it may recognise speech, likewise; the platform counts the two kinds of refusal the other way
+/// round.
+enum class SpeechStatus { notDetermined = 0, denied = 1, restricted = 2, authorized = 3 };
+
+/// What the desktop lets this program do. Main thread.
 class Authorization {
 public:
     virtual ~Authorization() = default;
 
-    /// 0 not determined, 1 restricted, 2 denied, 3 authorised; anything else is unknown.
-    [[nodiscard]] virtual int microphoneStatus() const = 0;
+    [[nodiscard]] virtual MicrophoneStatus microphoneStatus() const = 0;
     /// The answer may come on any thread.
     virtual void requestMicrophoneAccess(std::function<void(bool granted)> answer) = 0;
 
-    /// 0 not determined, 1 denied, 2 restricted, 3 authorised; anything else is unknown.
-    [[nodiscard]] virtual int speechStatus() const = 0;
+    [[nodiscard]] virtual SpeechStatus speechStatus() const = 0;
     /// Answers with the status that holds then. The answer may come on any thread.
-    virtual void requestSpeechAuthorization(std::function<void(int status)> answer) = 0;
+    virtual void requestSpeechAuthorization(std::function<void(SpeechStatus status)> answer) = 0;
 
     /// Whether the program may see the talk key and press keys for the user.
     [[nodiscard]] virtual bool isProcessTrusted() const = 0;

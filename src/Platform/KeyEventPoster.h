@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Observers.h"
+
 #include <cstdint>
 #include <optional>
 
@@ -36,6 +38,8 @@ public:
 
     /// Whether something that was posted has not been pressed yet.
     [[nodiscard]] virtual bool isPosting() const = 0;
+    /// Told each time that isPosting() has become false.
+    Observers<> pressed;
 };
 
 } // namespace tovik

@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Subscription.h"
+#include "Platform/Observers.h"
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -47,19 +46,12 @@ public:
 
     void setItems(std::vector<MenuItem> items) {
         items_ = std::move(items);
-        // Whoever is told may begin or cease to show the menu.
-        const auto viewers = *viewers_;
-        for (const auto& [number, changed] : viewers) {
-            changed();
-        }
+        changed_.tell();
     }
 
-    /// For whoever shows the menu: told of each change until the token is dropped, which may be after the
-    /// menu has gone. A change that is just being told may still reach it then.
+    /// For whoever shows the menu: told of each change until the token is dropped.
     [[nodiscard]] Subscription observe(std::function<void()> changed) {
-        const int number = ++lastViewer_;
-        viewers_->emplace(number, std::move(changed));
-        return Subscription([viewers = viewers_, number] { viewers->erase(number); });
+        return changed_.add(std::move(changed));
     }
 
     /// Set by whoever fills the menu; called each time before it opens.
@@ -67,9 +59,7 @@ public:
 
 private:
     std::vector<MenuItem> items_;
-    std::shared_ptr<std::map<int, std::function<void()>>> viewers_ =
-        std::make_shared<std::map<int, std::function<void()>>>();
-    int lastViewer_ = 0;
+    Observers<> changed_;
 };
 
 } // namespace tovik

@@ -48,6 +48,8 @@ public:
         }
     }
 
+    [[nodiscard]] bool isEmpty() const { return handlers_->empty(); }
+
 private:
     std::shared_ptr<std::map<int, Handler>> handlers_ = std::make_shared<std::map<int, Handler>>();
     int lastNumber_ = 0;

@@ -8,12 +8,12 @@
 #include "Platform/RecordingOverlay.h"
 #include "Platform/StatusItem.h"
 
-#include <functional>
 #include <memory>
 
 namespace tovik {
 
 class FillerWords;
+class MakerLinks;
 class PermissionChecklist;
 class PermissionRequests;
 class TranscriptHistoryBrowser;
@@ -24,19 +24,18 @@ class UserDefaultsChanges;
 
 /// What the main window shows and leads to. All of it outlives the window.
 struct MainWindowContents {
+    /// What the window is asked to do while it is there.
+    MainWindow& requests;
     PermissionChecklist& permissions;
     PermissionRequests& permissionRequests;
     TranscriptHistoryBrowser& history;
-    /// The status menu shows the newest transcripts too.
-    std::function<void()> reloadTranscriptHistoryMenu;
     UserDefaults& defaults;
     UserDefaultsChanges& defaultsChanges;
     TranscriptionDictionary& dictionary;
     FillerWords& fillerWords;
     const TextTranslator& translator;
     std::shared_ptr<Menu> statusMenu;
-    std::function<void()> openTovikVoiceUpdates;
-    std::function<void()> openTovikAIWebsite;
+    MakerLinks& links;
 };
 
 /// Makes the program's windows. Main thread.
@@ -48,7 +47,8 @@ public:
     [[nodiscard]] virtual std::unique_ptr<RecordingOverlay> makeRecordingOverlay() = 0;
     [[nodiscard]] virtual std::unique_ptr<HintPanels> makeHintPanels() = 0;
     /// Builds and shows the main window.
-    [[nodiscard]] virtual std::unique_ptr<MainWindow> makeMainWindow(const MainWindowContents& contents) = 0;
+    [[nodiscard]] virtual std::unique_ptr<MainWindowOnScreen>
+    makeMainWindow(const MainWindowContents& contents) = 0;
 };
 
 } // namespace tovik

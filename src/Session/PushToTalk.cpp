@@ -3,25 +3,59 @@
 #include "Session/PushToTalk.h"
 
 #include "Permissions/PermissionRequests.h"
-#include "Session/StatusImages.h"
+#include "Platform/Platform.h"
+#include "Session/TargetTracker.h"
 
 namespace tovik {
 
 namespace {
 
 constexpr Seconds kLockTipDelay{2.0};
-constexpr int kAuthorized = 3;
 
 } // namespace
 
-PushToTalk::PushToTalk(const Collaborators& collaborators) : with_(collaborators) {}
+StatusImage statusBarAppIcon(const std::string& accessibilityDescription) {
+    return {.kind = StatusImage::Kind::applicationIcon,
+            .symbolName = "AppIcon",
+            .accessibilityDescription = accessibilityDescription,
+            .pointSize = 18};
+}
+
+StatusImage statusBarRecordingSymbol() {
+    return {.kind = StatusImage::Kind::symbol,
+            .symbolName = "waveform",
+            .accessibilityDescription = "Recording",
+            .pointSize = 13};
+}
+
+PushToTalk::PushToTalk(const Platform& platform, PermissionRequests& permissionRequests,
+                       TargetTracker& targets, Recorder& recorder, StatusItem& statusItem,
+                       RecordingOverlay& overlay)
+    : platform_(platform),
+      permissionRequests_(permissionRequests),
+      targets_(targets),
+      recorder_(recorder),
+      statusItem_(statusItem),
+      overlay_(overlay),
+      hintPanels_(platform.userInterface.makeHintPanels()),
+      hints_(platform.mainQueue, platform.screens, *hintPanels_, overlay),
+      captureState_(platform.files, platform.clock, platform.log, platform.dataFolder,
+                    platform.processIdentifier) {}
+
+void PushToTalk::close() {
+    isClosed_ = true;
+    overlay_.hide();
+}
 
 void PushToTalk::handleFlagsChanged(const FlagsChangedEvent& event) {
+    if (isClosed_) {
+        return;
+    }
     advance(event);
     if (!isRecording()) {
         // Whatever the key meant, no recording came of it: the microphone that talkKeyTouched() opened must
         // not stay open.
-        with_.recorder.closeAhead();
+        recorder_.closeAhead();
     }
 }
 
@@ -58,61 +92,46 @@ void PushToTalk::lockOrStop() {
         }
     }
     state_ = State::locked;
-    with_.log.printLine("[TovikVoice] Recording locked — hands-free mode");
+    platform_.log.printLine("[TovikVoice] Recording locked — hands-free mode");
     lockTipTimer_.end();
-    with_.hints.hideLockTip();
-    with_.hints.showLockConfirmation();
+    hints_.hideLockTip();
+    hints_.showLockConfirmation();
 }
 
 void PushToTalk::talkKeyTouched() {
-    if (!isRecording() && with_.authorization.microphoneStatus() == kAuthorized) {
-        with_.recorder.openAhead();
+    if (!isClosed_ && !isRecording() &&
+        platform_.authorization.microphoneStatus() == MicrophoneStatus::authorized) {
+        recorder_.openAhead();
     }
 }
 
 void PushToTalk::talkKeyDismissed() {
-    if (!isRecording()) {
-        with_.recorder.closeAhead();
+    if (!isClosed_ && !isRecording()) {
+        recorder_.closeAhead();
     }
-}
-
-bool PushToTalk::ensureRecordingPermissionsBeforeStart() {
-    if (with_.authorization.microphoneStatus() != kAuthorized) {
-        with_.permissionRequests.requestMicrophonePermission();
-        with_.mainWindow.present();
-        with_.mainWindow.showSavedToast("Grant microphone first");
-        return false;
-    }
-    if (with_.authorization.speechStatus() != kAuthorized) {
-        with_.permissionRequests.requestSpeechPermission();
-        with_.mainWindow.present();
-        with_.mainWindow.showSavedToast("Grant speech first");
-        return false;
-    }
-    return true;
 }
 
 void PushToTalk::startRecording() {
-    if (!ensureRecordingPermissionsBeforeStart()) {
+    if (!permissionRequests_.ensureRecordingPermissionsBeforeStart()) {
         return;
     }
-    with_.targets.chooseTarget();
+    targets_.chooseTarget();
     state_ = State::holding;
-    const auto now = with_.clock.now();
+    const auto now = platform_.clock.now();
     recordingStartTime_ = now;
     tovikCaptureStartedAt_ = now;
-    with_.log.printLine("[TovikVoice] Recording started!");
-    with_.statusItem.setImage(statusBarRecordingSymbol());
-    with_.overlay.show(now);
+    platform_.log.printLine("[TovikVoice] Recording started!");
+    statusItem_.setImage(statusBarRecordingSymbol());
+    overlay_.show(now);
 
-    if (const auto started = with_.recorder.start(); !started) {
+    if (const auto started = recorder_.start(); !started) {
         abandonStart(started.error());
         return;
     }
-    with_.captureState.writeTovikCaptureState(true, tovikCaptureStartedAt_);
-    lockTipTimer_ = with_.queue.after(kLockTipDelay, [this] {
+    captureState_.writeTovikCaptureState(true, tovikCaptureStartedAt_);
+    lockTipTimer_ = platform_.mainQueue.after(kLockTipDelay, [this] {
         if (state_ == State::holding) {
-            with_.hints.showLockTip();
+            hints_.showLockTip();
         }
     });
 }
@@ -123,18 +142,18 @@ void PushToTalk::abandonStart(const Error& error) {
     state_ = State::idle;
     recordingStartTime_.reset();
     tovikCaptureStartedAt_.reset();
-    with_.captureState.writeTovikCaptureState(false);
-    with_.log.printLine("[TovikVoice] Failed to start recorder: " + error.description);
+    captureState_.writeTovikCaptureState(false);
+    platform_.log.printLine("[TovikVoice] Failed to start recorder: " + error.description);
 }
 
 void PushToTalk::restartRecording() {
-    if (!isRecording()) {
+    if (isClosed_ || !isRecording()) {
         return;
     }
     finishRecording(&Recorder::stopAndListenOn);
     startRecording();
     if (!isRecording()) {
-        with_.recorder.closeAhead();
+        recorder_.closeAhead();
     }
 }
 
@@ -147,12 +166,12 @@ void PushToTalk::finishRecording(void (Recorder::*stop)()) {
     recordingStartTime_.reset();
     tovikCaptureStartedAt_.reset();
     lockTipTimer_.end();
-    with_.hints.hideLockTip();
-    with_.log.printLine("[TovikVoice] Recording stopped!");
-    with_.statusItem.setImage(statusBarAppIcon("Tovik Record"));
-    with_.overlay.hide();
-    (with_.recorder.*stop)();
-    with_.captureState.writeTovikCaptureState(false);
+    hints_.hideLockTip();
+    platform_.log.printLine("[TovikVoice] Recording stopped!");
+    statusItem_.setImage(statusBarAppIcon("Tovik Record"));
+    overlay_.hide();
+    (recorder_.*stop)();
+    captureState_.writeTovikCaptureState(false);
 }
 
 } // namespace tovik

@@ -3,44 +3,32 @@
 #pragma once
 
 #include "Audio/Recorder.h"
-#include "Platform/Authorization.h"
 #include "Platform/KeyMonitor.h"
-#include "Platform/MainQueue.h"
-#include "Platform/MainWindow.h"
-#include "Platform/RecordingOverlay.h"
 #include "Platform/StatusItem.h"
-#include "Platform/SystemLog.h"
-#include "Session/CaptureStateFile.h"
 #include "Session/HandsFreeHints.h"
-#include "Session/TargetTracker.h"
+#include "Session/SessionFiles.h"
 
+#include <memory>
 #include <optional>
+#include <string>
 
 namespace tovik {
 
 class PermissionRequests;
+class TargetTracker;
+struct Platform;
+
+/// The status item's picture while no recording runs.
+[[nodiscard]] StatusImage statusBarAppIcon(const std::string& accessibilityDescription);
+/// The status item's picture during a recording.
+[[nodiscard]] StatusImage statusBarRecordingSymbol();
 
 /// Turns the talk key into recordings: hold to record, with Shift to go on hands-free, with Shift again to
 /// finish. Main thread.
 class PushToTalk {
 public:
-    /// What a recording touches while it begins, runs and ends.
-    struct Collaborators {
-        Clock& clock;
-        MainQueue& queue;
-        SystemLog& log;
-        Recorder& recorder;
-        Authorization& authorization;
-        PermissionRequests& permissionRequests;
-        MainWindow& mainWindow;
-        StatusItem& statusItem;
-        RecordingOverlay& overlay;
-        HandsFreeHints& hints;
-        TargetTracker& targets;
-        CaptureStateFile& captureState;
-    };
-
-    explicit PushToTalk(const Collaborators& collaborators);
+    PushToTalk(const Platform& platform, PermissionRequests& permissionRequests, TargetTracker& targets,
+               Recorder& recorder, StatusItem& statusItem, RecordingOverlay& overlay);
 
     /// One change of a modifier key.
     void handleFlagsChanged(const FlagsChangedEvent& event);
@@ -57,6 +45,10 @@ public:
     /// of what is spoken in between; nothing while idle.
     void restartRecording();
 
+    /// The program is about to end: from now on no key, and no change of the language, begins or ends one.
+    /// Whoever reads the state file of one that runs learns the rest from the end of this process.
+    void close();
+
     [[nodiscard]] bool isRecording() const { return state_ != State::idle; }
     [[nodiscard]] bool isRecordingLocked() const { return state_ == State::locked; }
     [[nodiscard]] bool fnDown() const { return fnDown_; }
@@ -67,11 +59,20 @@ private:
 
     void advance(const FlagsChangedEvent& event);
     void lockOrStop();
-    [[nodiscard]] bool ensureRecordingPermissionsBeforeStart();
     void abandonStart(const Error& error);
     void finishRecording(void (Recorder::*stop)());
 
-    Collaborators with_;
+    const Platform& platform_;
+    PermissionRequests& permissionRequests_;
+    TargetTracker& targets_;
+    Recorder& recorder_;
+    StatusItem& statusItem_;
+    RecordingOverlay& overlay_;
+    const std::unique_ptr<HintPanels> hintPanels_;
+    HandsFreeHints hints_;
+    CaptureStateFile captureState_;
+
+    bool isClosed_ = false;
     State state_ = State::idle;
     bool fnDown_ = false;
     std::optional<Date> recordingStartTime_;

@@ -3,9 +3,14 @@
 #include "Session/TranscriptDelivery.h"
 
 #include "Permissions/PermissionRequests.h"
+#include "Platform/Platform.h"
+#include "Platform/TextTranslator.h"
+#include "Session/TargetTracker.h"
 #include "Speech/History/TranscriptHistoryStore.h"
 #include "Speech/Text/TranscriptionDictionary.h"
 #include "Speech/Text/Unicode.h"
+
+#include <utility>
 
 namespace tovik {
 
@@ -18,28 +23,78 @@ constexpr Seconds kActivateToPaste{0.18};
 
 } // namespace
 
-TranscriptDelivery::TranscriptDelivery(const Collaborators& collaborators) : with_(collaborators) {}
+TranscriptDelivery::TranscriptDelivery(const Platform& platform, MainWindow& mainWindow,
+                                       PermissionRequests& permissionRequests, TargetTracker& targets,
+                                       TranscriptionDictionary& dictionary, TranscriptHistoryStore& history,
+                                       TextTranslator& translator)
+    : platform_(platform),
+      mainWindow_(mainWindow),
+      permissionRequests_(permissionRequests),
+      targets_(targets),
+      dictionary_(dictionary),
+      history_(history),
+      translator_(translator),
+      pressed_(platform.keyEventPoster.pressed.add([this] { tellWhenDelivered(); })) {}
+
+void TranscriptDelivery::receive(std::string text) {
+    {
+        const std::lock_guard lock(receivedMutex_);
+        received_.push_back(std::move(text));
+    }
+    platform_.mainQueue.async(lifetime_.guard([this] {
+        if (const auto next = takeReceived()) {
+            handleTranscription(*next);
+        }
+    }));
+}
+
+std::optional<std::string> TranscriptDelivery::takeReceived() {
+    const std::lock_guard lock(receivedMutex_);
+    if (received_.empty()) {
+        return std::nullopt;
+    }
+    auto text = std::move(received_.front());
+    received_.pop_front();
+    return text;
+}
+
+bool TranscriptDelivery::isUnderWay() const {
+    return underWay_ > 0 || platform_.keyEventPoster.isPosting();
+}
+
+void TranscriptDelivery::tellWhenDelivered() {
+    if (!isUnderWay()) {
+        delivered.tell();
+    }
+}
 
 void TranscriptDelivery::handleTranscription(const std::string& text) {
-    if (!with_.permissionRequests.ensureAccessibilityAccess(true)) {
-        with_.log.logLine("[TovikVoice] Accessibility not granted, cannot auto-paste");
+    if (!permissionRequests_.ensureAccessibilityAccess(true)) {
+        platform_.log.logLine("[TovikVoice] Accessibility not granted, cannot auto-paste");
         return;
     }
-    with_.log.printLine("[TovikVoice] Raw Transcription: " + text);
-    const auto corrected = with_.dictionary.apply(text);
+    platform_.log.printLine("[TovikVoice] Raw Transcription: " + text);
+    const auto corrected = dictionary_.apply(text);
     if (corrected != text) {
-        with_.log.printLine("[TovikVoice] Corrected Transcription: " + corrected);
+        platform_.log.printLine("[TovikVoice] Corrected Transcription: " + corrected);
     }
     remember(corrected);
-    if (with_.defaults.boolean("TranslationEnabled").value_or(false)) {
+    if (platform_.defaults.boolean("TranslationEnabled").value_or(false)) {
         translateAndPaste(corrected);
     } else {
         pasteTextToTarget(corrected);
     }
 }
 
-void TranscriptDelivery::keepWithoutPasting(const std::string& text) {
-    with_.history.add(with_.dictionary.apply(text));
+std::size_t TranscriptDelivery::keepWithoutPasting() {
+    std::size_t kept = 0;
+    while (const auto text = takeReceived()) {
+        if (!text->empty()) {
+            history_.add(dictionary_.apply(*text));
+            ++kept;
+        }
+    }
+    return kept;
 }
 
 void TranscriptDelivery::remember(const std::string& corrected) {
@@ -49,22 +104,22 @@ void TranscriptDelivery::remember(const std::string& corrected) {
         transcriptHistory_.pop_back();
     }
     // The history keeps what was said, in the language in which it was said.
-    with_.history.add(corrected);
-    with_.mainWindow.reloadHistoryTable();
+    history_.add(corrected);
+    mainWindow_.reloadHistoryTable();
 }
 
 void TranscriptDelivery::translateAndPaste(const std::string& corrected) {
     ++underWay_;
-    with_.translator.translate(
+    translator_.translate(
         corrected, lifetime_.guard([this, corrected](const std::optional<TranslationResult>& translation) {
             --underWay_;
             if (!translation) {
                 pasteTextToTarget(corrected);
                 return;
             }
-            with_.log.printLine("[TovikVoice] Translation: '" +
-                                firstCharacters(translation->originalText, kLogPreviewLength) + "' → '" +
-                                firstCharacters(translation->translatedText, kLogPreviewLength) + "'");
+            platform_.log.printLine("[TovikVoice] Translation: '" +
+                                    firstCharacters(translation->originalText, kLogPreviewLength) + "' → '" +
+                                    firstCharacters(translation->translatedText, kLogPreviewLength) + "'");
             lastTranscript_ = translation->translatedText + "\n[" + translation->originalText + "]";
             pasteTextToTarget(translation->translatedText);
         }));
@@ -72,44 +127,45 @@ void TranscriptDelivery::translateAndPaste(const std::string& corrected) {
 
 void TranscriptDelivery::pasteTextToTarget(const std::string& text) {
     ++underWay_;
-    with_.pasteboard.replaceContents(text);
-    with_.workspace.hideSelf();
-    with_.queue.asyncAfter(kHideToActivate, lifetime_.guard([this] { restoreFocus(); }));
+    platform_.pasteboard.replaceContents(text);
+    platform_.workspace.hideSelf();
+    platform_.mainQueue.asyncAfter(kHideToActivate, lifetime_.guard([this] { restoreFocus(); }));
 }
 
 void TranscriptDelivery::restoreFocus() {
-    const auto target = with_.targets.target();
-    with_.log.printLine("[TovikVoice] Restoring focus to target app: " +
-                        (target ? target->localizedName.value_or("unknown") : "unknown"));
-    with_.workspace.deactivateSelf();
+    const auto target = targets_.target();
+    platform_.log.printLine("[TovikVoice] Restoring focus to target app: " +
+                            (target ? target->localizedName.value_or("unknown") : "unknown"));
+    platform_.workspace.deactivateSelf();
     if (target) {
         // Whether it worked is not asked: a target that is gone leaves the text to whatever is in front.
-        (void)with_.workspace.activate(*target, kActivateAllWindows | kActivateIgnoringOtherApps);
-        with_.log.printLine("[TovikVoice] Activated target app");
+        (void)platform_.workspace.activate(*target, kActivateAllWindows | kActivateIgnoringOtherApps);
+        platform_.log.printLine("[TovikVoice] Activated target app");
     }
-    with_.queue.asyncAfter(kActivateToPaste, lifetime_.guard([this] { postPasteToTarget(); }));
+    platform_.mainQueue.asyncAfter(kActivateToPaste, lifetime_.guard([this] { postPasteToTarget(); }));
 }
 
 void TranscriptDelivery::postPasteToTarget() {
-    --underWay_;
-    auto keyDown = with_.poster.makeEvent(EventSourceState::hidSystem, kVKeyCode, true);
-    auto keyUp = with_.poster.makeEvent(EventSourceState::hidSystem, kVKeyCode, false);
-    if (!keyDown || !keyUp) {
-        with_.log.printLine("[TovikVoice] Failed to create paste events");
-        return;
+    auto keyDown = platform_.keyEventPoster.makeEvent(EventSourceState::hidSystem, kVKeyCode, true);
+    auto keyUp = platform_.keyEventPoster.makeEvent(EventSourceState::hidSystem, kVKeyCode, false);
+    if (keyDown && keyUp) {
+        keyDown->flags = kCommandFlag;
+        keyUp->flags = kCommandFlag;
+        platform_.keyEventPoster.post(*keyDown, EventTap::hid);
+        platform_.keyEventPoster.post(*keyUp, EventTap::hid);
+        platform_.log.printLine("[TovikVoice] Posted paste events");
+    } else {
+        platform_.log.printLine("[TovikVoice] Failed to create paste events");
     }
-    keyDown->flags = kCommandFlag;
-    keyUp->flags = kCommandFlag;
-    with_.poster.post(*keyDown, EventTap::hid);
-    with_.poster.post(*keyUp, EventTap::hid);
-    with_.log.printLine("[TovikVoice] Posted paste events");
+    --underWay_;
+    tellWhenDelivered();
 }
 
 void TranscriptDelivery::pasteLastTranscript() {
     if (!lastTranscript_ || lastTranscript_->empty()) {
         return;
     }
-    with_.pasteboard.replaceContents(*lastTranscript_);
+    platform_.pasteboard.replaceContents(*lastTranscript_);
     postPasteToFrontmost();
 }
 
@@ -118,20 +174,20 @@ void TranscriptDelivery::pasteTranscript(const std::string& text) {
         return;
     }
     lastTranscript_ = text;
-    with_.pasteboard.replaceContents(text);
+    platform_.pasteboard.replaceContents(text);
     postPasteToFrontmost();
 }
 
 void TranscriptDelivery::postPasteToFrontmost() {
-    if (!with_.permissionRequests.ensureAccessibilityAccess(true)) {
+    if (!permissionRequests_.ensureAccessibilityAccess(true)) {
         return;
     }
-    auto keyDown = with_.poster.makeEvent(EventSourceState::combinedSession, kVKeyCode, true);
-    auto keyUp = with_.poster.makeEvent(EventSourceState::combinedSession, kVKeyCode, false);
+    auto keyDown = platform_.keyEventPoster.makeEvent(EventSourceState::combinedSession, kVKeyCode, true);
+    auto keyUp = platform_.keyEventPoster.makeEvent(EventSourceState::combinedSession, kVKeyCode, false);
     for (auto* event : {&keyDown, &keyUp}) {
         if (*event) {
             (*event)->flags = kCommandFlag;
-            with_.poster.post(**event, EventTap::annotatedSession);
+            platform_.keyEventPoster.post(**event, EventTap::annotatedSession);
         }
     }
 }

@@ -2,54 +2,43 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/KeyEventPoster.h"
-#include "Platform/KeyMonitor.h"
 #include "Platform/Lifetime.h"
-#include "Platform/MainQueue.h"
-#include "Platform/MainWindow.h"
-#include "Platform/Pasteboard.h"
-#include "Platform/SystemLog.h"
-#include "Platform/TextTranslator.h"
-#include "Platform/UserDefaults.h"
-#include "Platform/Workspace.h"
-#include "Session/TargetTracker.h"
+#include "Platform/Observers.h"
 
 #include <deque>
+#include <mutex>
 #include <optional>
 #include <string>
 
 namespace tovik {
 
 class PermissionRequests;
+class TargetTracker;
+class TextTranslator;
 class TranscriptHistoryStore;
 class TranscriptionDictionary;
+struct MainWindow;
+struct Platform;
 
 /// Brings a final transcript to the user: corrected, kept, translated where wanted, and pasted into the
-/// application that had focus when the recording began. Main thread.
+/// application that had focus when the recording began. Main thread, save for receive().
 class TranscriptDelivery {
 public:
-    struct Collaborators {
-        MainQueue& queue;
-        SystemLog& log;
-        const UserDefaults& defaults;
-        PermissionRequests& permissionRequests;
-        TranscriptionDictionary& dictionary;
-        TranscriptHistoryStore& history;
-        TextTranslator& translator;
-        MainWindow& mainWindow;
-        Pasteboard& pasteboard;
-        KeyEventPoster& poster;
-        Workspace& workspace;
-        TargetTracker& targets;
-    };
+    TranscriptDelivery(const Platform& platform, MainWindow& mainWindow,
+                       PermissionRequests& permissionRequests, TargetTracker& targets,
+                       TranscriptionDictionary& dictionary, TranscriptHistoryStore& history,
+                       TextTranslator& translator);
 
-    explicit TranscriptDelivery(const Collaborators& collaborators);
+    /// A final text on its way from the recogniser; any thread. It is handled on the main thread, in its
+    /// order.
+    void receive(std::string text);
 
     /// Takes every final text, also an empty one. Without the permission to press keys the text is dropped.
     void handleTranscription(const std::string& text);
 
-    /// Puts the text, corrected, into the history and nowhere else.
-    void keepWithoutPasting(const std::string& text);
+    /// For when the main queue runs no more: puts every text that was received and not handled, corrected,
+    /// into the history and nowhere else. How many there were, empty ones left out.
+    std::size_t keepWithoutPasting();
 
     /// Puts the text on the pasteboard and, after the target has come to the front, presses paste there.
     void pasteTextToTarget(const std::string& text);
@@ -62,23 +51,37 @@ public:
 
     /// Whether a text is being translated, waits for its target to come to the front, or has not been pressed
     /// there yet.
-    [[nodiscard]] bool isUnderWay() const { return underWay_ > 0 || with_.poster.isPosting(); }
+    [[nodiscard]] bool isUnderWay() const;
+    /// Told each time that isUnderWay() has become false.
+    Observers<> delivered;
 
     [[nodiscard]] const std::optional<std::string>& lastTranscript() const { return lastTranscript_; }
     /// Of this run, newest first, at most 25.
     [[nodiscard]] const std::deque<std::string>& transcriptHistory() const { return transcriptHistory_; }
 
 private:
+    [[nodiscard]] std::optional<std::string> takeReceived();
+    void tellWhenDelivered();
     void remember(const std::string& corrected);
     void translateAndPaste(const std::string& corrected);
     void restoreFocus();
     void postPasteToTarget();
     void postPasteToFrontmost();
 
-    Collaborators with_;
+    const Platform& platform_;
+    MainWindow& mainWindow_;
+    PermissionRequests& permissionRequests_;
+    TargetTracker& targets_;
+    TranscriptionDictionary& dictionary_;
+    TranscriptHistoryStore& history_;
+    TextTranslator& translator_;
+
+    std::mutex receivedMutex_;
+    std::deque<std::string> received_;
     int underWay_ = 0;
     std::optional<std::string> lastTranscript_;
     std::deque<std::string> transcriptHistory_;
+    Subscription pressed_;
     Lifetime lifetime_;
 };
 

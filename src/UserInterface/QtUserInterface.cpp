@@ -50,7 +50,7 @@ std::unique_ptr<HintPanels> QtUserInterface::makeHintPanels() {
     return std::make_unique<QtHintPanels>(clock_, queue_, *compositing_);
 }
 
-std::unique_ptr<MainWindow> QtUserInterface::makeMainWindow(const MainWindowContents& contents) {
+std::unique_ptr<MainWindowOnScreen> QtUserInterface::makeMainWindow(const MainWindowContents& contents) {
     const auto popUpStatusMenu = [this](const QPoint& corner) {
         if (auto* menu = statusItem_ != nullptr ? statusItem_->menu() : nullptr) {
             menu->popup(corner);

@@ -25,7 +25,8 @@ public:
     [[nodiscard]] std::unique_ptr<StatusItem> makeStatusItem() override;
     [[nodiscard]] std::unique_ptr<RecordingOverlay> makeRecordingOverlay() override;
     [[nodiscard]] std::unique_ptr<HintPanels> makeHintPanels() override;
-    [[nodiscard]] std::unique_ptr<MainWindow> makeMainWindow(const MainWindowContents& contents) override;
+    [[nodiscard]] std::unique_ptr<MainWindowOnScreen>
+    makeMainWindow(const MainWindowContents& contents) override;
 
 private:
     const Clock& clock_;

@@ -19,7 +19,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr int kNotDetermined = 0;
-constexpr int kAuthorised = 3;
+constexpr int kAuthorized = 3;
 
 /// A desktop whose grants a test decides, whichever implementation tells of them.
 class Desktop {
@@ -36,11 +36,11 @@ public:
 class FakeDesktop : public Desktop {
 public:
     Authorization& authorization() override { return fake_; }
-    void allowSpeech(bool allowed) override { fake_.setSpeechStatus(allowed ? kAuthorised : kNotDetermined); }
+    void allowSpeech(bool allowed) override { fake_.setSpeechStatus(allowed ? kAuthorized : kNotDetermined); }
     void allowKeyboard(bool allowed) override { fake_.setTrusted(allowed); }
     void userAnswers(bool grants) override {
         while (fake_.openSpeechRequests() > 0) {
-            fake_.answerSpeechRequest(grants ? kAuthorised : kNotDetermined);
+            fake_.answerSpeechRequest(grants ? kAuthorized : kNotDetermined);
         }
     }
 
@@ -67,7 +67,7 @@ private:
         time_,
         alert_,
         {
-            .microphoneStatus = [] { return kAuthorised; },
+            .microphoneStatus = [] { return kAuthorized; },
             .microphoneExplanation = [] { return std::string(); },
             .speechExplanation = [this] { return hasModel_ ? std::string() : "Install a model."; },
             .isKeyboardUsable = [this] { return keyboardUsable_; },
@@ -90,17 +90,18 @@ class AuthorizationContract : public testing::TestWithParam<DesktopRow> {
 protected:
     Authorization& authorization() { return desktop->authorization(); }
     void requestSpeech() {
-        authorization().requestSpeechAuthorization([this](int status) { answers.push_back(status); });
+        authorization().requestSpeechAuthorization(
+            [this](SpeechStatus status) { answers.push_back(status); });
     }
 
     const std::unique_ptr<Desktop> desktop = GetParam().make();
-    std::vector<int> answers;
+    std::vector<SpeechStatus> answers;
 };
 
-TEST_P(AuthorizationContract, whenSpeechIsAllowed_itsStatusIsAuthorised) {
-    EXPECT_EQ(authorization().speechStatus(), kAuthorised);
+TEST_P(AuthorizationContract, whenSpeechIsAllowed_itsStatusIsAuthorized) {
+    EXPECT_EQ(authorization().speechStatus(), SpeechStatus::authorized);
     desktop->allowSpeech(false);
-    EXPECT_NE(authorization().speechStatus(), kAuthorised);
+    EXPECT_NE(authorization().speechStatus(), SpeechStatus::authorized);
 }
 
 TEST_P(AuthorizationContract, whenSpeechIsAsked_returnsBeforeTheUserAnswers) {
@@ -113,8 +114,8 @@ TEST_P(AuthorizationContract, whenTheUserGrants_theAnswerIsTheStatusThatHoldsThe
     desktop->allowSpeech(false);
     requestSpeech();
     desktop->userAnswers(true);
-    EXPECT_THAT(answers, ElementsAre(kAuthorised));
-    EXPECT_EQ(authorization().speechStatus(), kAuthorised);
+    EXPECT_THAT(answers, ElementsAre(SpeechStatus::authorized));
+    EXPECT_EQ(authorization().speechStatus(), SpeechStatus::authorized);
 }
 
 TEST_P(AuthorizationContract, whenTheUserDoesNotGrant_theAnswerIsTheStatusThatHoldsThen) {
@@ -122,7 +123,7 @@ TEST_P(AuthorizationContract, whenTheUserDoesNotGrant_theAnswerIsTheStatusThatHo
     requestSpeech();
     desktop->userAnswers(false);
     ASSERT_EQ(answers.size(), 1U);
-    EXPECT_NE(answers[0], kAuthorised);
+    EXPECT_NE(answers[0], SpeechStatus::authorized);
     EXPECT_EQ(authorization().speechStatus(), answers[0]);
 }
 
@@ -133,7 +134,8 @@ TEST_P(AuthorizationContract, whenAskedSeveralTimes_everyRequestHasOneAnswer) {
     requestSpeech();
     desktop->userAnswers(true);
     desktop->userAnswers(true);
-    EXPECT_THAT(answers, ElementsAre(kAuthorised, kAuthorised, kAuthorised));
+    EXPECT_THAT(answers,
+                ElementsAre(SpeechStatus::authorized, SpeechStatus::authorized, SpeechStatus::authorized));
 }
 
 TEST_P(AuthorizationContract, thePromptAnswersLikeTheQuestionWithoutOne) {

@@ -3,8 +3,7 @@
 //
 // What every list of microphones, and of all sound devices, does: the real ones against both sound servers,
 // and those of the tests.
-#include "support/FakeAudioHardware.h"
-#include "support/FakeCaptureDevices.h"
+#include "support/FakeSoundDevices.h"
 #include "support/SoundRig.h"
 
 #include <gtest/gtest.h>

@@ -19,7 +19,7 @@ void FakeAuthorization::requestMicrophoneAccess(std::function<void(bool)> answer
     microphoneRequests_.push_back(std::move(answer));
 }
 
-void FakeAuthorization::requestSpeechAuthorization(std::function<void(int)> answer) {
+void FakeAuthorization::requestSpeechAuthorization(std::function<void(SpeechStatus)> answer) {
     speechRequests_.push_back(std::move(answer));
 }
 
@@ -30,14 +30,14 @@ bool FakeAuthorization::isProcessTrustedWithPrompt() {
 
 void FakeAuthorization::answerMicrophoneRequest(bool granted) {
     const auto answer = takeOldest(microphoneRequests_);
-    microphoneStatus_ = granted ? 3 : 2;
+    microphoneStatus_ = granted ? MicrophoneStatus::authorized : MicrophoneStatus::denied;
     answer(granted);
 }
 
 void FakeAuthorization::answerSpeechRequest(int status) {
     const auto answer = takeOldest(speechRequests_);
-    speechStatus_ = status;
-    answer(status);
+    setSpeechStatus(status);
+    answer(speechStatus_);
 }
 
 } // namespace tovik::test

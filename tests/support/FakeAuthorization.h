@@ -12,17 +12,18 @@ namespace tovik::test {
 /// A desktop that allows what a test says. Everything is granted and installed until told otherwise.
 class FakeAuthorization : public Authorization {
 public:
-    [[nodiscard]] int microphoneStatus() const override { return microphoneStatus_; }
+    [[nodiscard]] MicrophoneStatus microphoneStatus() const override { return microphoneStatus_; }
     void requestMicrophoneAccess(std::function<void(bool)> answer) override;
-    [[nodiscard]] int speechStatus() const override { return speechStatus_; }
-    void requestSpeechAuthorization(std::function<void(int)> answer) override;
+    [[nodiscard]] SpeechStatus speechStatus() const override { return speechStatus_; }
+    void requestSpeechAuthorization(std::function<void(SpeechStatus)> answer) override;
     [[nodiscard]] bool isProcessTrusted() const override { return trusted_; }
     bool isProcessTrustedWithPrompt() override;
     [[nodiscard]] std::string bundlePath() const override { return bundlePath_; }
     [[nodiscard]] std::string homeDirectory() const override { return homeDirectory_; }
 
-    void setMicrophoneStatus(int status) { microphoneStatus_ = status; }
-    void setSpeechStatus(int status) { speechStatus_ = status; }
+    /// The platform's numbers.
+    void setMicrophoneStatus(int status) { microphoneStatus_ = MicrophoneStatus{status}; }
+    void setSpeechStatus(int status) { speechStatus_ = SpeechStatus{status}; }
     void setTrusted(bool trusted) { trusted_ = trusted; }
     void setBundlePath(std::string path) { bundlePath_ = std::move(path); }
     void setHomeDirectory(std::string path) { homeDirectory_ = std::move(path); }
@@ -38,14 +39,14 @@ public:
     [[nodiscard]] int trustPrompts() const { return trustPrompts_; }
 
 private:
-    int microphoneStatus_ = 3;
-    int speechStatus_ = 3;
+    MicrophoneStatus microphoneStatus_ = MicrophoneStatus::authorized;
+    SpeechStatus speechStatus_ = SpeechStatus::authorized;
     bool trusted_ = true;
     int trustPrompts_ = 0;
     std::string bundlePath_ = "/Applications/Tovik Record.app";
     std::string homeDirectory_ = "/Users/ada";
     std::vector<std::function<void(bool)>> microphoneRequests_;
-    std::vector<std::function<void(int)>> speechRequests_;
+    std::vector<std::function<void(SpeechStatus)>> speechRequests_;
 };
 
 } // namespace tovik::test

@@ -45,8 +45,12 @@ public:
 
     [[nodiscard]] bool isPosting() const override { return waitsForTheUser; }
 
-    /// True: what was posted waits, as for keys that the user still holds.
+    /// What is posted from now on waits, as for keys that the user still holds.
     bool waitsForTheUser = false;
+    void userLetsGo() {
+        waitsForTheUser = false;
+        pressed.tell();
+    }
 
     /// False: the session does not let the program press, or release, keys.
     bool canMakeKeyDown = true;

@@ -6,27 +6,31 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tovik::test {
 
-/// Remembers what the settings window was asked to do.
-class FakeMainWindow : public MainWindow {
+/// Remembers what the main window is asked to do: by the requests that it was made for, or by its own.
+class FakeMainWindow : public MainWindow, public MainWindowOnScreen {
 public:
+    FakeMainWindow() { follow(*this); }
+    explicit FakeMainWindow(MainWindow& requests) { follow(requests); }
     ~FakeMainWindow() override {
         if (onEnd) {
             onEnd();
         }
     }
 
-    void present() override;
-    void showSavedToast(const std::string& text) override;
-    void reloadHistoryTable() override;
-    void refreshPermissions() override;
-
     /// "present", "toast: <text>", "reloadHistoryTable", "refreshPermissions", in the order of the calls.
     [[nodiscard]] const std::vector<std::string>& calls() const { return calls_; }
-    void forgetCalls();
+    void forgetCalls() {
+        calls_.clear();
+        toasts_.clear();
+        presented_ = 0;
+        historyReloads_ = 0;
+        permissionRefreshes_ = 0;
+    }
     [[nodiscard]] const std::vector<std::string>& toasts() const { return toasts_; }
     [[nodiscard]] int presented() const { return presented_; }
     [[nodiscard]] int historyReloads() const { return historyReloads_; }
@@ -39,7 +43,31 @@ public:
     std::function<void()> onEnd;
 
 private:
-    void note(std::string call);
+    void follow(MainWindow& requests) {
+        subscriptions_.push_back(requests.present.add([this] {
+            ++presented_;
+            note("present");
+        }));
+        subscriptions_.push_back(requests.showSavedToast.add([this](const std::string& text) {
+            toasts_.push_back(text);
+            note("toast: " + text);
+        }));
+        subscriptions_.push_back(requests.reloadHistoryTable.add([this] {
+            ++historyReloads_;
+            note("reloadHistoryTable");
+        }));
+        subscriptions_.push_back(requests.refreshPermissions.add([this] {
+            ++permissionRefreshes_;
+            note("refreshPermissions");
+        }));
+    }
+
+    void note(std::string call) {
+        calls_.push_back(std::move(call));
+        if (observer_) {
+            observer_(calls_.back());
+        }
+    }
 
     std::vector<std::string> calls_;
     std::vector<std::string> toasts_;
@@ -47,6 +75,7 @@ private:
     int historyReloads_ = 0;
     int permissionRefreshes_ = 0;
     std::function<void(const std::string&)> observer_;
+    std::vector<Subscription> subscriptions_;
 };
 
 } // namespace tovik::test

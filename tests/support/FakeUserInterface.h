@@ -37,10 +37,11 @@ public:
         hintPanels = made.get();
         return made;
     }
-    [[nodiscard]] std::unique_ptr<MainWindow> makeMainWindow(const MainWindowContents& contents) override {
+    [[nodiscard]] std::unique_ptr<MainWindowOnScreen>
+    makeMainWindow(const MainWindowContents& contents) override {
         note("makeMainWindow");
         windowContents.emplace(contents);
-        auto made = std::make_unique<FakeMainWindow>();
+        auto made = std::make_unique<FakeMainWindow>(contents.requests);
         mainWindow = made.get();
         return made;
     }

@@ -2,74 +2,41 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Permissions/Installation.h"
 #include "Permissions/PermissionChecklist.h"
 #include "Permissions/PermissionRequests.h"
+#include "Session/MakerLinks.h"
 #include "Speech/History/TranscriptHistoryBrowser.h"
 #include "Speech/History/TranscriptHistoryStore.h"
 #include "Speech/Text/FillerWords.h"
 #include "Speech/Text/TranscriptionDictionary.h"
 #include "UserInterface/Window/MainWindowController.h"
-#include "support/FakeAlert.h"
-#include "support/FakeAuthorization.h"
-#include "support/FakeFiles.h"
-#include "support/FakePasteboard.h"
-#include "support/FakeProcessLauncher.h"
-#include "support/FakeScreens.h"
+#include "support/FakePlatform.h"
 #include "support/FakeTextTranslator.h"
-#include "support/FakeUserDefaultsChanges.h"
-#include "support/FakeWorkspace.h"
-#include "support/ManualTime.h"
-#include "support/MemoryUserDefaults.h"
-#include "support/RecordingLog.h"
 
 #include <QPoint>
 
-#include <functional>
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace tovik::test {
 
 /// A main window with the real permission logic on a desktop of fakes.
-struct WindowStage {
-    /// Lets the permission logic speak to a window that is made after it.
-    struct Forward : MainWindow {
-        void present() override { target->present(); }
-        void showSavedToast(const std::string& text) override { target->showSavedToast(text); }
-        void reloadHistoryTable() override { target->reloadHistoryTable(); }
-        void refreshPermissions() override { target->refreshPermissions(); }
-        MainWindow* target = nullptr;
-    };
-
-    ManualTime time;
-    FakeScreens screens;
-    FakeWorkspace workspace;
-    FakeAuthorization authorization;
-    FakeFiles files;
-    FakeProcessLauncher launcher;
-    FakeAlert alert;
-    RecordingLog log;
-    MemoryUserDefaults defaults;
-    FakeUserDefaultsChanges defaultsChanges;
-    FakePasteboard pasteboard;
+struct WindowStage : FakePlatform {
     TranscriptionDictionary dictionary{defaults, log};
     FillerWords fillerWords{defaults};
     FakeTextTranslator translator;
-    Forward forward;
-    int historyMenuReloads = 0;
-    /// What the status menu does when the history has changed, if there is one.
-    std::function<void()> reloadHistoryMenu;
+    /// What the program asks of the window.
+    MainWindow mainWindow;
+    /// How often the status menu, and the window, were to show the history anew.
+    int historyReloads = 0;
     std::vector<QPoint> menuPopUps;
-    std::vector<std::string> openedLinks;
 
-    PermissionChecklist checklist{authorization, macInstallLocations()};
-    Installation installation{{authorization, files, workspace, launcher, alert, time, forward, [] {}},
-                              macInstallLocations()};
-    PermissionRequests requests{{authorization, time, log, workspace, forward, checklist, installation}};
+    PermissionChecklist checklist{authorization, platform.installLocations};
+    PermissionRequests requests{platform, mainWindow, checklist};
     TranscriptHistoryStore history{defaults, time};
-    TranscriptHistoryBrowser historyBrowser{history, pasteboard, forward};
+    TranscriptHistoryBrowser historyBrowser{history, pasteboard, mainWindow};
+    MakerLinks links{workspace, mainWindow};
+    Subscription countingReloads = mainWindow.reloadHistoryTable.add([this] { ++historyReloads; });
     std::unique_ptr<MainWindowController> controller;
 
     /// The desktop that the window asks for the front: the fake one, unless a test brings another.
@@ -83,25 +50,17 @@ struct WindowStage {
         controller = std::make_unique<MainWindowController>(
             MainWindowController::Collaborators{time, time, screens, desktop,
                                                 [this](const QPoint& at) { menuPopUps.push_back(at); }},
-            MainWindowContents{.permissions = checklist,
+            MainWindowContents{.requests = mainWindow,
+                               .permissions = checklist,
                                .permissionRequests = requests,
                                .history = historyBrowser,
-                               .reloadTranscriptHistoryMenu =
-                                   [this] {
-                                       ++historyMenuReloads;
-                                       if (reloadHistoryMenu) {
-                                           reloadHistoryMenu();
-                                       }
-                                   },
                                .defaults = defaults,
                                .defaultsChanges = defaultsChanges,
                                .dictionary = dictionary,
                                .fillerWords = fillerWords,
                                .translator = translator,
                                .statusMenu = nullptr,
-                               .openTovikVoiceUpdates = [this] { openedLinks.emplace_back("updates"); },
-                               .openTovikAIWebsite = [this] { openedLinks.emplace_back("website"); }});
-        forward.target = controller.get();
+                               .links = links});
     }
 
     void leavePermissionsPending() {

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "RequestAnswerer.h"
 
-#include "Audio/CustomVocabulary.h"
 #include "Audio/LevelMeter.h"
+#include "Audio/Vocabulary.h"
 #include "Audio/WaveformBar.h"
 #include "Speech/History/TranscriptHistoryStore.h"
 #include "Speech/Text/ElapsedTime.h"

@@ -51,9 +51,11 @@ Transcriber::Transcriber(FileAudioEngine::Pace pace, OwnSettings::Values setting
       watched_(recognition_),
       engine_(pace, [this](const std::stop_token& stopped) { return watched_.waitUntilKeptUp(stopped); }),
       manager_({clock_, queue_, log, settings_, engine_, devices_, hardware_, watched_},
-               [this](const std::string& recognised) { return chain_.processTranscription(recognised); }) {
-    manager_.onTranscription = [this](const std::string& cleaned) { cleaned_ = cleaned; };
-}
+               {.processTranscription =
+                    [this](const std::string& recognised) { return chain_.processTranscription(recognised); },
+                .onTranscription = [this](const std::string& cleaned) { cleaned_ = cleaned; },
+                .onPartialUpdate = nullptr,
+                .onLevel = nullptr}) {}
 
 std::optional<std::string> Transcriber::prepare() {
     const auto begin = std::chrono::steady_clock::now();

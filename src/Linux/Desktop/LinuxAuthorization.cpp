@@ -8,9 +8,6 @@ namespace tovik {
 
 namespace {
 
-constexpr int kNotDetermined = 0;
-constexpr int kSpeechDenied = 1;
-constexpr int kAuthorized = 3;
 constexpr int kAllowButton = 0;
 constexpr int kDoNotAllowButton = 1;
 constexpr int kCheckAgainButton = 0;
@@ -25,18 +22,18 @@ LinuxAuthorization::LinuxAuthorization(MainQueue& queue, Alert& alert, Answers a
       speech_{"Tovik Record cannot understand speech yet", answers_.speechExplanation, {}},
       keyboard_{"Tovik Record cannot use the keyboard here", answers_.keyboardExplanation, {}} {}
 
-int LinuxAuthorization::microphoneStatus() const {
-    return answers_.microphoneStatus();
+MicrophoneStatus LinuxAuthorization::microphoneStatus() const {
+    return MicrophoneStatus{answers_.microphoneStatus()};
 }
 
-int LinuxAuthorization::speechStatus() const {
+SpeechStatus LinuxAuthorization::speechStatus() const {
     if (needsSpeechConsent()) {
-        return kNotDetermined;
+        return SpeechStatus::notDetermined;
     }
     if (answers_.isSpeechRefused && answers_.isSpeechRefused()) {
-        return kSpeechDenied;
+        return SpeechStatus::denied;
     }
-    return answers_.speechExplanation().empty() ? kAuthorized : kNotDetermined;
+    return answers_.speechExplanation().empty() ? SpeechStatus::authorized : SpeechStatus::notDetermined;
 }
 
 bool LinuxAuthorization::needsSpeechConsent() const {
@@ -71,10 +68,10 @@ void LinuxAuthorization::requestMicrophoneAccess(std::function<void(bool granted
 
 void LinuxAuthorization::explainMicrophone(std::function<void(bool granted)> answer) {
     ask(microphone_,
-        [this, answer = std::move(answer)] { answer(answers_.microphoneStatus() == kAuthorized); });
+        [this, answer = std::move(answer)] { answer(microphoneStatus() == MicrophoneStatus::authorized); });
 }
 
-void LinuxAuthorization::requestSpeechAuthorization(std::function<void(int status)> answer) {
+void LinuxAuthorization::requestSpeechAuthorization(std::function<void(SpeechStatus status)> answer) {
     ask(speech_, [this, answer = std::move(answer)] { answer(speechStatus()); });
 }
 
@@ -98,7 +95,7 @@ void LinuxAuthorization::show(Question& question) {
     if (&question == &speech_ && needsSpeechConsent()) {
         askSpeechConsent();
         // What he does not allow needs no explanation.
-        if (speechStatus() != kNotDetermined || needsSpeechConsent()) {
+        if (speechStatus() != SpeechStatus::notDetermined || needsSpeechConsent()) {
             for (const auto& whenAnswered : std::exchange(question.waiting, {})) {
                 whenAnswered();
             }

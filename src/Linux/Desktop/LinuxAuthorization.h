@@ -24,7 +24,7 @@ public:
     /// Who knows, on the main thread and at once. Explanations are sentences for the user: what is wrong and
     /// how to mend it; empty when nothing is.
     struct Answers {
-        /// As Authorization::microphoneStatus().
+        /// The number of Authorization::microphoneStatus().
         std::function<int()> microphoneStatus;
         std::function<std::string()> microphoneExplanation;
         /// Asks whoever decides about the microphone, and calls back on the main thread; isRefused: the user
@@ -50,16 +50,16 @@ public:
     /// Queue and alert outlive the authorization.
     LinuxAuthorization(MainQueue& queue, Alert& alert, Answers answers);
 
-    [[nodiscard]] int microphoneStatus() const override;
+    [[nodiscard]] MicrophoneStatus microphoneStatus() const override;
     /// Answers with how it stands once those have been asked who decide, and after the question when that is
     /// not well. A user who has just said no needs no explanation.
     void requestMicrophoneAccess(std::function<void(bool granted)> answer) override;
 
     /// Not determined until there is an engine with a model, and as long as the user has not said whether a
     /// server may hear; denied when he said no and there is no other engine.
-    [[nodiscard]] int speechStatus() const override;
+    [[nodiscard]] SpeechStatus speechStatus() const override;
     /// The question offers to look again, for as long as the user wishes.
-    void requestSpeechAuthorization(std::function<void(int status)> answer) override;
+    void requestSpeechAuthorization(std::function<void(SpeechStatus status)> answer) override;
 
     /// Asks whether speech may leave this machine, at once; closing the question answers nothing.
     void askSpeechConsent();

@@ -251,9 +251,11 @@ void X11KeyEventPoster::post(const KeyEvent& event, EventTap tap) {
     if (!connection_ || event.keyCode != kVKeyCode || event.flags != kCommandFlag || !event.keyDown) {
         return;
     }
-    // What goes to the session goes to whatever is in front.
+    // The paste of a dictation enters below the desktop and waits for its target; the paste of a menu enters
+    // above it and goes to whatever is in front.
+    const bool waitsForTarget = tap == EventTap::hid;
     checksInVain_ = 0;
-    hasTarget_ = tap == EventTap::hid && services_.isTargetInFront != nullptr;
+    hasTarget_ = waitsForTarget && services_.isTargetInFront != nullptr;
     ++waiting_;
     if (waiting_ == 1) {
         pasteWhenPossible();
@@ -295,11 +297,12 @@ void X11KeyEventPoster::paste(const PasteChord& chord) {
     check_.end();
     deadline_.end();
     for (; waiting_ > 0; --waiting_) {
-        if (const auto pressed = presser_->press(chord); !pressed) {
+        if (const auto outcome = presser_->press(chord); !outcome) {
             services_.log.printLine("[TovikVoice] Failed to press the paste keys: " +
-                                    pressed.error().description);
+                                    outcome.error().description);
         }
     }
+    pressed.tell();
 }
 
 PasteChord X11KeyEventPoster::chord() {

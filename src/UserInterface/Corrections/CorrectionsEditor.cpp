@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Corrections/CorrectionsEditor.h"
 
-#include "Audio/CustomVocabulary.h"
+#include "Audio/Vocabulary.h"
 #include "Speech/Text/Unicode.h"
 
 #include <map>

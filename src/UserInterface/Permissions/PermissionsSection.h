@@ -3,7 +3,6 @@
 #pragma once
 
 #include "Permissions/TovikVoicePermission.h"
-#include "Permissions/TovikVoicePermissionState.h"
 
 #include <QColor>
 #include <QWidget>

@@ -5,6 +5,7 @@
 #include "Permissions/PermissionChecklist.h"
 #include "Permissions/PermissionRequests.h"
 #include "Platform/UserDefaultsChanges.h"
+#include "Session/MakerLinks.h"
 #include "UserInterface/Controls/Buttons.h"
 #include "UserInterface/Controls/Symbols.h"
 #include "UserInterface/Controls/Theme.h"
@@ -36,7 +37,6 @@ constexpr int kMenuGap = 4;
 MainWindowController::MainWindowController(const Collaborators& collaborators,
                                            const MainWindowContents& contents)
     : with_(collaborators),
-      reloadTranscriptHistoryMenu_(contents.reloadTranscriptHistoryMenu),
       window_(std::make_unique<FixedWidthWindow>(with_.clock, with_.queue)),
       accordion_(std::make_unique<Accordion>(with_.clock, with_.queue,
                                              [this](bool animated) { updateMainWindowHeight(animated); })) {
@@ -44,6 +44,7 @@ MainWindowController::MainWindowController(const Collaborators& collaborators,
     prepareWindow();
     buildSections(contents);
     connectHeaderAndFooter(contents);
+    follow(contents.requests);
     settingsChanges_ = contents.defaultsChanges.observe([this] {
         cleanup_->refresh();
         translation_->refresh();
@@ -139,11 +140,19 @@ void MainWindowController::connectHeaderAndFooter(const MainWindowContents& cont
     auto* footer = new FooterView(QStringLiteral(TOVIK_VERSION));
     view_->document().addFooter(footer);
     QObject::connect(&footer->updatesButton(), &QPushButton::clicked, window_.get(),
-                     [open = contents.openTovikVoiceUpdates] { open(); });
+                     [&links = contents.links] { links.openTovikVoiceUpdates(); });
     QObject::connect(&footer->websiteButton(), &QPushButton::clicked, window_.get(),
-                     [open = contents.openTovikAIWebsite] { open(); });
+                     [&links = contents.links] { links.openTovikAIWebsite(); });
     QObject::connect(&view_->header().moreOptionsButton(), &QPushButton::clicked, window_.get(),
                      [this] { showStatusMenuFromWindow(); });
+}
+
+void MainWindowController::follow(MainWindow& requests) {
+    requests_.push_back(requests.present.add([this] { present(); }));
+    requests_.push_back(
+        requests.showSavedToast.add([this](const std::string& text) { showSavedToast(text); }));
+    requests_.push_back(requests.reloadHistoryTable.add([this] { reloadHistoryTable(); }));
+    requests_.push_back(requests.refreshPermissions.add([this] { refreshPermissions(); }));
 }
 
 void MainWindowController::showStatusMenuFromWindow() {
@@ -188,9 +197,6 @@ void MainWindowController::showSavedToast(const std::string& text) {
 
 void MainWindowController::reloadHistoryTable() {
     history_->reload();
-    if (reloadTranscriptHistoryMenu_) {
-        reloadTranscriptHistoryMenu_();
-    }
 }
 
 void MainWindowController::refreshPermissions() {

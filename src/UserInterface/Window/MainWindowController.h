@@ -15,6 +15,8 @@
 
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 class QPoint;
 class QWidget;
@@ -29,7 +31,7 @@ class TranscriptHistorySection;
 class TranslationSection;
 
 /// The main window: built once, hidden when closed, presented again on request. Main thread.
-class MainWindowController : public MainWindow {
+class MainWindowController : public MainWindowOnScreen {
 public:
     /// What it works with; all of it outlives the controller.
     struct Collaborators {
@@ -46,10 +48,10 @@ public:
     MainWindowController(const Collaborators& collaborators, const MainWindowContents& contents);
     ~MainWindowController() override;
 
-    void present() override;
-    void showSavedToast(const std::string& text) override;
-    void reloadHistoryTable() override;
-    void refreshPermissions() override;
+    void present();
+    void showSavedToast(const std::string& text);
+    void reloadHistoryTable();
+    void refreshPermissions();
 
     [[nodiscard]] FixedWidthWindow& window() { return *window_; }
     [[nodiscard]] MainWindowView& view() { return *view_; }
@@ -67,6 +69,7 @@ private:
     [[nodiscard]] QWidget* buildCleanupSection(const MainWindowContents& contents);
     [[nodiscard]] QWidget* buildTranslationSection(const MainWindowContents& contents);
     void connectHeaderAndFooter(const MainWindowContents& contents);
+    void follow(MainWindow& requests);
     void showStatusMenuFromWindow();
     void presentMainWindow();
     void makeKeyAndOrderFront();
@@ -75,7 +78,6 @@ private:
     void updateMainWindowHeight(bool animated);
 
     const Collaborators with_;
-    const std::function<void()> reloadTranscriptHistoryMenu_;
     std::unique_ptr<FixedWidthWindow> window_;
     MainWindowView* view_ = nullptr;
     PermissionsSection* permissions_ = nullptr;
@@ -85,6 +87,7 @@ private:
     TranslationSection* translation_ = nullptr;
     std::unique_ptr<Accordion> accordion_;
     Subscription settingsChanges_;
+    std::vector<Subscription> requests_;
     Lifetime lifetime_;
 };
 

@@ -298,7 +298,8 @@ TEST_F(MainWindowControllerTest, theFooterNamesTheVersionAndLeadsToTheMaker) {
                 testing::HasSubstr("tovik.example"));
     footer->updatesButton().click();
     footer->websiteButton().click();
-    EXPECT_THAT(stage.openedLinks, ElementsAre("updates", "website"));
+    EXPECT_THAT(stage.workspace.openedUrls,
+                ElementsAre("https://tovik.example/voice#download", "https://tovik.example/"));
 }
 
 TEST_F(MainWindowControllerTest, whileScrolling_theFadeBandFades) {

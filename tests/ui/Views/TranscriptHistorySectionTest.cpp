@@ -106,19 +106,19 @@ TEST_F(TranscriptHistorySectionTest, theClearButton_isThereWhileSomethingIsTyped
 
 TEST_F(TranscriptHistorySectionTest, whenReturnIsPressedInTheSearchField_theListIsReloaded) {
     build({"tea"});
-    const int before = stage.historyMenuReloads;
+    const int before = stage.historyReloads;
     QTest::keyClick(&search(), Qt::Key_Return);
-    EXPECT_EQ(stage.historyMenuReloads, before + 1);
+    EXPECT_EQ(stage.historyReloads, before + 1);
 }
 
 TEST_F(TranscriptHistorySectionTest, whenATranscriptArrives_itShowsAtOnceAndTheStatusMenuIsToldToo) {
     build({"old"});
-    const int before = stage.historyMenuReloads;
+    const int before = stage.historyReloads;
     add({"new"});
-    stage.controller->reloadHistoryTable();
+    stage.mainWindow.reloadHistoryTable();
     EXPECT_THAT(shown(), ElementsAre("new", "old"));
     EXPECT_EQ(count(), "2 of 2");
-    EXPECT_EQ(stage.historyMenuReloads, before + 1);
+    EXPECT_EQ(stage.historyReloads, before + 1);
 }
 
 TEST_F(TranscriptHistorySectionTest, aDoubleClick_copiesTheRowFlashesItAndSaysSo) {

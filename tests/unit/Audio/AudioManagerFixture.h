@@ -4,8 +4,7 @@
 
 #include "Audio/MacAudioManager.h"
 #include "support/FakeAudioEngine.h"
-#include "support/FakeAudioHardware.h"
-#include "support/FakeCaptureDevices.h"
+#include "support/FakeSoundDevices.h"
 #include "support/FakeSpeechService.h"
 #include "support/ManualTime.h"
 #include "support/MemoryUserDefaults.h"
@@ -51,10 +50,7 @@ protected:
         if (!manager_) {
             manager_.emplace(
                 MacAudioManager::Ports{time, time, log, defaults, engine, devices, hardware, speech},
-                [](const std::string& text) { return text.empty() ? text : "<" + text + ">"; });
-            manager_->onTranscription = [this](const std::string& text) { finals.push_back(text); };
-            manager_->onPartialUpdate = [this](const std::string& text) { partials.push_back(text); };
-            manager_->onLevel = [this](float level) { levels.push_back(level); };
+                callbacks);
         }
         return *manager_;
     }
@@ -86,6 +82,14 @@ protected:
     FakeAudioHardware hardware;
     FakeSpeechService speech;
 
+    /// As the manager will be made with.
+    MacAudioManager::Callbacks callbacks{
+        .processTranscription =
+            [](const std::string& text) { return text.empty() ? text : "<" + text + ">"; },
+        .onTranscription = [this](const std::string& text) { finals.push_back(text); },
+        .onPartialUpdate = [this](const std::string& text) { partials.push_back(text); },
+        .onLevel = [this](float level) { levels.push_back(level); },
+    };
     std::vector<std::string> finals;
     std::vector<std::string> partials;
     std::vector<float> levels;
@@ -98,7 +102,11 @@ private:
 /// A manager that is asked about devices.
 class MacAudioManagerDevices : public AudioManagerFixture {
 protected:
-    void followWithDelegate() { manager().setDeviceDelegate(delegate); }
+    void followWithDelegate() { reports_ = manager().reportDevicesTo(*delegate); }
+    void dropDelegate() {
+        reports_.end();
+        delegate.reset();
+    }
     [[nodiscard]] std::string selectedId() {
         return manager().selectedDevice() ? manager().selectedDevice()->id : "none";
     }
@@ -110,7 +118,10 @@ protected:
         return ids;
     }
 
-    std::shared_ptr<RecordingDeviceDelegate> delegate = std::make_shared<RecordingDeviceDelegate>();
+    std::unique_ptr<RecordingDeviceDelegate> delegate = std::make_unique<RecordingDeviceDelegate>();
+
+private:
+    Subscription reports_;
 };
 
 } // namespace tovik::test

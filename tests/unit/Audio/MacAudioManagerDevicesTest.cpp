@@ -115,7 +115,7 @@ TEST_F(MacAudioManagerDevices, whenTheWorldChangesBeforeTheReport_theReportTells
 
 TEST_F(MacAudioManagerDevices, whenTheDelegateIsGone_nothingIsReported) {
     followWithDelegate();
-    delegate.reset();
+    dropDelegate();
     time.runPending();
     manager().refreshAudioDevices();
     time.runPending();
@@ -130,7 +130,7 @@ TEST_F(MacAudioManagerDevices, whenTheManagerIsGone_queuedReportsAndTimersDoNoth
     time.advance(Seconds(20));
     EXPECT_THAT(delegate->reports, IsEmpty());
     EXPECT_THAT(newLines(), IsEmpty());
-    EXPECT_EQ(devices.observerCount(), 0U);
+    EXPECT_FALSE(devices.isObserved());
     EXPECT_EQ(time.pendingCount(), 0U);
 }
 

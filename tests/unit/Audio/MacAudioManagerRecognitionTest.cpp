@@ -311,7 +311,7 @@ TEST_F(MacAudioManagerRecognition, whenTheMicrophoneComesWithAnotherRate_theRequ
 }
 
 TEST_F(MacAudioManagerRecognition, withoutALevelCallback_stillRecords) {
-    manager().onLevel = nullptr;
+    callbacks.onLevel = nullptr;
     startRecording();
     engine.hearConstant(0.1F, 1024);
     manager().stop();

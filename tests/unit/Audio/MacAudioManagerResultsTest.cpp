@@ -62,8 +62,8 @@ TEST_F(MacAudioManagerResults, whenNeitherResultNorErrorComes_doesNothing) {
 }
 
 TEST_F(MacAudioManagerResults, withoutCallbacks_dropsResults) {
-    manager().onTranscription = nullptr;
-    manager().onPartialUpdate = nullptr;
+    callbacks.onTranscription = nullptr;
+    callbacks.onPartialUpdate = nullptr;
     startRecording();
     speech.lastUtterance()->deliverPartial("a");
     speech.lastUtterance()->deliverFinal("b");
@@ -88,7 +88,10 @@ TEST_F(MacAudioManagerResults, whenTheTextIsDelivered_itIsNotLogged) {
 }
 
 TEST_F(MacAudioManagerResults, isRecognising_fromTheStartToTheTextOrTheErrorOfEveryDictation) {
+    int told = 0;
+    const auto subscription = manager().recognised.add([&told] { ++told; });
     EXPECT_FALSE(manager().isRecognising());
+    EXPECT_TRUE(manager().waitUntilRecognised(Seconds(0)));
     startRecording();
     const auto first = speech.lastUtterance();
     manager().stop();
@@ -97,13 +100,44 @@ TEST_F(MacAudioManagerResults, isRecognising_fromTheStartToTheTextOrTheErrorOfEv
     manager().stop();
     second->deliverPartial("no");
     second->deliverError({"Speech", 3, "No speech detected"});
+    time.runPending();
     EXPECT_TRUE(manager().isRecognising());
     first->deliverPartial("not yet");
+    time.runPending();
     EXPECT_TRUE(manager().isRecognising());
+    EXPECT_FALSE(manager().waitUntilRecognised(Seconds(0)));
+    EXPECT_EQ(told, 0);
     first->deliverFinal("text");
+    EXPECT_TRUE(manager().waitUntilRecognised(Seconds(0)));
+    time.runPending();
     EXPECT_FALSE(manager().isRecognising());
+    EXPECT_EQ(told, 1);
     first->deliverFinal("again");
+    time.runPending();
     EXPECT_FALSE(manager().isRecognising());
+    EXPECT_EQ(told, 1);
+}
+
+TEST_F(MacAudioManagerResults, tellsOfTheEndBehindWhatTheTextHasQueued) {
+    std::vector<std::string> order;
+    callbacks.onTranscription = [&](const std::string&) {
+        time.async([&order] { order.emplace_back("text"); });
+    };
+    const auto subscription = manager().recognised.add([&order] { order.emplace_back("recognised"); });
+    startRecording();
+    speech.lastUtterance()->deliverFinal("text");
+    time.runPending();
+    EXPECT_THAT(order, ElementsAre("text", "recognised"));
+}
+
+TEST_F(MacAudioManagerResults, whenTheMainQueueRunsNoMore_theTextCanBeWaitedFor) {
+    startRecording();
+    const auto utterance = speech.lastUtterance();
+    manager().stop();
+    std::thread recogniser([&utterance] { utterance->deliverFinal("last words"); });
+    EXPECT_TRUE(manager().waitUntilRecognised(Seconds(60)));
+    EXPECT_THAT(finals, ElementsAre("<last words>"));
+    recogniser.join();
 }
 
 // ------------------------------------------------------------------------------ the end of it

@@ -18,7 +18,7 @@ TEST_F(MacAudioManagerThreads, whenARecogniserAnswersOnItsOwnThread_theTextArriv
     speech.answerWith("hello");
     std::binary_semaphore arrived(0);
     std::thread::id thread;
-    manager().onTranscription = [&](const std::string& text) {
+    callbacks.onTranscription = [&](const std::string& text) {
         finals.push_back(text);
         thread = std::this_thread::get_id();
         arrived.release();
@@ -33,7 +33,7 @@ TEST_F(MacAudioManagerThreads, whenARecogniserAnswersOnItsOwnThread_theTextArriv
 
 TEST_F(MacAudioManagerThreads, whenSoundArrivesOnItsOwnThread_levelsArriveThere) {
     std::thread::id thread;
-    manager().onLevel = [&](float level) {
+    callbacks.onLevel = [&](float level) {
         levels.push_back(level);
         thread = std::this_thread::get_id();
     };
@@ -49,7 +49,7 @@ TEST_F(MacAudioManagerThreads, whenDestroyedDuringACallback_waitsForItsEnd) {
     std::latch entered(1);
     std::binary_semaphore goOn(0);
     std::atomic<bool> callbackEnded{false};
-    manager().onTranscription = [&](const std::string&) {
+    callbacks.onTranscription = [&](const std::string&) {
         entered.count_down();
         goOn.acquire();
         callbackEnded = true;
@@ -69,7 +69,7 @@ TEST_F(MacAudioManagerThreads, whenDestroyedDuringACallback_waitsForItsEnd) {
 TEST_F(MacAudioManagerThreads, whenResultsRaceWithTheEnd_noneArrivesAfterIt) {
     std::atomic<bool> gone{false};
     std::atomic<int> afterTheEnd{0};
-    manager().onPartialUpdate = [&](const std::string&) { afterTheEnd += gone ? 1 : 0; };
+    callbacks.onPartialUpdate = [&](const std::string&) { afterTheEnd += gone ? 1 : 0; };
     startRecording();
     const auto utterance = speech.lastUtterance();
     std::atomic<bool> enough{false};
@@ -95,8 +95,8 @@ TEST_F(MacAudioManagerThreads, whenResultsRaceWithTheEnd_noneArrivesAfterIt) {
 TEST_F(MacAudioManagerThreads, whenStoppedWhileSoundArrives_theRequestEndsCleanly) {
     speech.answerWith("hello");
     std::binary_semaphore arrived(0);
-    manager().onTranscription = [&](const std::string&) { arrived.release(); };
-    manager().onLevel = nullptr;
+    callbacks.onTranscription = [&](const std::string&) { arrived.release(); };
+    callbacks.onLevel = nullptr;
     startRecording();
     std::atomic<bool> enough{false};
     std::latch heard(1);

@@ -2,16 +2,20 @@
 // SPDX-License-Identifier: MIT
 #include "Audio/Vocabulary.h"
 
+#include "support/MemoryUserDefaults.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <set>
 
-namespace tovik {
+namespace tovik::test {
 namespace {
 
 using testing::Contains;
+using testing::ElementsAre;
 using testing::ElementsAreArray;
+using testing::IsEmpty;
 using testing::Not;
 
 TEST(BuiltinVocabulary, beginsWithTheProgramAndHoldsFifteenDifferentTerms) {
@@ -41,5 +45,26 @@ TEST(ContextualStrings, whenATermDiffersInCase_holdBoth) {
     EXPECT_THAT(terms, Contains("Tovik"));
 }
 
+TEST(CustomVocabulary, whenTheListHasBlanksAndRepeats_givesEachTermOnce) {
+    MemoryUserDefaults defaults;
+    defaults.set("CustomVocabulary", " foo, ,bar ,foo");
+    EXPECT_THAT(CustomVocabulary::terms(defaults), ElementsAre("foo", "bar"));
+}
+
+TEST(CustomVocabulary, whenTheKeyIsAbsent_isEmpty) {
+    EXPECT_THAT(CustomVocabulary::terms(MemoryUserDefaults()), IsEmpty());
+}
+
+TEST(CustomVocabulary, whenTheValueIsNoString_isEmpty) {
+    MemoryUserDefaults defaults;
+    defaults.set("CustomVocabulary", PropertyValue::array({"foo"}));
+    EXPECT_THAT(CustomVocabulary::terms(defaults), IsEmpty());
+}
+
+TEST(CustomVocabulary, whenTermsDifferInCaseOrInnerSpace_keepsThemAll) {
+    EXPECT_THAT(CustomVocabulary::parse("Foo,foo,\u00A0foo bar\n,,x"),
+                ElementsAre("Foo", "foo", "foo bar", "x"));
+}
+
 } // namespace
-} // namespace tovik
+} // namespace tovik::test

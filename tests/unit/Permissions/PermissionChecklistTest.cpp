@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Permissions/PermissionChecklist.h"
 
+#include "Permissions/Installation.h"
 #include "support/FakeAuthorization.h"
 
 #include <gtest/gtest.h>

@@ -5,60 +5,42 @@
 #include "Permissions/Installation.h"
 #include "Permissions/PermissionChecklist.h"
 #include "Permissions/PermissionRequests.h"
-#include "support/FakeAlert.h"
-#include "support/FakeAuthorization.h"
-#include "support/FakeFiles.h"
-#include "support/FakeMainWindow.h"
-#include "support/FakeProcessLauncher.h"
-#include "support/FakeWorkspace.h"
-#include "support/ManualTime.h"
-#include "support/RecordingLog.h"
+#include "support/FakePlatform.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace tovik::test {
 
 /// Everything that asks for permissions, on fakes, at home in /Users/ada.
-class PermissionsFixture : public testing::Test {
+class PermissionsFixture : public testing::Test, protected FakePlatform {
 protected:
+    PermissionsFixture() {
+        onTerminate = [this] { happened.emplace_back("terminate"); };
+    }
+
     /// Made late, so that a test can choose the places.
     Installation& installation() {
         if (!installation_) {
-            installation_.emplace(Installation::Collaborators{authorization, files, workspace, launcher,
-                                                              alert, time, window,
-                                                              [this] { happened.emplace_back("terminate"); }},
-                                  locations);
+            installation_.emplace(platform, window);
         }
         return *installation_;
     }
     PermissionRequests& requests() {
         if (!requests_) {
             checklist_.emplace(authorization, locations);
-            requests_.emplace(PermissionRequests::Collaborators{authorization, time, log, workspace, window,
-                                                                *checklist_, installation()});
+            requests_.emplace(platform, window, *checklist_);
         }
         return *requests_;
     }
     void destroyRequests() { requests_.reset(); }
-    void destroyInstallation() {
-        requests_.reset();
-        installation_.reset();
-    }
+    void destroyInstallation() { installation_.reset(); }
 
-    InstallLocations locations = macInstallLocations();
-    ManualTime time;
-    RecordingLog log;
-    FakeAuthorization authorization;
-    FakeFiles files;
-    FakeWorkspace workspace;
-    FakeProcessLauncher launcher;
-    FakeAlert alert;
+    InstallLocations& locations = platform.installLocations;
     FakeMainWindow window;
     /// For the order of things across fakes.
     std::vector<std::string> happened;

@@ -3,7 +3,6 @@
 #include "Permissions/TovikVoicePermission.h"
 
 #include "Permissions/PermissionChecklist.h"
-#include "Permissions/TovikVoicePermissionState.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -98,8 +97,8 @@ struct StatusRow {
 class StatusNumbers : public testing::TestWithParam<StatusRow> {};
 
 TEST_P(StatusNumbers, meanAState) {
-    EXPECT_EQ(microphoneState(GetParam().status), GetParam().microphone);
-    EXPECT_EQ(speechState(GetParam().status), GetParam().speech);
+    EXPECT_EQ(microphoneState(MicrophoneStatus{GetParam().status}), GetParam().microphone);
+    EXPECT_EQ(speechState(SpeechStatus{GetParam().status}), GetParam().speech);
 }
 
 INSTANTIATE_TEST_SUITE_P(

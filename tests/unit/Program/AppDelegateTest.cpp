@@ -2,30 +2,14 @@
 // SPDX-License-Identifier: MIT
 #include "AppDelegate.h"
 
-#include "Permissions/InstallLocations.h"
 #include "Speech/History/TranscriptHistoryBrowser.h"
-#include "support/FakeAlert.h"
-#include "support/FakeAudioEngine.h"
-#include "support/FakeAudioHardware.h"
-#include "support/FakeAuthorization.h"
-#include "support/FakeCaptureDevices.h"
-#include "support/FakeFiles.h"
-#include "support/FakeKeyEventPoster.h"
-#include "support/FakeKeyMonitor.h"
-#include "support/FakePasteboard.h"
-#include "support/FakeProcessLauncher.h"
-#include "support/FakeScreens.h"
-#include "support/FakeSpeechService.h"
-#include "support/FakeTranslationService.h"
-#include "support/FakeUserDefaultsChanges.h"
-#include "support/FakeUserInterface.h"
-#include "support/FakeWorkspace.h"
-#include "support/ManualTime.h"
-#include "support/MemoryUserDefaults.h"
-#include "support/RecordingLog.h"
+#include "support/FakePlatform.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <memory>
+#include <thread>
 
 namespace tovik {
 namespace {
@@ -38,7 +22,7 @@ const RunningApplication editor{"org.editor", 100, "Editor", 7};
 constexpr auto kDebugLog = "/home/ada/.local/state/tovik-record/tovik_record_debug.log";
 constexpr auto kStateFile = "/home/ada/.local/share/Tovik/capture-state.json";
 
-class AppDelegateTest : public testing::Test {
+class AppDelegateTest : public testing::Test, protected test::FakePlatform {
 protected:
     void launch() {
         make();
@@ -46,35 +30,7 @@ protected:
         time.runPending();
     }
 
-    void make() {
-        delegate = std::make_unique<AppDelegate>(Platform{
-            .clock = time,
-            .mainQueue = time,
-            .log = log,
-            .defaults = defaults,
-            .defaultsChanges = defaultsChanges,
-            .files = files,
-            .workspace = workspace,
-            .keyMonitor = keyMonitor,
-            .keyEventPoster = poster,
-            .pasteboard = pasteboard,
-            .audioEngine = engine,
-            .captureDevices = devices,
-            .audioHardware = hardware,
-            .speechService = speech,
-            .authorization = authorization,
-            .translationService = translation,
-            .screens = screens,
-            .alert = alert,
-            .processLauncher = launcher,
-            .userInterface = userInterface,
-            .terminate = [this] { ++terminations; },
-            .dataFolder = "/home/ada/.local/share",
-            .debugLogFile = kDebugLog,
-            .processIdentifier = 4242,
-            .installLocations = macInstallLocations(),
-        });
-    }
+    void make() { delegate = std::make_unique<AppDelegate>(platform); }
 
     /// The recogniser answers the newest utterance, on a thread of its own.
     void recognise(const std::string& text) {
@@ -82,26 +38,6 @@ protected:
         time.runPending();
     }
 
-    test::ManualTime time;
-    test::RecordingLog log;
-    test::MemoryUserDefaults defaults;
-    test::FakeUserDefaultsChanges defaultsChanges;
-    test::FakeFiles files;
-    test::FakeWorkspace workspace;
-    test::FakeKeyMonitor keyMonitor;
-    test::FakeKeyEventPoster poster;
-    test::FakePasteboard pasteboard;
-    test::FakeAudioEngine engine;
-    test::FakeCaptureDevices devices;
-    test::FakeAudioHardware hardware;
-    test::FakeSpeechService speech;
-    test::FakeAuthorization authorization;
-    test::FakeTranslationService translation{time};
-    test::FakeScreens screens;
-    test::FakeAlert alert;
-    test::FakeProcessLauncher launcher;
-    test::FakeUserInterface userInterface;
-    int terminations = 0;
     std::unique_ptr<AppDelegate> delegate;
 };
 

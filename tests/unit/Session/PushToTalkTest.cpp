@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "Session/PushToTalk.h"
 
-#include "Session/StatusImages.h"
 #include "unit/Session/SessionFixture.h"
 
 #include <gmock/gmock.h>
@@ -41,20 +40,8 @@ protected:
     /// start and stop calls only: the early microphone has tests of its own.
     std::vector<std::string> recordings;
 
-    CaptureStateFile captureState{files, time, log, "/home/ada/.local/share", 4711};
-    HandsFreeHints hints{time, screens, hintPanels, overlay};
-    PushToTalk pushToTalk{{.clock = time,
-                           .queue = time,
-                           .log = log,
-                           .recorder = recorder,
-                           .authorization = authorization,
-                           .permissionRequests = permissionRequests,
-                           .mainWindow = mainWindow,
-                           .statusItem = statusItem,
-                           .overlay = overlay,
-                           .hints = hints,
-                           .targets = targets,
-                           .captureState = captureState}};
+    PushToTalk pushToTalk{platform, permissionRequests, targets, recorder, statusItem, overlay};
+    test::FakeHintPanels& hintPanels = *userInterface.hintPanels;
 
 private:
     void noteRecorderCall(const std::string& call) {

@@ -3,17 +3,8 @@
 #include "Session/StatusMenu.h"
 
 #include "Audio/MacAudioManager.h"
-#include "Session/InputDeviceMenu.h"
-#include "Session/LanguageMenu.h"
 #include "Session/MakerLinks.h"
-#include "Session/TranscriptHistoryMenu.h"
-#include "Speech/History/TranscriptHistoryStore.h"
-#include "Speech/Text/TranscriptionDictionary.h"
-#include "support/FakeAudioEngine.h"
-#include "support/FakeAudioHardware.h"
-#include "support/FakeCaptureDevices.h"
-#include "support/FakeSpeechService.h"
-#include "support/FakeTextTranslator.h"
+#include "Session/PushToTalk.h"
 #include "unit/Session/SessionFixture.h"
 
 #include <gmock/gmock.h>
@@ -51,23 +42,48 @@ void choose(const Menu& menu, std::size_t row) {
 
 // The whole menu.
 
-TEST(StatusMenu, hasItsRowsInOrder) {
+class StatusMenuTest : public test::DeliveryFixture {
+protected:
+    MacAudioManager manager{{time, time, log, defaults, engine, devices, hardware, speech}, {}};
+    PushToTalk pushToTalk{platform, permissionRequests, targets, recorder, statusItem, overlay};
     int quits = 0;
-    const auto devices = std::make_shared<Menu>();
-    const auto menu = makeStatusMenu({.inputDevices = devices,
-                                      .languages = std::make_shared<Menu>(),
-                                      .transcriptHistory = std::make_shared<Menu>(),
-                                      .pasteLastTranscript = [] {},
-                                      .openMainWindowFromMenu = [] {},
-                                      .quitApp = [&quits] { ++quits; }});
-    EXPECT_THAT(titles(*menu), ElementsAre("Input Device", "Dictation Language", "—", "Paste Last Transcript",
-                                           "Transcript History", "—", "Open Tovik Record", "Quit"));
-    EXPECT_EQ(menu->items()[0].submenu, devices);
-    EXPECT_EQ(menu->items()[0].action, nullptr);
-    EXPECT_EQ(menu->items()[3].keyEquivalent, "");
-    EXPECT_EQ(menu->items()[7].keyEquivalent, "q");
-    choose(*menu, 7);
+    StatusMenu statusMenu{platform, mainWindow, manager, pushToTalk, delivery, history, [this] { ++quits; }};
+    const Menu& menu = *statusMenu.menu();
+};
+
+TEST_F(StatusMenuTest, hasItsRowsInOrder) {
+    EXPECT_THAT(titles(menu), ElementsAre("Input Device", "Dictation Language", "—", "Paste Last Transcript",
+                                          "Transcript History", "—", "Open Tovik Record", "Quit"));
+    EXPECT_THAT(titles(*menu.items()[1].submenu), testing::Contains("🌐 Auto-detect"));
+    EXPECT_EQ(menu.items()[0].action, nullptr);
+    EXPECT_EQ(menu.items()[3].keyEquivalent, "");
+    EXPECT_EQ(menu.items()[7].keyEquivalent, "q");
+    choose(menu, 7);
     EXPECT_EQ(quits, 1);
+}
+
+TEST_F(StatusMenuTest, leadsToTheWindowAndToTheLastTranscript) {
+    choose(menu, 6);
+    EXPECT_EQ(mainWindow.presented(), 1);
+    delivery.handleTranscription("said");
+    pasteboard.replaceContents("something else");
+    choose(menu, 3);
+    EXPECT_EQ(pasteboard.contents(), "said");
+}
+
+TEST_F(StatusMenuTest, whenALanguageIsChosen_theRunningRecordingGoesOnInIt) {
+    const auto& languages = *menu.items()[1].submenu;
+    choose(languages, 4);
+    EXPECT_THAT(recorder.calls, IsEmpty());
+    pushToTalk.startRecording();
+    choose(languages, 5);
+    EXPECT_THAT(recorder.calls, ElementsAre("start", "stopAndListenOn", "start"));
+}
+
+TEST_F(StatusMenuTest, whenAnotherProcessChoosesALanguage_itIsChecked) {
+    defaults.set("SelectedDictationLocale", "de-DE");
+    statusMenu.showStoredChoices();
+    EXPECT_THAT(checkedRows(*menu.items()[1].submenu), ElementsAre(6u));
 }
 
 // Dictation language.
@@ -140,24 +156,17 @@ TEST_F(LanguageMenuTest, whenTheStoredChoiceChangesElsewhere_isCheckedAnew) {
 
 // Transcript history.
 
-class TranscriptHistoryMenuTest : public test::SessionFixture {
-protected:
-    TranscriptionDictionary dictionary{defaults, log};
-    TranscriptHistoryStore history{defaults, time};
-    test::FakeTextTranslator translator;
-    TranscriptDelivery delivery{{time, log, defaults, permissionRequests, dictionary, history, translator,
-                                 mainWindow, pasteboard, poster, workspace, targets}};
-};
+class TranscriptHistoryMenuTest : public test::DeliveryFixture {};
 
 TEST_F(TranscriptHistoryMenuTest, withoutTranscripts_saysSoInARowThatCannotBeChosen) {
-    const TranscriptHistoryMenu menu(history, delivery);
+    const TranscriptHistoryMenu menu(history, delivery, mainWindow);
     EXPECT_THAT(titles(*menu.menu()), ElementsAre("No transcripts yet"));
     EXPECT_FALSE(menu.menu()->items()[0].isEnabled);
     EXPECT_EQ(menu.menu()->items()[0].action, nullptr);
 }
 
 TEST_F(TranscriptHistoryMenuTest, eachTimeItOpens_showsTheNewestEight) {
-    const TranscriptHistoryMenu menu(history, delivery);
+    const TranscriptHistoryMenu menu(history, delivery, mainWindow);
     for (int i = 1; i <= 9; ++i) {
         history.add("text " + std::to_string(i));
     }
@@ -166,12 +175,19 @@ TEST_F(TranscriptHistoryMenuTest, eachTimeItOpens_showsTheNewestEight) {
                 ElementsAre("text 9", "text 8", "text 7", "text 6", "text 5", "text 4", "text 3", "text 2"));
 }
 
+TEST_F(TranscriptHistoryMenuTest, wheneverTheHistoryTableIsReloaded_isMadeAnew) {
+    const TranscriptHistoryMenu menu(history, delivery, mainWindow);
+    history.add("text");
+    mainWindow.reloadHistoryTable();
+    EXPECT_THAT(titles(*menu.menu()), ElementsAre("text"));
+}
+
 TEST_F(TranscriptHistoryMenuTest, aLongText_isCutInTheTitleOnly) {
     const std::string fits(42, 'a');
     const std::string tooLong(43, 'b');
     history.add(fits);
     history.add(tooLong);
-    const TranscriptHistoryMenu menu(history, delivery);
+    const TranscriptHistoryMenu menu(history, delivery, mainWindow);
     EXPECT_THAT(titles(*menu.menu()), ElementsAre(std::string(42, 'b') + "...", fits));
     EXPECT_EQ(menu.menu()->items()[0].representedText, tooLong);
 }
@@ -179,7 +195,7 @@ TEST_F(TranscriptHistoryMenuTest, aLongText_isCutInTheTitleOnly) {
 TEST_F(TranscriptHistoryMenuTest, withoutTheRightToPressKeys_theTextIsOnTheClipboardAllTheSame) {
     authorization.setTrusted(false);
     history.add("kept");
-    const TranscriptHistoryMenu menu(history, delivery);
+    const TranscriptHistoryMenu menu(history, delivery, mainWindow);
     choose(*menu.menu(), 0);
     EXPECT_EQ(pasteboard.contents(), "kept");
     EXPECT_THAT(poster.posted, IsEmpty());
@@ -189,7 +205,7 @@ TEST_F(TranscriptHistoryMenuTest, anEmptyText_isNotPasted) {
     defaults.set(TranscriptHistoryStore::storageKey,
                  PropertyValue::array({{{"text", ""}, {"createdAt", 1740837909.0}}}));
     history.load();
-    const TranscriptHistoryMenu menu(history, delivery);
+    const TranscriptHistoryMenu menu(history, delivery, mainWindow);
     choose(*menu.menu(), 0);
     EXPECT_EQ(pasteboard.contents(), std::nullopt);
     EXPECT_EQ(delivery.lastTranscript(), std::nullopt);
@@ -197,7 +213,7 @@ TEST_F(TranscriptHistoryMenuTest, anEmptyText_isNotPasted) {
 
 TEST_F(TranscriptHistoryMenuTest, choosingATextOfSeveralLines_pastesItUnchanged) {
     history.add("one\ntwo");
-    const TranscriptHistoryMenu menu(history, delivery);
+    const TranscriptHistoryMenu menu(history, delivery, mainWindow);
     EXPECT_THAT(titles(*menu.menu()), ElementsAre("one two"));
     choose(*menu.menu(), 0);
     EXPECT_EQ(pasteboard.contents(), "one\ntwo");
@@ -212,20 +228,14 @@ protected:
     InputDeviceMenuTest() {
         devices.setDevices({{"internal", "Built-in"}, {"usb", "USB Mic"}});
         devices.setDefaultDeviceId("internal");
-        manager = std::make_unique<MacAudioManager>(
-            MacAudioManager::Ports{time, time, log, defaults, engine, devices, hardware, speech},
-            [](const std::string& text) { return text; });
-        menu->setRecorder(*manager);
-        manager->setDeviceDelegate(menu);
+        manager.emplace(MacAudioManager::Ports{time, time, log, defaults, engine, devices, hardware, speech},
+                        MacAudioManager::Callbacks{});
+        menu.emplace(time, log, mainWindow, *manager);
         time.runPending();
     }
 
-    test::FakeAudioEngine engine;
-    test::FakeCaptureDevices devices;
-    test::FakeAudioHardware hardware;
-    test::FakeSpeechService speech;
-    std::shared_ptr<InputDeviceMenu> menu = std::make_shared<InputDeviceMenu>(time, log, mainWindow);
-    std::unique_ptr<MacAudioManager> manager;
+    std::optional<MacAudioManager> manager;
+    std::optional<InputDeviceMenu> menu;
 };
 
 TEST_F(InputDeviceMenuTest, listsEveryDeviceTwiceInARow) {

@@ -2,10 +2,13 @@
 // SPDX-License-Identifier: MIT
 #include "Session/TranscriptDelivery.h"
 
-#include "unit/Session/DeliveryFixture.h"
+#include "unit/Session/SessionFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <memory>
+#include <thread>
 
 namespace tovik {
 namespace {
@@ -191,13 +194,40 @@ TEST_F(TranscriptDeliveryTest, whenKeysCannotBePressed_theTextStaysOnThePasteboa
 }
 
 TEST_F(TranscriptDeliveryTest, whenTheOwnerIsGoneDuringTheDelays_nothingIsPressed) {
-    auto shortLived = std::make_unique<TranscriptDelivery>(
-        TranscriptDelivery::Collaborators{time, log, defaults, permissionRequests, dictionary, history,
-                                          translator, mainWindow, pasteboard, poster, workspace, targets});
+    auto shortLived = std::make_unique<TranscriptDelivery>(platform, mainWindow, permissionRequests, targets,
+                                                           dictionary, history, translator);
     shortLived->handleTranscription("hello");
     shortLived.reset();
     finishPaste();
     EXPECT_THAT(poster.posted, IsEmpty());
+}
+
+TEST_F(TranscriptDeliveryTest, textsFromOtherThreads_areHandledOnTheMainThreadInTheirOrder) {
+    std::thread([this] {
+        delivery.receive("one");
+        delivery.receive("two");
+    }).join();
+    EXPECT_THAT(pasteboard.texts(), IsEmpty());
+    time.runPending();
+    EXPECT_THAT(pasteboard.texts(), ElementsAre("one", "two"));
+}
+
+TEST_F(TranscriptDeliveryTest, tellsWhenNothingIsUnderWayAnyMore) {
+    int told = 0;
+    const auto subscription = delivery.delivered.add([&told] { ++told; });
+    delivery.handleTranscription("hello");
+    EXPECT_TRUE(delivery.isUnderWay());
+    time.advance(Seconds(0.27));
+    EXPECT_EQ(told, 0);
+    finishPaste();
+    EXPECT_EQ(told, 1);
+    EXPECT_FALSE(delivery.isUnderWay());
+    poster.waitsForTheUser = true;
+    delivery.handleTranscription("again");
+    finishPaste();
+    EXPECT_EQ(told, 1);
+    poster.userLetsGo();
+    EXPECT_EQ(told, 2);
 }
 
 // Translation.
@@ -248,9 +278,8 @@ TEST_F(TranslatedDeliveryTest, aValueThatIsNoBoolean_meansOff) {
 }
 
 TEST_F(TranslatedDeliveryTest, whenTheOwnerIsGone_aLateTranslationPastesNothing) {
-    auto shortLived = std::make_unique<TranscriptDelivery>(
-        TranscriptDelivery::Collaborators{time, log, defaults, permissionRequests, dictionary, history,
-                                          translator, mainWindow, pasteboard, poster, workspace, targets});
+    auto shortLived = std::make_unique<TranscriptDelivery>(platform, mainWindow, permissionRequests, targets,
+                                                           dictionary, history, translator);
     shortLived->handleTranscription("good morning");
     shortLived.reset();
     translator.answer(std::nullopt);

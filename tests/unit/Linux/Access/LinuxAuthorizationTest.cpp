@@ -57,17 +57,18 @@ protected:
 
 TEST_F(LinuxAuthorizationTest, untilTheUserHasSaidWhetherAServerMayHear_speechIsNotDetermined) {
     hasServer = true;
-    EXPECT_EQ(authorization->speechStatus(), 0);
+    EXPECT_EQ(authorization->speechStatus(), SpeechStatus::notDetermined);
     consent = true;
-    EXPECT_EQ(authorization->speechStatus(), 3);
+    EXPECT_EQ(authorization->speechStatus(), SpeechStatus::authorized);
     consent = false;
-    EXPECT_EQ(authorization->speechStatus(), 1);
+    EXPECT_EQ(authorization->speechStatus(), SpeechStatus::denied);
 }
 
 TEST_F(LinuxAuthorizationTest, whenTheUserAllowsTheServer_remembersItAndAsksNoMore) {
     hasServer = true;
     alert.answerNext(0);
-    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestSpeechAuthorization(
+        [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     time.runPending();
     ASSERT_THAT(alert.questions(), SizeIs(1));
     EXPECT_EQ(alert.questions().front().informativeText, "It would go to a server.");
@@ -79,7 +80,8 @@ TEST_F(LinuxAuthorizationTest, whenTheUserAllowsTheServer_remembersItAndAsksNoMo
 TEST_F(LinuxAuthorizationTest, whenTheUserDoesNotAllowTheServer_speechIsDenied) {
     hasServer = true;
     alert.answerNext(1);
-    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestSpeechAuthorization(
+        [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     time.runPending();
     EXPECT_THAT(statuses, ElementsAre(1));
     EXPECT_EQ(consent, false);
@@ -89,7 +91,8 @@ TEST_F(LinuxAuthorizationTest, whenTheUserDoesNotAllowTheServer_speechIsDenied) 
 TEST_F(LinuxAuthorizationTest, whenTheQuestionAboutTheServerIsClosed_nothingIsDecided) {
     hasServer = true;
     alert.answerNext(-1);
-    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestSpeechAuthorization(
+        [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     time.runPending();
     EXPECT_THAT(statuses, ElementsAre(0));
     EXPECT_EQ(consent, std::nullopt);
@@ -100,14 +103,14 @@ TEST_F(LinuxAuthorizationTest, whenTheQuestionAboutTheServerIsClosed_nothingIsDe
 TEST_F(LinuxAuthorizationTest, theMicrophoneStandsAsTheSoundServerSays) {
     for (const int status : {1, 2, 3, 4}) {
         microphoneStatus = status;
-        EXPECT_EQ(authorization->microphoneStatus(), status);
+        EXPECT_EQ(authorization->microphoneStatus(), MicrophoneStatus{status});
     }
 }
 
-TEST_F(LinuxAuthorizationTest, speechIsAuthorisedWhileAnEngineHasAModelAndNotDeterminedOtherwise) {
-    EXPECT_EQ(authorization->speechStatus(), 3);
+TEST_F(LinuxAuthorizationTest, speechIsAuthorizedWhileAnEngineHasAModelAndNotDeterminedOtherwise) {
+    EXPECT_EQ(authorization->speechStatus(), SpeechStatus::authorized);
     speechExplanation = kNoModel;
-    EXPECT_EQ(authorization->speechStatus(), 0);
+    EXPECT_EQ(authorization->speechStatus(), SpeechStatus::notDetermined);
 }
 
 TEST_F(LinuxAuthorizationTest, theProcessIsTrustedWhileTheKeyboardIsUsable) {
@@ -167,7 +170,8 @@ INSTANTIATE_TEST_SUITE_P(Answers, WhereSomebodyDecides,
 TEST_F(LinuxAuthorizationTest, whenSpeechIsMissing_theRequestReturnsAndThenSaysWhatToInstall) {
     speechExplanation = kNoModel;
     alert.answerNext(kClose);
-    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestSpeechAuthorization(
+        [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     EXPECT_THAT(alert.questions(), IsEmpty());
     time.runPending();
     EXPECT_THAT(alert.questions(),
@@ -180,7 +184,8 @@ TEST_F(LinuxAuthorizationTest, whenTheUserInstalledThePackage_checkingAgainGrant
     speechExplanation = kNoModel;
     alert.onShown = [this] { speechExplanation.clear(); };
     alert.answerNext(kCheckAgain);
-    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestSpeechAuthorization(
+        [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     time.runPending();
     EXPECT_THAT(alert.questions(), SizeIs(1));
     EXPECT_THAT(statuses, ElementsAre(3));
@@ -191,7 +196,8 @@ TEST_F(LinuxAuthorizationTest, whenCheckingAgainFindsNothingNew_theQuestionComes
     alert.answerNext(kCheckAgain);
     alert.answerNext(kCheckAgain);
     alert.answerNext(kClose);
-    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestSpeechAuthorization(
+        [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     time.runPending();
     EXPECT_THAT(alert.questions(), SizeIs(3));
     EXPECT_THAT(statuses, ElementsAre(0));
@@ -201,20 +207,23 @@ TEST_F(LinuxAuthorizationTest, whenTheUserInstalledItAndCloses_thatCountsToo) {
     speechExplanation = kNoModel;
     alert.onShown = [this] { speechExplanation.clear(); };
     alert.answerNext(kClose);
-    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestSpeechAuthorization(
+        [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     time.runPending();
     EXPECT_THAT(statuses, ElementsAre(3));
 }
 
 TEST_F(LinuxAuthorizationTest, whenTheQuestionIsClosedWithoutAButton_theAnswerStillComes) {
     speechExplanation = kNoModel;
-    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestSpeechAuthorization(
+        [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     time.runPending();
     EXPECT_THAT(statuses, ElementsAre(0));
 }
 
 TEST_F(LinuxAuthorizationTest, whenNothingIsMissingAnyMore_answersWithoutAQuestion) {
-    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestSpeechAuthorization(
+        [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     authorization->requestMicrophoneAccess([this](bool granted) { grants.push_back(granted); });
     time.runPending();
     EXPECT_THAT(alert.questions(), IsEmpty());
@@ -225,7 +234,8 @@ TEST_F(LinuxAuthorizationTest, whenNothingIsMissingAnyMore_answersWithoutAQuesti
 TEST_F(LinuxAuthorizationTest, whenAskedAgainBeforeTheAnswer_oneQuestionAnswersAll) {
     speechExplanation = kNoModel;
     const auto ask = [this] {
-        authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+        authorization->requestSpeechAuthorization(
+            [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     };
     alert.onShown = ask;
     alert.answerNext(kClose);
@@ -239,7 +249,8 @@ TEST_F(LinuxAuthorizationTest, whenAskedAgainBeforeTheAnswer_oneQuestionAnswersA
 TEST_F(LinuxAuthorizationTest, whenAskedAgainAfterTheAnswer_asksAnew) {
     speechExplanation = kNoModel;
     for (int round = 0; round < 2; ++round) {
-        authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+        authorization->requestSpeechAuthorization(
+            [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
         time.runPending();
     }
     EXPECT_THAT(alert.questions(), SizeIs(2));
@@ -248,8 +259,9 @@ TEST_F(LinuxAuthorizationTest, whenAskedAgainAfterTheAnswer_asksAnew) {
 
 TEST_F(LinuxAuthorizationTest, whenAnAnswerLeadsToTheNextRequest_thatIsAskedToo) {
     speechExplanation = kNoModel;
-    authorization->requestSpeechAuthorization([this](int) {
-        authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestSpeechAuthorization([this](SpeechStatus) {
+        authorization->requestSpeechAuthorization(
+            [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     });
     time.runPending();
     EXPECT_THAT(alert.questions(), SizeIs(2));
@@ -273,7 +285,8 @@ TEST_F(LinuxAuthorizationTest, whenMicrophoneAndSpeechAreBothAsked_eachHasItsOwn
     microphoneExplanation = "No microphone was found.";
     speechExplanation = kNoModel;
     authorization->requestMicrophoneAccess([this](bool granted) { grants.push_back(granted); });
-    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestSpeechAuthorization(
+        [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     time.runPending();
     EXPECT_THAT(alert.questions(), SizeIs(2));
 }
@@ -300,7 +313,8 @@ TEST_F(LinuxAuthorizationTest, whenTheKeyboardIsUsable_thePromptStaysAway) {
 
 TEST_F(LinuxAuthorizationTest, whenTheProgramEndsBeforeTheQuestion_nothingIsShown) {
     speechExplanation = kNoModel;
-    authorization->requestSpeechAuthorization([this](int status) { statuses.push_back(status); });
+    authorization->requestSpeechAuthorization(
+        [this](SpeechStatus status) { statuses.push_back(static_cast<int>(status)); });
     authorization.reset();
     time.runPending();
     EXPECT_THAT(alert.questions(), IsEmpty());

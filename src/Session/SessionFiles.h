@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tovik {
 
@@ -35,6 +36,27 @@ private:
     std::string folder_;
     std::string path_;
     std::int64_t processIdentifier_;
+};
+
+/// A trace of the launch in a file that only grows, for the day on which a launch goes wrong.
+class DebugLog {
+public:
+    /// The folder of the file is made when it is missing.
+    DebugLog(Files& files, const Clock& clock, SystemLog& log, std::string path);
+
+    /// Every failure to write the file is silent; the system log has the line all the same, and the file gets
+    /// it with the next line that can be written.
+    void debugLog(std::string_view message);
+
+private:
+    [[nodiscard]] bool createFile();
+
+    Files& files_;
+    const Clock& clock_;
+    SystemLog& log_;
+    std::string path_;
+    /// What the file lacks so far.
+    std::string unwritten_;
 };
 
 } // namespace tovik

@@ -3,38 +3,24 @@
 #pragma once
 
 #include "Platform/Clock.h"
-#include "Platform/Lifetime.h"
-#include "Platform/MainQueue.h"
-#include "Platform/SystemLog.h"
-
-#include <functional>
+#include "Platform/Subscription.h"
 
 namespace tovik {
 
 class Recorder;
 class TranscriptDelivery;
-class TranscriptInbox;
+struct Platform;
 
 /// Ends the program without losing what was spoken last: a recording that runs is ended, and a text that is
 /// still on its way is delivered first, if it comes soon. Main thread.
-class Farewell {
+class Shutdown {
 public:
     /// How long the text of a dictation is waited for when the session ends, which kills programs that take
     /// longer, and when the user quits.
     static constexpr Seconds patienceOfSession{3.0};
     static constexpr Seconds patienceOfUser{10.0};
 
-    struct Collaborators {
-        Clock& clock;
-        MainQueue& queue;
-        SystemLog& log;
-        Recorder& recorder;
-        TranscriptDelivery& delivery;
-        TranscriptInbox& inbox;
-        std::function<void()> terminate;
-    };
-
-    explicit Farewell(Collaborators collaborators);
+    Shutdown(const Platform& platform, Recorder& recorder, TranscriptDelivery& delivery);
 
     /// Terminates now when nothing is under way, or when it was asked for before; otherwise as soon as the
     /// text has been delivered, and at the end of the patience whatever comes.
@@ -46,15 +32,17 @@ public:
 
 private:
     [[nodiscard]] bool isUnderWay() const;
-    void look();
+    void terminateOnceDelivered();
     void giveUp();
     void terminate();
 
-    const Collaborators with_;
+    const Platform& platform_;
+    Recorder& recorder_;
+    TranscriptDelivery& delivery_;
     bool hasBegun_ = false;
-    Subscription looking_;
+    Subscription recognised_;
+    Subscription delivered_;
     Subscription ending_;
-    Lifetime lifetime_;
 };
 
 } // namespace tovik
