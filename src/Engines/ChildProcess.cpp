@@ -149,6 +149,10 @@ Result<std::unique_ptr<ChildProcess>> ChildProcess::start(Program program) {
 Result<void> ChildProcess::spawn(Program& program) {
     Ends input{UnixFd(), std::move(program.input)};
     Ends output;
+    if (input.theirs) {
+        // Our end of another program's output does not block; few programs expect that of their input.
+        ::fcntl(input.theirs.get(), F_SETFL, ::fcntl(input.theirs.get(), F_GETFL) & ~O_NONBLOCK);
+    }
     if (program.hasInput) {
         auto made = makeInput();
         if (!made) {

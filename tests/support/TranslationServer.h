@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Engines/Apertium/StageProcesses.h"
+#include "Engines/Apertium/WarmPipeline.h"
 #include "support/HttpServer.h"
 
 #include <memory>

@@ -11,8 +11,22 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace tovik {
+
+/// What a mode for the pair may be called; the first that is installed is the best. Empty for languages that
+/// are not in the program's table.
+[[nodiscard]] std::vector<std::string> modeNames(const TranslationPair& pair);
+
+/// The Debian package that brings the pair; nothing when there is none.
+[[nodiscard]] std::optional<std::string> packageOfPair(const TranslationPair& pair);
+
+/// The stages that a mode file of Apertium names, each told to answer whenever a text is over instead of when
+/// its input ends, and not to mark the words that it does not know. Fails on what is not a plain pipeline of
+/// programs.
+[[nodiscard]] Result<std::vector<Stage>> stagesOfMode(std::string_view content);
 
 /// Translates on this machine with Apertium, as far as its pairs are installed: at once, offline, and
 /// roughly.

@@ -2,11 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/Apertium/WarmPipeline.h"
 
-#include "Engines/Apertium/StageProcesses.h"
 #include "Engines/Apertium/StreamText.h"
 
+#include <poll.h>
 #include <signal.h>
 
+#include <array>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -21,6 +22,12 @@ namespace {
 constexpr Seconds kIdleLimit{300.0};
 constexpr Seconds kTimeLimit{10.0};
 constexpr double kBytesForOneMoreSecond = 10000.0;
+/// Far beyond any translation of what is sent.
+constexpr std::size_t kLongestAnswer = 64 << 20;
+
+Error stopped() {
+    return {"Apertium", 3, "The Apertium translator stopped before it answered."};
+}
 
 Error tookTooLong() {
     return {"Apertium", 4, "The Apertium translator took too long."};
@@ -30,14 +37,63 @@ Error misunderstood() {
     return {"Apertium", 5, "The Apertium translator gave no proper answer."};
 }
 
-void blockBrokenPipes() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+} // namespace
+
+Result<std::unique_ptr<StageProcesses>> StageProcesses::start(const std::vector<Stage>& stages) {
+    std::unique_ptr<StageProcesses> started(new StageProcesses);
+    auto& programs = started->programs_;
+    for (const auto& stage : stages) {
+        // In a character encoding that the stages can read.
+        ChildProcess::Program program{.command = stage, .hasOutput = true, .environment = {"LC_ALL=C.UTF-8"}};
+        if (programs.empty()) {
+            program.hasInput = true;
+        } else {
+            program.input = std::move(programs.back()->output());
+        }
+        auto child = ChildProcess::start(std::move(program));
+        if (!child) {
+            return child.error();
+        }
+        programs.push_back(std::move(child.value()));
+    }
+    return started;
 }
 
-} // namespace
+StageProcesses::~StageProcesses() {
+    // All at once: each waits for its end.
+    kill();
+}
+
+void StageProcesses::kill() const {
+    for (const auto& program : programs_) {
+        program->kill(SIGKILL);
+    }
+}
+
+Result<std::string> StageProcesses::exchange(std::string_view request) {
+    auto& first = *programs_.front();
+    auto& last = *programs_.back();
+    std::string answer;
+    while (!answer.ends_with('\0')) {
+        std::array<pollfd, 2> watched{pollfd{last.output().get(), POLLIN, 0},
+                                      pollfd{request.empty() ? -1 : first.input().get(), POLLOUT, 0}};
+        if (::poll(watched.data(), watched.size(), -1) < 0) {
+            continue;
+        }
+        if (watched[1].revents != 0) {
+            const auto sent = first.write(request);
+            if (!sent) {
+                return stopped();
+            }
+            request.remove_prefix(*sent);
+        }
+        if (watched[0].revents != 0 && (!last.read(answer) || answer.size() > kLongestAnswer)) {
+            return stopped();
+        }
+    }
+    answer.pop_back();
+    return answer;
+}
 
 /// The thread that talks with the programs.
 class WarmPipeline::Worker {
@@ -96,7 +152,6 @@ private:
     };
 
     void run() {
-        blockBrokenPipes();
         std::unique_lock lock(mutex_);
         while (!isEnding_) {
             if (!jobs_.empty()) {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Engines/Apertium/ModeFile.h"
+#include "Engines/ChildProcess.h"
 #include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
 #include "Platform/Result.h"
@@ -12,9 +12,35 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tovik {
+
+/// A program of a pipeline and its arguments.
+using Stage = std::vector<std::string>;
+
+/// The running programs of one pipeline, joined by pipes. They end with this object, and when this process
+/// ends. For one thread; kill() is for any.
+class StageProcesses {
+public:
+    [[nodiscard]] static Result<std::unique_ptr<StageProcesses>> start(const std::vector<Stage>& stages);
+    ~StageProcesses();
+    StageProcesses(const StageProcesses&) = delete;
+    StageProcesses& operator=(const StageProcesses&) = delete;
+
+    /// Sends a request, which ends with a zero byte, and waits for as much of an answer, given without that
+    /// byte. Fails when a program ends or is killed, after which every further exchange fails.
+    [[nodiscard]] Result<std::string> exchange(std::string_view request);
+
+    /// Lets an exchange that another thread is waiting for fail at once.
+    void kill() const;
+
+private:
+    StageProcesses() = default;
+
+    std::vector<std::unique_ptr<ChildProcess>> programs_;
+};
 
 /// One pair's pipeline: started with its first text, kept running for the next ones, started again when it
 /// has died, and ended when nobody needed it for five minutes. Main thread; the texts go through on a thread

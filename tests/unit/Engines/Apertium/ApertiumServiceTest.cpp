@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/Apertium/ApertiumService.h"
 
+#include "Speech/Translation/TranslationLanguage.h"
 #include "support/ManualTime.h"
 #include "support/TemporaryFolder.h"
 
@@ -14,7 +15,11 @@
 namespace tovik {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::Optional;
 
 class ApertiumServiceTest : public testing::Test {
 protected:
@@ -93,6 +98,60 @@ TEST_F(ApertiumServiceTest, pairs_haveTheirOwnPrograms) {
     install("spa-eng", "sed -u -e 's/casa/house/'");
     EXPECT_EQ(translate({"en", "es"}, "a house").value(), "a casa");
     EXPECT_EQ(translate({"es", "en"}, "a casa").value(), "a house");
+}
+
+TEST(LanguagePairs, modes_areLookedForUnderEveryNameTheyMayHave) {
+    EXPECT_THAT(modeNames({"en", "es"}), ElementsAre("eng-spa", "en-spa", "eng-es", "en-es"));
+    EXPECT_EQ(modeNames({"es", "pt-BR"}).front(), "spa-por_BR");
+    EXPECT_THAT(modeNames({"zh-Hans", "en"}), ElementsAre("zho-eng", "zh-eng", "zho-en", "zh-en"));
+}
+
+TEST(LanguagePairs, everyLanguageOfTheTable_hasModeNames) {
+    for (const auto& language : availableTranslationLanguages()) {
+        EXPECT_THAT(modeNames({language.id, "en"}), Not(IsEmpty())) << language.id;
+    }
+    EXPECT_THAT(modeNames({"xx", "en"}), IsEmpty());
+    EXPECT_THAT(modeNames({"en", "../../etc/passwd"}), IsEmpty());
+}
+
+TEST(LanguagePairs, packages_areKnownForBothDirections) {
+    struct Row {
+        TranslationPair pair;
+        const char* package;
+    };
+    const Row rows[] = {
+        {{"en", "es"}, "apertium-eng-spa"}, {{"es", "en"}, "apertium-eng-spa"},
+        {{"fr", "es"}, "apertium-fr-es"},   {{"pt-BR", "es"}, "apertium-es-pt"},
+        {{"it", "es"}, "apertium-spa-ita"}, {{"uk", "ru"}, "apertium-rus-ukr"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_THAT(packageOfPair(row.pair), Optional(std::string(row.package)));
+    }
+    EXPECT_EQ(packageOfPair({"en", "ja"}), std::nullopt);
+    EXPECT_EQ(packageOfPair({"en", "en"}), std::nullopt);
+}
+
+TEST(ModeFile, aPipeline_becomesItsProgramsInNullFlushMode) {
+    const auto stages = stagesOfMode("lt-proc '/data/a b.bin' | apertium-tagger -g $2 '/data/x.prob' |\n"
+                                     "  lt-proc $1 '/data/gen.bin'\n");
+    ASSERT_TRUE(stages);
+    EXPECT_THAT(stages.value(), ElementsAre(Stage{"lt-proc", "-z", "/data/a b.bin"},
+                                            Stage{"apertium-tagger", "-z", "-g", "/data/x.prob"},
+                                            Stage{"lt-proc", "-z", "-n", "/data/gen.bin"}));
+}
+
+TEST(ModeFile, quotesInsideAnArgument_joinIt) {
+    const auto stages = stagesOfMode("cg-proc '/a'/b'|c'");
+    ASSERT_TRUE(stages);
+    EXPECT_THAT(stages.value(), ElementsAre(Stage{"cg-proc", "-z", "/a/b|c"}));
+}
+
+TEST(ModeFile, anythingButAPipeline_isRefused) {
+    for (const auto* content : {"", "  \n", "a |", "| a", "a || b", "a; b", "a && b", "a > b", "a < b",
+                                "a `b`", "a $(b)", "a 'b", "a \"b\"", "a \\b"}) {
+        const auto stages = stagesOfMode(content);
+        EXPECT_FALSE(stages) << content;
+    }
 }
 
 } // namespace
