@@ -20,7 +20,7 @@ namespace tovik {
 
 /// All speech engines of this program, as one: a locale is recognised by the first engine that can, in an
 /// order that the user default "platform.speech.engine" chooses: "vosk", "server" or "pocketsphinx" alone, or
-/// "auto", which tries them in that order. Main thread; needs a Qt application.
+/// "auto", which tries them in that order. Main thread.
 class SpeechEngines : public SpeechService {
 public:
     struct Services {

@@ -38,8 +38,8 @@ std::string_view trimmed(std::string_view text) {
 }
 
 /// The head of a request without its empty line; nothing when it makes no sense.
-std::optional<HttpRequest> parseHead(std::string_view head) {
-    HttpRequest request;
+std::optional<ReceivedRequest> parseHead(std::string_view head) {
+    ReceivedRequest request;
     const auto firstLine = head.substr(0, head.find("\r\n"));
     const auto afterMethod = firstLine.find(' ');
     const auto afterTarget = firstLine.rfind(' ');
@@ -61,7 +61,7 @@ std::optional<HttpRequest> parseHead(std::string_view head) {
     return request;
 }
 
-std::size_t contentLength(const HttpRequest& request) {
+std::size_t contentLength(const ReceivedRequest& request) {
     std::size_t length = 0;
     if (const auto found = request.headers.find("content-length"); found != request.headers.end()) {
         const auto& text = found->second;
@@ -103,7 +103,7 @@ struct HttpServer::State {
     mutable std::mutex mutex;
     mutable std::condition_variable changed;
     Handler handler;
-    std::vector<HttpRequest> requests;
+    std::vector<ReceivedRequest> requests;
     std::size_t releases = 0;
     bool isEnding = false;
     int port = 0;
@@ -136,7 +136,7 @@ public:
         return true;
     }
 
-    [[nodiscard]] std::optional<HttpRequest> receiveRequest() {
+    [[nodiscard]] std::optional<ReceivedRequest> receiveRequest() {
         auto endOfHead = std::string::npos;
         while ((endOfHead = received_.find("\r\n\r\n")) == std::string::npos) {
             if (!receiveMore()) {
@@ -326,7 +326,7 @@ void HttpServer::release() {
     state_->changed.notify_all();
 }
 
-std::vector<HttpRequest> HttpServer::requests() const {
+std::vector<ReceivedRequest> HttpServer::requests() const {
     const std::lock_guard lock(state_->mutex);
     return state_->requests;
 }

@@ -13,7 +13,7 @@
 
 namespace tovik::test {
 
-struct HttpRequest {
+struct ReceivedRequest {
     std::string method;
     /// Path and query, as sent.
     std::string target;
@@ -28,7 +28,7 @@ using HttpHeaders = std::vector<std::pair<std::string, std::string>>;
 /// Every write is on its way before the call returns; it answers false when the other side is gone.
 class HttpExchange {
 public:
-    [[nodiscard]] const HttpRequest& request() const { return request_; }
+    [[nodiscard]] const ReceivedRequest& request() const { return request_; }
 
     /// A whole answer; the connection stays open for the next request.
     bool answer(int status, const std::string& contentType, std::string_view body,
@@ -55,12 +55,12 @@ private:
     friend class HttpServer;
     class Connection;
 
-    HttpExchange(Connection& connection, HttpRequest request)
+    HttpExchange(Connection& connection, ReceivedRequest request)
         : connection_(connection),
           request_(std::move(request)) {}
 
     Connection& connection_;
-    HttpRequest request_;
+    ReceivedRequest request_;
 };
 
 /// A small HTTP/1.1 server on a free port of this machine, for tests of network services. Each connection has
@@ -86,7 +86,7 @@ public:
     void release();
 
     /// All requests so far, in the order in which they were complete.
-    [[nodiscard]] std::vector<HttpRequest> requests() const;
+    [[nodiscard]] std::vector<ReceivedRequest> requests() const;
     /// Blocks until so many requests are complete; false when that takes longer.
     [[nodiscard]] bool waitForRequests(std::size_t count,
                                        std::chrono::milliseconds patience = std::chrono::seconds(15)) const;

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "Transcriber.h"
 
-#include <QCoreApplication>
-
 #include <cstdio>
 #include <iostream>
 #include <nlohmann/json.hpp>
@@ -161,7 +159,6 @@ int transcribeAll(const Options& options) {
 
 int main(int count, char** arguments) {
     std::ios::sync_with_stdio(true);
-    const QCoreApplication application(count, arguments);
     const auto options = parse(count, arguments);
     if (options.help) {
         std::cout << kHelp;

@@ -2,10 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/LibreTranslate/LibreTranslateService.h"
 
-#include "Engines/Http/SecretTransport.h"
-
-#include <algorithm>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace tovik {
@@ -17,6 +15,12 @@ constexpr auto kApiKey = "platform.translation.apiKey";
 /// The desktop may ask the user to unlock the key ring. A dictation does not wait for that any longer; the
 /// next one has the key.
 constexpr Seconds kKeyTimeLimit{3.0};
+/// For an answer, and what a longer text gets besides.
+constexpr Seconds kTimeLimit{10.0};
+constexpr double kBytesForOneMoreSecond = 1000;
+/// Far beyond any list of languages, and any translation of a text.
+constexpr std::uint64_t kLongestAnswer = 1 << 20;
+constexpr std::uint64_t kMostBytesForOne = 16;
 
 Error serverError(int code, const std::string& sentence) {
     return {"TranslationServer", code, sentence};
@@ -40,13 +44,75 @@ Error nonsense() {
     return serverError(2, "The translation server gave an answer that makes no sense.");
 }
 
-QUrl addressOf(const std::string& url, const char* path) {
-    return QUrl(QString::fromStdString(url) + path);
+Error noAnswer(const HttpFailure& failure) {
+    const auto because = [](const std::string& reason) {
+        return serverError(1, "The translation server gave no answer: " + reason);
+    };
+    switch (failure.kind) {
+    case HttpFailure::Kind::timedOut:
+        return because("it took too long.");
+    case HttpFailure::Kind::tooLong:
+        return because("it was too long.");
+    default:
+        return because("it " + failure.description + ".");
+    }
+}
+
+/// Servers of different ages call the same language differently.
+std::vector<std::string> codesOf(const std::string& language) {
+    if (language == "zh-Hans") {
+        return {"zh-Hans", "zh"};
+    }
+    if (language == "zh-Hant") {
+        return {"zh-Hant", "zt"};
+    }
+    if (language == "pt-BR") {
+        return {"pt-BR", "pb", "pt"};
+    }
+    return {language};
 }
 
 } // namespace
 
-LibreTranslateService::LibreTranslateService(const Ports& ports) : ports_(ports), transfer_(ports.queue) {}
+std::optional<ServerLanguages> ServerLanguages::read(const nlohmann::json& answer) {
+    if (!answer.is_array()) {
+        return std::nullopt;
+    }
+    ServerLanguages languages;
+    for (const auto& entry : answer) {
+        if (!entry.is_object() || !entry.contains("code") || !entry["code"].is_string()) {
+            return std::nullopt;
+        }
+        auto& targets = languages.targets_[entry["code"].get<std::string>()];
+        if (!entry.contains("targets") || !entry["targets"].is_array()) {
+            continue;
+        }
+        targets.emplace();
+        for (const auto& target : entry["targets"]) {
+            if (target.is_string()) {
+                targets->insert(target.get<std::string>());
+            }
+        }
+    }
+    return languages;
+}
+
+std::optional<TranslationPair> ServerLanguages::codesFor(const TranslationPair& pair) const {
+    for (const auto& source : codesOf(pair.source)) {
+        const auto found = targets_.find(source);
+        if (found == targets_.end()) {
+            continue;
+        }
+        for (const auto& target : codesOf(pair.target)) {
+            if (found->second ? found->second->contains(target) : targets_.contains(target)) {
+                return TranslationPair{source, target};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+LibreTranslateService::LibreTranslateService(const Ports& ports) : ports_(ports) {}
 
 std::string LibreTranslateService::url() const {
     auto url = ports_.defaults.string(kUrlKey).value_or("");
@@ -54,6 +120,11 @@ std::string LibreTranslateService::url() const {
         url.pop_back();
     }
     return url;
+}
+
+std::string LibreTranslateService::urlOf(const std::string& function) const {
+    const auto address = WebAddress::parse(url());
+    return address ? address->url(address->path + function) : url() + function;
 }
 
 bool LibreTranslateService::isChosen() const {
@@ -64,9 +135,7 @@ std::optional<std::string> LibreTranslateService::whyUnavailable() const {
     if (!isChosen()) {
         return "No translation server is named in the setting platform.translation.url.";
     }
-    const auto address = addressOf(url(), "");
-    if (!address.isValid() || address.host().isEmpty() ||
-        (address.scheme() != "http" && address.scheme() != "https")) {
+    if (!WebAddress::parse(url())) {
         return "The setting platform.translation.url is no web address.";
     }
     return std::nullopt;
@@ -94,6 +163,40 @@ std::optional<Subscription> LibreTranslateService::offerSessions(const Translati
         Seconds(0), [session = std::move(session), handler = std::move(handler)] { handler(session); });
 }
 
+/// textSize: of what is to be translated; a long text may take longer and have a longer answer.
+void LibreTranslateService::ask(HttpRequest request, std::size_t textSize, AnswerCompletion completion) {
+    const auto id = ++lastQuestion_;
+    request.headers = {"Accept: application/json"};
+    // The queue's clock decides, for everything together.
+    constexpr auto kUnlimited = HttpLimits::unlimited;
+    request.limits = {.connect = kUnlimited,
+                      .stall = kUnlimited,
+                      .firstByte = kUnlimited,
+                      .answer = kUnlimited,
+                      .mostBytes = kLongestAnswer + kMostBytesForOne * textSize};
+    const auto limit = kTimeLimit + Seconds(static_cast<double>(textSize) / kBytesForOneMoreSecond);
+    auto here = lifetime_.guard([this, id](const HttpOutcome& outcome) { answered(id, outcome); });
+    auto transfer = http_.send(std::move(request), [&queue = ports_.queue, here](const HttpOutcome& outcome) {
+        queue.async([here, outcome]() mutable { here(outcome); });
+    });
+    auto timeLimit = ports_.queue.after(limit, [this, id] {
+        answered(id, HttpFailure{HttpFailure::Kind::timedOut, "took too long"});
+    });
+    questions_[id] = {std::move(completion), std::move(transfer), std::move(timeLimit)};
+}
+
+void LibreTranslateService::answered(int id, const HttpOutcome& outcome) {
+    auto question = questions_.extract(id);
+    if (question.empty()) {
+        return;
+    }
+    question.mapped().transfer.end();
+    question.mapped().timeLimit.end();
+    const auto* const response = std::get_if<HttpResponse>(&outcome);
+    question.mapped().completion(response != nullptr ? Result<HttpResponse>(*response)
+                                                     : noAnswer(std::get<HttpFailure>(outcome)));
+}
+
 void LibreTranslateService::fetchLanguages(LanguagesCompletion completion) {
     const auto server = url();
     if (languages_ && languagesUrl_ == server) {
@@ -106,14 +209,14 @@ void LibreTranslateService::fetchLanguages(LanguagesCompletion completion) {
     waiting_.push_back(std::move(completion));
     if (!isAskedAlready) {
         languages_.reset();
-        transfer_.get(
-            addressOf(server, "/languages"),
-            [this, server](const Result<JsonTransfer::Answer>& answer) { languagesCame(server, answer); });
+        HttpRequest request;
+        request.url = urlOf("/languages");
+        ask(std::move(request), 0,
+            [this, server](const Result<HttpResponse>& answer) { languagesCame(server, answer); });
     }
 }
 
-void LibreTranslateService::languagesCame(const std::string& url,
-                                          const Result<JsonTransfer::Answer>& answer) {
+void LibreTranslateService::languagesCame(const std::string& url, const Result<HttpResponse>& answer) {
     if (url != languagesUrl_) {
         return;
     }
@@ -124,7 +227,7 @@ void LibreTranslateService::languagesCame(const std::string& url,
         if (answer.value().status >= 300) {
             return refusal(answer.value().status);
         }
-        const auto languages = ServerLanguages::read(answer.value().content);
+        const auto languages = ServerLanguages::read(answer.value().json());
         return languages ? Result<ServerLanguages>(*languages) : nonsense();
     }();
     if (outcome) {
@@ -184,31 +287,33 @@ void LibreTranslateService::send(const TranslationPair& codes, const std::string
                                  const std::optional<std::string>& key, TextCompletion completion) {
     nlohmann::json content{
         {"q", text}, {"source", codes.source}, {"target", codes.target}, {"format", "text"}};
-    const auto server = addressOf(url(), "/translate");
-    if (key && mayHaveKey(server)) {
+    if (key && mayHaveKey()) {
         content["api_key"] = *key;
     }
-    transfer_.post(server, content,
-                   [this, completion = std::move(completion)](const Result<JsonTransfer::Answer>& answer) {
-                       completion(textOf(answer));
-                   });
+    HttpRequest request;
+    request.url = urlOf("/translate");
+    request.body = content.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    request.contentType = "application/json";
+    ask(std::move(request), text.size(),
+        [this, completion = std::move(completion)](const Result<HttpResponse>& answer) {
+            completion(textOf(answer));
+        });
 }
 
-bool LibreTranslateService::mayHaveKey(const QUrl& server) const {
-    const bool isSafe =
-        isSafeForKeys(server.scheme() == "https", server.host(QUrl::FullyEncoded).toStdString());
-    if (!isSafe) {
+bool LibreTranslateService::mayHaveKey() const {
+    const auto address = WebAddress::parse(url());
+    if (address && !address->isSafeForKeys()) {
         ports_.log.logLine("[TovikVoice] The translation server's key is not sent, since the connection to " +
-                           server.host(QUrl::FullyEncoded).toStdString() + " is not encrypted");
+                           address->host + " is not encrypted");
     }
-    return isSafe;
+    return address && address->isSafeForKeys();
 }
 
-Result<std::string> LibreTranslateService::textOf(const Result<JsonTransfer::Answer>& answer) {
+Result<std::string> LibreTranslateService::textOf(const Result<HttpResponse>& answer) {
     if (!answer) {
         return answer.error();
     }
-    const auto& [status, content] = answer.value();
+    const auto status = answer.value().status;
     if (status == 401 || status == 403) {
         // The user may put another key into the store.
         secretKey_.reset();
@@ -216,11 +321,14 @@ Result<std::string> LibreTranslateService::textOf(const Result<JsonTransfer::Ans
     if (status >= 300) {
         return refusal(status);
     }
+    const auto content = answer.value().json();
     if (!content.is_object() || !content.contains("translatedText") ||
         !content["translatedText"].is_string()) {
         return nonsense();
     }
-    return content["translatedText"].get<std::string>();
+    auto text = content["translatedText"].get<std::string>();
+    // Nothing in place of what was said would be pasted as if it were a translation.
+    return text.empty() ? Result<std::string>(nonsense()) : std::move(text);
 }
 
 } // namespace tovik

@@ -2,20 +2,19 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/Server/ServerProcess.h"
 
-#include <sys/prctl.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
+#include <array>
+#include <cstdint>
 #include <utility>
 
 namespace tovik {
 
 namespace {
-
-/// The server's first process hears of our end from the system. Those that it has started itself, as a script
-/// does, are reached by their group. The number stays the group's as long as one of them lives.
-constexpr auto kWatch = "read -r _; kill -s TERM -- \"-$0\"; sleep 2; kill -s KILL -- \"-$0\"";
 
 std::chrono::milliseconds milliseconds(Seconds time) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(time);
@@ -23,128 +22,133 @@ std::chrono::milliseconds milliseconds(Seconds time) {
 
 } // namespace
 
-ServerProcess::ServerProcess(std::shared_ptr<SharedLog> log, Pauses pauses)
-    : log_(std::move(log)),
+ServerProcess::ServerProcess(SystemLog& log, Pauses pauses)
+    : log_(log),
       pauses_(pauses),
-      pause_(pauses.first) {
-    startAgain_.setSingleShot(true);
-    runsWell_.setSingleShot(true);
-    QObject::connect(&startAgain_, &QTimer::timeout, &startAgain_, [this] { start(); });
-    QObject::connect(&runsWell_, &QTimer::timeout, &runsWell_, [this] { pause_ = pauses_.first; });
-}
+      news_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      pause_(pauses.first) {}
 
 ServerProcess::~ServerProcess() {
-    end();
+    {
+        const std::lock_guard lock(mutex_);
+        isEnding_ = true;
+    }
+    wake();
+    if (thread_.joinable()) {
+        thread_.join();
+    }
 }
 
 void ServerProcess::need(const std::vector<std::string>& command) {
+    const std::lock_guard lock(mutex_);
     if (command != command_) {
-        end();
         command_ = command;
         pause_ = pauses_.first;
+        startAt_ = {};
     }
-    if (!command_.empty() && !process_ && !startAgain_.isActive()) {
-        start();
+    if (!command_.empty() && !thread_.joinable()) {
+        thread_ = std::thread([this] { run(); });
     }
+    wake();
+}
+
+std::shared_ptr<void> ServerProcess::keep() {
+    const std::lock_guard lock(mutex_);
+    ++keepers_;
+    return {this, [this](void*) {
+                {
+                    const std::lock_guard again(mutex_);
+                    --keepers_;
+                }
+                wake();
+            }};
+}
+
+pid_t ServerProcess::processId() const {
+    const std::lock_guard lock(mutex_);
+    return child_ ? child_->processId() : 0;
+}
+
+void ServerProcess::wake() const {
+    static_cast<void>(::eventfd_write(news_.get(), 1));
+}
+
+/// What is to run now: nobody would start it again for a dictation that it still works on.
+const std::vector<std::string>& ServerProcess::wanted() const {
+    return command_.empty() && keepers_ > 0 ? running_ : command_;
+}
+
+void ServerProcess::run() {
+    std::unique_lock lock(mutex_);
+    while (!isEnding_) {
+        if (child_) {
+            watch(lock);
+        } else if (wanted().empty()) {
+            running_.clear();
+            wait(lock, std::nullopt);
+        } else if (Clock::now() < startAt_) {
+            wait(lock, startAt_);
+        } else {
+            start();
+        }
+    }
+    endChild(lock);
+}
+
+/// Until there is news, the program ends, or it is time.
+void ServerProcess::wait(std::unique_lock<std::mutex>& lock, std::optional<Clock::time_point> until) const {
+    std::array<pollfd, 2> watched{pollfd{news_.get(), POLLIN, 0},
+                                  pollfd{child_ ? child_->endSignal() : -1, POLLIN, 0}};
+    lock.unlock();
+    const auto left =
+        until ? std::chrono::ceil<std::chrono::milliseconds>(*until - Clock::now()).count() : -1;
+    ::poll(watched.data(), watched.size(), until ? static_cast<int>(std::max<std::int64_t>(left, 0)) : -1);
+    eventfd_t news = 0;
+    static_cast<void>(::eventfd_read(news_.get(), &news));
+    lock.lock();
 }
 
 void ServerProcess::start() {
-    process_ = std::make_unique<QProcess>();
-    process_->setStandardInputFile(QProcess::nullDevice());
-    process_->setStandardOutputFile(QProcess::nullDevice());
-    process_->setStandardErrorFile(QProcess::nullDevice());
-    // System calls only: this runs between fork and exec.
-    process_->setChildProcessModifier([parent = ::getpid()] {
-        ::setpgid(0, 0);
-        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-        if (::getppid() != parent) {
-            ::_exit(1);
-        }
-    });
-    QObject::connect(process_.get(), &QProcess::started, process_.get(), [this] {
-        log_->logLine("[TovikVoice] The speech server " + command_.front() + " was started, process " +
-                      std::to_string(process_->processId()));
-    });
-    QObject::connect(process_.get(), &QProcess::finished, process_.get(),
-                     [this](int code, QProcess::ExitStatus status) {
-                         // Its children hold the port and the memory that the next one needs. At once, since
-                         // the number is the group's only as long as one of them lives.
-                         killGroup();
-                         ended(status == QProcess::NormalExit ? "ended with " + std::to_string(code)
-                                                              : "was killed by a signal");
-                     });
-    QObject::connect(process_.get(), &QProcess::errorOccurred, process_.get(),
-                     [this](QProcess::ProcessError error) {
-                         if (error == QProcess::FailedToStart) {
-                             ended("cannot be started: " + process_->errorString().toStdString());
-                         }
-                     });
-    QStringList arguments;
-    for (std::size_t i = 1; i < command_.size(); ++i) {
-        arguments << QString::fromStdString(command_[i]);
-    }
-    runsWell_.start(milliseconds(pauses_.good));
-    group_ = 0;
-    process_->start(QString::fromStdString(command_.front()), arguments);
-    if (process_ && process_->processId() > 0) {
-        group_ = static_cast<pid_t>(process_->processId());
-        startWatcher();
-    }
-}
-
-void ServerProcess::startWatcher() {
-    watcher_ = std::make_unique<QProcess>();
-    watcher_->setStandardOutputFile(QProcess::nullDevice());
-    watcher_->setStandardErrorFile(QProcess::nullDevice());
-    // What ends our group must not end the one that cleans up after us.
-    watcher_->setChildProcessModifier([] { ::setpgid(0, 0); });
-    watcher_->start("/bin/sh", {"-c", kWatch, QString::number(group_)});
-}
-
-void ServerProcess::endWatcher() {
-    if (watcher_) {
-        watcher_->disconnect();
-        watcher_->kill();
-        watcher_->waitForFinished(-1);
-        watcher_.reset();
-    }
-}
-
-void ServerProcess::ended(const std::string& how) {
-    runsWell_.stop();
-    endWatcher();
-    log_->logLine("[TovikVoice] The speech server " + command_.front() + " " + how +
-                  "; it is started anew after " + std::to_string(milliseconds(pause_).count()) + " ms");
-    startAgain_.start(milliseconds(pause_));
-    pause_ = std::min(pause_ * 2, pauses_.longest);
-    // It is the one that reports this.
-    process_.release()->deleteLater();
-}
-
-void ServerProcess::killGroup() {
-    if (const auto group = std::exchange(group_, 0); group > 0) {
-        ::kill(-group, SIGKILL);
-    }
-}
-
-void ServerProcess::end() {
-    startAgain_.stop();
-    runsWell_.stop();
-    endWatcher();
-    if (!process_) {
+    running_ = wanted();
+    started_ = Clock::now();
+    auto child = ChildProcess::start({.command = running_, .outlivesNothing = true});
+    if (!child) {
+        startAgainLater("cannot be started: " + child.error().description);
         return;
     }
-    process_->disconnect();
-    // With whatever it has started itself.
-    if (group_ > 0) {
-        ::kill(-group_, SIGTERM);
-        if (!process_->waitForFinished(static_cast<int>(milliseconds(pauses_.goodbye).count()))) {
-            ::kill(-group_, SIGKILL);
-            process_->waitForFinished(-1);
+    child_ = std::move(child.value());
+    log_.logLine("[TovikVoice] The speech server " + running_.front() + " was started, process " +
+                 std::to_string(child_->processId()));
+}
+
+void ServerProcess::watch(std::unique_lock<std::mutex>& lock) {
+    if (const auto status = child_->ended()) {
+        child_.reset();
+        if (Clock::now() - started_ >= pauses_.good) {
+            pause_ = pauses_.first;
         }
-        killGroup();
+        startAgainLater(WIFEXITED(*status) ? "ended with " + std::to_string(WEXITSTATUS(*status))
+                                           : "was killed by a signal");
+    } else if (running_ != wanted()) {
+        endChild(lock);
+    } else {
+        wait(lock, std::nullopt);
     }
-    process_.reset();
+}
+
+void ServerProcess::endChild(std::unique_lock<std::mutex>& lock) {
+    if (auto child = std::exchange(child_, nullptr)) {
+        lock.unlock();
+        child->end(pauses_.goodbye);
+        lock.lock();
+    }
+}
+
+void ServerProcess::startAgainLater(const std::string& why) {
+    log_.logLine("[TovikVoice] The speech server " + running_.front() + " " + why +
+                 "; it is started anew after " + std::to_string(milliseconds(pause_).count()) + " ms");
+    startAt_ = Clock::now() + milliseconds(pause_);
+    pause_ = std::min(pause_ * 2, pauses_.longest);
 }
 
 } // namespace tovik

@@ -2,23 +2,27 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Engines/Host/SharedLog.h"
+#include "Engines/ChildProcess.h"
 #include "Platform/Clock.h"
-
-#include <QProcess>
-#include <QTimer>
+#include "Platform/SystemLog.h"
+#include "Platform/UnixFd.h"
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace tovik {
 
 /// The speech server as a program that is ours to run. It is started when it is needed first and started
 /// anew when it ends by itself, after longer and longer pauses. What it has started ends with it. All end
-/// with this object, and with this process however that ends. For one thread that has a Qt event loop.
+/// with this object, and with this process however that ends. A thread of its own watches over it, from the
+/// first command on. Any thread; no call waits, save for the end.
 class ServerProcess {
 public:
     struct Pauses {
@@ -30,37 +34,46 @@ public:
         Seconds goodbye{2};
     };
 
-    ServerProcess(std::shared_ptr<SharedLog> log, Pauses pauses);
+    explicit ServerProcess(SystemLog& log) : ServerProcess(log, Pauses()) {}
+    ServerProcess(SystemLog& log, Pauses pauses);
     ~ServerProcess();
     ServerProcess(const ServerProcess&) = delete;
     ServerProcess& operator=(const ServerProcess&) = delete;
 
-    /// Starts the program unless it runs or waits to be started anew. Another command replaces it; an empty
-    /// one ends it.
+    /// Has the program run. Another command replaces it; an empty one ends it, once nobody keeps it any more.
     void need(const std::vector<std::string>& command);
+    /// Keeps the program from ending as long as the result is held. The result must not outlive this object.
+    [[nodiscard]] std::shared_ptr<void> keep();
 
     /// 0 when it does not run.
-    [[nodiscard]] qint64 processIdentifier() const { return process_ ? process_->processId() : 0; }
+    [[nodiscard]] pid_t processId() const;
 
 private:
-    void start();
-    void startWatcher();
-    void endWatcher();
-    void ended(const std::string& how);
-    void end();
-    void killGroup();
+    using Clock = std::chrono::steady_clock;
 
-    const std::shared_ptr<SharedLog> log_;
+    void run();
+    void wake() const;
+    void wait(std::unique_lock<std::mutex>& lock, std::optional<Clock::time_point> until) const;
+    void start();
+    void watch(std::unique_lock<std::mutex>& lock);
+    void endChild(std::unique_lock<std::mutex>& lock);
+    void startAgainLater(const std::string& why);
+    [[nodiscard]] const std::vector<std::string>& wanted() const;
+
+    SystemLog& log_;
     const Pauses pauses_;
+    /// Becomes readable when there is something new for the thread.
+    const UnixFd news_;
+    mutable std::mutex mutex_;
     std::vector<std::string> command_;
-    std::unique_ptr<QProcess> process_;
-    /// Of the server's process and those it has started; 0 when there is none.
-    pid_t group_ = 0;
-    /// Ends the server's processes when this one has died, which it sees at the end of its input.
-    std::unique_ptr<QProcess> watcher_;
-    QTimer startAgain_;
-    QTimer runsWell_;
+    int keepers_ = 0;
+    bool isEnding_ = false;
+    std::vector<std::string> running_;
+    std::unique_ptr<ChildProcess> child_;
     Seconds pause_;
+    Clock::time_point startAt_;
+    Clock::time_point started_;
+    std::thread thread_;
 };
 
 } // namespace tovik

@@ -5,20 +5,10 @@
 #include "Audio/DictationLocales.h"
 #include "Engines/Host/LocaleIdentifier.h"
 #include "Engines/Host/RecognitionError.h"
-#include "Engines/Http/SecretTransport.h"
-
-#include <QUrl>
 
 namespace tovik {
 
 namespace {
-
-constexpr int kHttpPort = 80;
-constexpr int kHttpsPort = 443;
-
-bool endsWith(const std::string& path, const char* end) {
-    return path.ends_with(end);
-}
 
 std::vector<std::string> strings(const UserDefaults& defaults, const char* key) {
     std::vector<std::string> values;
@@ -50,39 +40,24 @@ std::vector<std::string> localesOf(const UserDefaults& defaults, const std::stri
         return locales;
     }
     // Models named so know English only.
-    return endsWith(model, ".en") ? std::vector<std::string>{"en-US", "en-GB"} : supportedLocales();
+    return model.ends_with(".en") ? std::vector<std::string>{"en-US", "en-GB"} : supportedLocales();
 }
 
 } // namespace
 
-bool ServerAddress::isThisMachine() const {
-    return tovik::isThisMachine(host);
-}
-
-std::string ServerAddress::origin() const {
-    return (isEncrypted ? "https://" : "http://") + host + ":" + std::to_string(port);
-}
-
 Result<ServerAddress> ServerAddress::parse(const std::string& text) {
-    const QUrl url(QString::fromStdString(text), QUrl::StrictMode);
-    const bool isEncrypted = url.scheme() == "https";
-    if (!url.isValid() || url.host().isEmpty() || (!isEncrypted && url.scheme() != "http")) {
+    const auto place = WebAddress::parse(text);
+    if (!place) {
         return recognitionError(RecognitionCode::noModel,
                                 "The address of the speech server is none: \"platform.speech.serverUrl\" "
                                 "needs one like \"http://127.0.0.1:8080\".");
     }
-    ServerAddress address;
-    address.isEncrypted = isEncrypted;
-    address.host = url.host(QUrl::FullyEncoded).toStdString();
-    address.port = static_cast<std::uint16_t>(url.port(isEncrypted ? kHttpsPort : kHttpPort));
-    auto path = url.path(QUrl::FullyEncoded).toStdString();
-    while (endsWith(path, "/")) {
-        path.pop_back();
-    }
+    ServerAddress address{*place, {}, {}};
+    auto path = place->path;
     if (path.empty()) {
         path = "/v1";
     }
-    if (endsWith(path, "/v1")) {
+    if (path.ends_with("/v1")) {
         address.models = path + "/models";
         address.transcriptions = path + "/audio/transcriptions";
     } else {
@@ -106,7 +81,7 @@ std::optional<Result<ServerSettings>> ServerSettings::read(const UserDefaults& d
     settings.address = address.value();
     settings.model = defaults.string("platform.speech.serverModel").value_or("whisper-1");
     if (defaults.string("platform.speech.serverFormat") == "flac") {
-        settings.format = Format::flac;
+        settings.format = SoundFormat::flac;
     }
     settings.key = defaults.string("platform.speech.serverKey");
     readTimeout(defaults, "connect", settings.connectTimeout);

@@ -2,11 +2,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Engines/Http/WebAddress.h"
+#include "Engines/Server/SoundFiles.h"
 #include "Platform/Clock.h"
 #include "Platform/Result.h"
 #include "Platform/UserDefaults.h"
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,20 +15,12 @@
 namespace tovik {
 
 /// Where a speech server is.
-struct ServerAddress {
-    bool isEncrypted = false;
-    std::string host;
-    std::uint16_t port = 0;
-    /// Of the transcriptions, and where the server tells its models: paths.
+struct ServerAddress : WebAddress {
+    /// Paths: of the transcriptions, and where the server tells its models.
     std::string transcriptions;
     std::string models;
 
     bool operator==(const ServerAddress&) const = default;
-
-    /// Whether sound that is sent there stays on this machine.
-    [[nodiscard]] bool isThisMachine() const;
-    /// Without paths: "https://speech.example:443".
-    [[nodiscard]] std::string origin() const;
 
     /// From an address such as "http://127.0.0.1:8080", "https://speech.example/v1", or that of the endpoint
     /// itself.
@@ -36,11 +29,9 @@ struct ServerAddress {
 
 /// What the user has set for the speech server, read anew for each dictation.
 struct ServerSettings {
-    enum class Format { wav, flac };
-
     ServerAddress address;
     std::string model;
-    Format format = Format::wav;
+    SoundFormat format = SoundFormat::wav;
     /// From the settings; the desktop's key ring is asked elsewhere.
     std::optional<std::string> key;
     Seconds connectTimeout{5};

@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/Server/SpeechServerService.h"
 
+#include "Audio/RecognitionRequest.h"
 #include "Engines/Host/LocaleIdentifier.h"
 #include "Engines/Host/RecognitionError.h"
 #include "Engines/Host/RequestTask.h"
-#include "Engines/Http/SecretTransport.h"
-#include "Audio/RecognitionRequest.h"
 
 #include <algorithm>
 #include <utility>
@@ -17,6 +16,7 @@ namespace {
 
 /// A server that is away is looked for this often at most.
 constexpr std::chrono::seconds kCheckEvery{5};
+constexpr int kServerError = 500;
 
 /// Keys that were copied or came through a pipe may have a line break at their end.
 std::string withoutOuterSpace(const std::string& text) {
@@ -60,57 +60,62 @@ private:
     const std::string locale_;
 };
 
+std::optional<std::string> SpeechServerService::Health::whyBad() const {
+    const std::lock_guard lock(mutex_);
+    return whyBad_;
+}
+
+bool SpeechServerService::Health::set(std::optional<std::string> whyBad) {
+    const std::lock_guard lock(mutex_);
+    const bool isNews = whyBad && whyBad != whyBad_;
+    whyBad_ = std::move(whyBad);
+    return isNews;
+}
+
+bool SpeechServerService::Health::claimCheck() {
+    const std::lock_guard lock(mutex_);
+    const auto now = std::chrono::steady_clock::now();
+    if (checked_ && now - *checked_ < kCheckEvery) {
+        return false;
+    }
+    checked_ = now;
+    return true;
+}
+
 SpeechServerService::SpeechServerService(Services services)
     : services_(std::move(services)),
-      log_(std::make_shared<SharedLog>(services_.log)),
-      threadContext_(std::make_unique<QObject>()),
-      collector_(std::make_unique<SoundCollector>()) {
-    threadContext_->moveToThread(&thread_);
-    thread_.start();
-    // What the worker asks for is done on the main thread, and only while the service is there.
-    auto recogniseHere =
-        lifetime_.guard([this](const ServerDictation& dictation, const std::vector<std::int16_t>& samples) {
-            this->recogniseHere(dictation, samples);
-        });
-    auto lookUp = lifetime_.guard([this] { lookUpKey(); });
-    ServerWorker::Services workerServices{
-        .log = log_,
-        .health = health_,
-        .failedAudioFolder = services_.failedAudioFolder,
-        .recogniseHere =
-            [&queue = services_.queue, recogniseHere](const ServerDictation& dictation,
-                                                      std::vector<std::int16_t> samples) {
-                queue.async([recogniseHere, dictation, samples = std::move(samples)]() mutable {
-                    recogniseHere(dictation, samples);
-                });
-            },
-        .keyWasRefused = [&queue = services_.queue, lookUp] { queue.async(lookUp); },
-    };
-    QMetaObject::invokeMethod(
-        threadContext_.get(),
-        [this, workerServices] { worker_ = std::make_unique<ServerWorker>(workerServices); },
-        Qt::BlockingQueuedConnection);
-}
+      failedAudio_(services_.failedAudioFolder),
+      process_(services_.log) {}
 
 SpeechServerService::~SpeechServerService() {
-    collector_.reset();
-    QMetaObject::invokeMethod(
-        threadContext_.get(), [this] { worker_.reset(); }, Qt::BlockingQueuedConnection);
-    thread_.quit();
-    thread_.wait();
-    log_->close();
+    // All at once, so that the end takes no longer for several.
+    for (auto& dictation : dictations_) {
+        dictation.cancel();
+    }
+    dictations_.clear();
+    for (auto& refusal : refusals_) {
+        refusal.join();
+    }
 }
 
-template <typename Work>
-void SpeechServerService::onWorker(Work work) {
-    QMetaObject::invokeMethod(
-        threadContext_.get(),
-        [this, work = std::move(work)]() mutable {
-            if (worker_) {
-                work(*worker_);
-            }
-        },
-        Qt::QueuedConnection);
+ServerDictation::Services SpeechServerService::dictationServices() {
+    auto& queue = services_.queue;
+    auto elsewhere =
+        lifetime_.guard([this](const ServerDictation::Job& job, const std::vector<std::int16_t>& samples) {
+            recogniseElsewhere(job, samples);
+        });
+    auto lookUp = lifetime_.guard([this] { lookUpKey(); });
+    return {.log = services_.log,
+            .failedAudio = failedAudio_,
+            .key = [this](const ServerSettings& settings) { return keyFor(settings); },
+            .report = [this](std::optional<std::string> whyBad) { health_.set(std::move(whyBad)); },
+            .keyWasRefused = [&queue, lookUp] { queue.async(lookUp); },
+            .recogniseElsewhere =
+                [&queue, elsewhere](const ServerDictation::Job& job, std::vector<std::int16_t> samples) {
+                    queue.async([elsewhere, job, samples = std::move(samples)]() mutable {
+                        elsewhere(job, samples);
+                    });
+                }};
 }
 
 std::shared_ptr<SpeechRecognizer> SpeechServerService::makeRecognizer(const std::string& localeIdentifier) {
@@ -138,7 +143,7 @@ void SpeechServerService::prepare(const std::vector<std::string>& /*contextualSt
     const auto settings = ServerSettings::read(services_.defaults);
     if (!settings || !*settings) {
         endServer();
-    } else if (services_.isAllowed(settings->value().address) && health_->claimCheck(kCheckEvery)) {
+    } else if (services_.isAllowed(settings->value().address) && health_.claimCheck()) {
         check(settings->value());
     }
 }
@@ -154,24 +159,53 @@ std::optional<std::string> SpeechServerService::whyUnavailable() {
     if (!services_.isAllowed(settings->value().address)) {
         return "You have not allowed that your speech is sent to " + settings->value().address.origin() + ".";
     }
-    auto why = health_->whyBad();
-    if (why && health_->claimCheck(kCheckEvery)) {
+    auto why = health_.whyBad();
+    if (why && health_.claimCheck()) {
         check(settings->value());
     }
     return why;
 }
 
 void SpeechServerService::endServer() {
-    if (std::exchange(hasStartedServer_, false)) {
-        onWorker([](ServerWorker& worker) { worker.endServer(); });
-    }
+    process_.need({});
 }
 
 void SpeechServerService::check(const ServerSettings& settings) {
-    hasStartedServer_ = hasStartedServer_ || !settings.command.empty();
-    onWorker([settings, key = keyFor(settings)](ServerWorker& worker) { worker.check(settings, key); });
+    process_.need(settings.command);
+    HttpRequest request;
+    request.url = settings.address.url(settings.address.models);
+    request.key = keyFor(settings);
+    request.headers = {"Accept: application/json"};
+    request.isStarting = !settings.command.empty();
+    request.limits = {.connect = settings.connectTimeout,
+                      .stall = settings.firstByteTimeout,
+                      .firstByte = settings.firstByteTimeout,
+                      .answer = settings.wholeTimeout,
+                      .total = settings.wholeTimeout};
+    check_ = http_.send(std::move(request),
+                        [this, settings](const HttpOutcome& outcome) { checked(settings, outcome); });
     if (!settings.key && !hasAskedForKey_) {
         lookUpKey();
+    }
+}
+
+/// On the thread of the HTTP client.
+void SpeechServerService::checked(const ServerSettings& settings, const HttpOutcome& outcome) {
+    std::optional<std::string> why;
+    if (const auto* failure = std::get_if<HttpFailure>(&outcome)) {
+        why = "The speech server " + settings.address.origin() + " " + failure->description + ".";
+    } else {
+        // Not every server tells its models; any other answer means that it is there.
+        const auto& response = std::get<HttpResponse>(outcome);
+        if (isAboutTheKey(response)) {
+            dictationServices_.keyWasRefused();
+        }
+        if (isAboutTheKey(response) || response.status >= kServerError) {
+            why = whyRefused(settings.address, response).value_or("") + ".";
+        }
+    }
+    if (health_.set(why)) {
+        services_.log.logLine("[TovikVoice] " + *why);
     }
 }
 
@@ -183,82 +217,96 @@ void SpeechServerService::lookUpKey() {
     services_.secrets->lookUp(
         kServerKeyName, lifetime_.guard([this](const Result<std::optional<std::string>>& key) {
             if (!key) {
-                log_->logLine("[TovikVoice] The speech server's key could not be looked up: " +
-                              key.error().description);
+                services_.log.logLine("[TovikVoice] The speech server's key could not be looked up: " +
+                                      key.error().description);
                 return;
             }
-            if (key.value() == keptKey_) {
-                return;
+            {
+                const std::lock_guard lock(keyMutex_);
+                if (key.value() == keptKey_) {
+                    return;
+                }
+                keptKey_ = key.value();
             }
-            keptKey_ = key.value();
             if (const auto settings = ServerSettings::read(services_.defaults); settings && *settings) {
                 check(settings->value());
             }
         }));
 }
 
-/// A key is not shown to everybody on the way.
+/// A key is not shown to everybody on the way. Any thread.
 std::string SpeechServerService::keyFor(const ServerSettings& settings) const {
-    const auto key = withoutOuterSpace(settings.key.value_or(keptKey_.value_or("")));
-    if (!key.empty() && !isSafeForKeys(settings.address.isEncrypted, settings.address.host)) {
-        log_->logLine("[TovikVoice] The speech server's key is not sent, since the connection to " +
-                      settings.address.origin() + " is not encrypted");
+    const auto fromRing = [this] {
+        const std::lock_guard lock(keyMutex_);
+        return keptKey_.value_or("");
+    }();
+    const auto key = withoutOuterSpace(settings.key.value_or(fromRing));
+    if (!key.empty() && !settings.address.isSafeForKeys()) {
+        services_.log.logLine("[TovikVoice] The speech server's key is not sent, since the connection to " +
+                              settings.address.origin() + " is not encrypted");
         return {};
     }
     const bool isClean = std::all_of(key.begin(), key.end(), [](char c) { return c > ' ' && c < '\x7f'; });
     if (!isClean) {
-        log_->logLine("[TovikVoice] The speech server's key is not sent, since it has characters that no key "
-                      "has");
+        services_.log.logLine(
+            "[TovikVoice] The speech server's key is not sent, since it has characters that no key "
+            "has");
         return {};
     }
     return key;
 }
 
 void SpeechServerService::start(std::shared_ptr<Utterance> utterance, const std::string& locale) {
-    const auto settings = ServerSettings::read(services_.defaults);
-    if (!settings || !*settings || !services_.isAllowed(settings->value().address)) {
-        onWorker([utterance = std::move(utterance), why = whyUnavailable().value_or("")](ServerWorker&) {
-            utterance->answer(recognitionError(RecognitionCode::noModel, why));
-        });
+    dictations_.remove_if([](const ServerDictation& dictation) { return dictation.isOver(); });
+    const auto read = ServerSettings::read(services_.defaults);
+    if (!read || !*read || !services_.isAllowed(read->value().address)) {
+        refuse(std::move(utterance), whyUnavailable().value_or(""));
         return;
     }
-    ServerDictation dictation{settings->value(), keyFor(settings->value()), utterance, std::nullopt, locale};
-    if (dictation.settings.localeIsChosen) {
-        dictation.language = locale.substr(0, locale.find('-'));
+    const auto& settings = read->value();
+    if (!settings.key && !hasAskedForKey_) {
+        lookUpKey();
     }
-    hasStartedServer_ = hasStartedServer_ || !settings->value().command.empty();
-    const auto number = ++number_;
-    onWorker([number, dictation](ServerWorker& worker) { worker.begin(number, dictation); });
-    // The collector is gone before the thread, so its callbacks find this object.
-    collector_->collect(std::move(utterance), [this, number](Result<SoundCollector::Sound> sound) {
-        onWorker([number, sound = std::move(sound)](ServerWorker& worker) mutable {
-            worker.send(number, std::move(sound));
-        });
+    process_.need(settings.command);
+    ServerDictation::Job job{settings, std::move(utterance), std::nullopt, locale, process_.keep()};
+    if (settings.localeIsChosen) {
+        job.language = locale.substr(0, locale.find('-'));
+    }
+    dictations_.emplace_back(std::move(job), dictationServices_);
+}
+
+/// On another thread, as all that is recognised comes.
+void SpeechServerService::refuse(std::shared_ptr<Utterance> utterance, const std::string& why) {
+    for (auto& refusal : refusals_) {
+        refusal.join();
+    }
+    refusals_.clear();
+    refusals_.emplace_back([utterance = std::move(utterance), why] {
+        utterance->answer(recognitionError(RecognitionCode::noModel, why));
     });
 }
 
-void SpeechServerService::recogniseHere(const ServerDictation& dictation,
-                                        const std::vector<std::int16_t>& samples) {
-    const auto recognizer = services_.embedded ? services_.embedded(dictation.locale) : nullptr;
+void SpeechServerService::recogniseElsewhere(const ServerDictation::Job& job,
+                                             const std::vector<std::int16_t>& samples) {
+    const auto recognizer = services_.embedded ? services_.embedded(job.locale) : nullptr;
     if (!recognizer) {
-        dictation.utterance->answer(
-            recognitionError(RecognitionCode::failed,
-                             "The speech server failed and no embedded engine knows " + dictation.locale));
+        job.utterance->answer(recognitionError(
+            RecognitionCode::failed, "The speech server failed and no embedded engine knows " + job.locale));
         return;
     }
-    log_->logLine("[TovikVoice] The embedded engine recognises the dictation instead");
-    const auto task = recognizer->startTask(
-        requestWith(dictation.utterance->request().settings(), samples),
-        [utterance = dictation.utterance](const std::optional<RecognitionResult>& result,
-                                          const std::optional<Error>& error) {
-            if (result && result->isFinal) {
-                utterance->answer(result->formattedString);
-            } else if (result) {
-                utterance->reportPartial(result->formattedString);
-            } else if (error) {
-                utterance->answer(*error);
-            }
-        });
+    services_.log.logLine("[TovikVoice] The embedded engine recognises the dictation instead");
+    const auto task =
+        recognizer->startTask(requestWith(job.utterance->request().settings(), samples),
+                              [utterance = job.utterance](const std::optional<RecognitionResult>& result,
+                                                          const std::optional<Error>& error) {
+                                  if (result && result->isFinal) {
+                                      utterance->answer(result->formattedString);
+                                  } else if (result) {
+                                      utterance->reportPartial(result->formattedString);
+                                  } else if (error) {
+                                      utterance->answer(*error);
+                                  }
+                              });
 }
 
 } // namespace tovik

@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Engines/Server/ServerWorker.h"
+#include "Engines/Server/ServerDictation.h"
+#include "Engines/Server/ServerProcess.h"
 #include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
 #include "Platform/SecretStore.h"
@@ -10,11 +11,11 @@
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
 
-#include <QThread>
-
-#include <atomic>
+#include <chrono>
 #include <functional>
+#include <list>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -22,7 +23,7 @@ namespace tovik {
 
 /// Recognises with a server that has the OpenAI-compatible endpoint for transcriptions, on this machine or
 /// elsewhere, by the settings "platform.speech.server...". The connection is opened when somebody begins to
-/// speak, the whole sound is sent at the end. There are no partial results.
+/// speak, the whole sound is sent at the end. There are no partial results. Main thread.
 class SpeechServerService : public SpeechService {
 public:
     struct Services {
@@ -64,27 +65,47 @@ public:
 private:
     friend class ServerRecognizer;
 
+    /// What is known of the server. Any thread.
+    class Health {
+    public:
+        /// Why the server cannot be used; nothing while it can or nobody knows.
+        [[nodiscard]] std::optional<std::string> whyBad() const;
+        /// Returns whether it is news that it cannot.
+        bool set(std::optional<std::string> whyBad);
+        /// Whether it should be looked at (again); then the caller is the one to do it.
+        [[nodiscard]] bool claimCheck();
+
+    private:
+        mutable std::mutex mutex_;
+        std::optional<std::string> whyBad_;
+        std::optional<std::chrono::steady_clock::time_point> checked_;
+    };
+
     void start(std::shared_ptr<Utterance> utterance, const std::string& locale);
+    void refuse(std::shared_ptr<Utterance> utterance, const std::string& why);
     void check(const ServerSettings& settings);
+    void checked(const ServerSettings& settings, const HttpOutcome& outcome);
     void lookUpKey();
     [[nodiscard]] std::string keyFor(const ServerSettings& settings) const;
-    void recogniseHere(const ServerDictation& dictation, const std::vector<std::int16_t>& samples);
-    template <typename Work>
-    void onWorker(Work work);
+    void recogniseElsewhere(const ServerDictation::Job& job, const std::vector<std::int16_t>& samples);
+    [[nodiscard]] ServerDictation::Services dictationServices();
 
     const Services services_;
-    const std::shared_ptr<SharedLog> log_;
-    const std::shared_ptr<ServerHealth> health_ = std::make_shared<ServerHealth>();
+    Health health_;
+    FailedAudio failedAudio_;
+    mutable std::mutex keyMutex_;
+    /// From the key ring.
     std::optional<std::string> keptKey_;
     bool hasAskedForKey_ = false;
-    /// Whether a server of ours may be running.
-    bool hasStartedServer_ = false;
-    int number_ = 0;
-    QThread thread_;
-    std::unique_ptr<QObject> threadContext_;
-    std::unique_ptr<ServerWorker> worker_;
-    std::unique_ptr<SoundCollector> collector_;
+    ServerProcess process_;
+    HttpClient http_;
+    Subscription check_;
     Lifetime lifetime_;
+    /// For the thread of a dictation; they hop to the main queue where they must.
+    const ServerDictation::Services dictationServices_ = dictationServices();
+    std::list<ServerDictation> dictations_;
+    /// Answers that no server is asked for.
+    std::list<std::thread> refusals_;
 };
 
 } // namespace tovik

@@ -30,8 +30,8 @@ const std::map<std::string, std::set<std::string>>& allowedFolders() {
         {"Permissions", {"Platform"}},
         {"Session", kLogic},
         {"UserInterface", {"Platform", "Speech", "Audio", "Permissions", "Session", "WaveformOverlay"}},
-        // Engines know no desktop and no window, but how files are kept.
-        {"Engines", {"Platform", "Speech", "Audio", "Linux/Storage"}},
+        // Engines know no desktop and no window.
+        {"Engines", {"Platform", "Speech", "Audio"}},
         // Every mechanism stands on the logic, and those that keep files on how files are kept.
         {"Linux", {"Platform", "Speech", "Audio", "Permissions", "Session", "Linux/Storage"}},
     };

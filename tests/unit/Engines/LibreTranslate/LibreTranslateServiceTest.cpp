@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/LibreTranslate/LibreTranslateService.h"
 
-#include "support/EventLoop.h"
 #include "support/FakeSecretStore.h"
 #include "support/HttpServer.h"
 #include "support/ManualTime.h"
@@ -11,8 +10,10 @@
 
 #include <gmock/gmock.h>
 
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace tovik {
@@ -22,6 +23,7 @@ using test::HttpExchange;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Optional;
 
 constexpr auto kLanguages = R"([{"code":"en","targets":["es"]},{"code":"es","targets":["en"]}])";
 constexpr auto kHola = R"({"translatedText":"hola"})";
@@ -42,12 +44,14 @@ protected:
         };
     }
 
-    /// Runs the network and the queue, while the clock stands still.
+    /// Runs the queue, while the clock stands still.
     bool waitUntil(const std::function<bool()>& holds) {
-        return test::runUntil([&] {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(15);
+        while (!holds() && std::chrono::steady_clock::now() < deadline) {
             time.runPending();
-            return holds();
-        });
+            std::this_thread::yield();
+        }
+        return holds();
     }
 
     void beginTranslating(const std::string& text, const TranslationPair& pair = {"en", "es"}) {
@@ -181,6 +185,25 @@ TEST_F(LibreTranslateServiceTest, bytesThatAreNoText_areReplaced) {
     EXPECT_EQ(lastContent()["q"], "a\uFFFD b");
 }
 
+TEST_F(LibreTranslateServiceTest, anEmptyTranslation_isAFailure) {
+    server.setHandler(
+        answering([](HttpExchange& exchange) { exchange.answerJson(200, R"({"translatedText":""})"); }));
+    const auto answer = translate("hello");
+    ASSERT_FALSE(answer);
+    EXPECT_THAT(answer.error().description, HasSubstr("makes no sense"));
+}
+
+TEST_F(LibreTranslateServiceTest, aLongText_hasLonger) {
+    EXPECT_TRUE(availability());
+    server.setHandler(answering([](HttpExchange& exchange) { exchange.stall(); }));
+    beginTranslating(std::string(20000, 'x'));
+    EXPECT_TRUE(waitUntil([this] { return server.requests().size() == 2; }));
+    time.advance(Seconds(29.9));
+    EXPECT_EQ(completions, 0);
+    time.advance(Seconds(0.2));
+    EXPECT_EQ(completions, 1);
+}
+
 TEST_F(LibreTranslateServiceTest, aPairThatTheServerDoesNotTranslate_isNotSent) {
     EXPECT_FALSE(translate("hello", {"en", "de"}));
     EXPECT_THAT(targets(), ElementsAre("GET /languages"));
@@ -285,6 +308,8 @@ const std::vector<Fault>& faults() {
         {"emptyJson", [](HttpExchange& e) { e.answerJson(200, "null"); }, "makes no sense"},
         {"brokenText", [](HttpExchange& e) { e.answerJson(200, "{\"translatedText\": \"\xFF\"}"); },
          "makes no sense"},
+        {"nestedWithoutEnd", [](HttpExchange& e) { e.answerJson(200, std::string(500000, '[')); },
+         "makes no sense"},
         {"nothing", [](HttpExchange& e) { e.answerJson(200, ""); }, "makes no sense"},
         {"hangUp", [](HttpExchange&) {}, "gave no answer"},
         {"halfAHead", [](HttpExchange& e) { e.sendRaw("HTTP/1.1 200 OK\r\nContent-Ty"); }, "gave no answer"},
@@ -370,6 +395,54 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(Fault{"stall", [](HttpExchange& e) { e.stall(); }, ""},
                     Fault{"drip", [](HttpExchange& e) { e.drip(std::chrono::milliseconds(2)); }, ""}),
     [](const auto& row) { return row.param.name; });
+
+// What a server translates.
+
+std::optional<ServerLanguages> read(const char* json) {
+    return ServerLanguages::read(nlohmann::json::parse(json, nullptr, false));
+}
+
+TEST(ServerLanguages, pairs_areThoseThatTheServerTells) {
+    const auto languages =
+        read(R"([{"code":"en","name":"English","targets":["es","en"]},{"code":"es","targets":[]}])");
+    ASSERT_TRUE(languages);
+    EXPECT_THAT(languages->codesFor({"en", "es"}), Optional(TranslationPair{"en", "es"}));
+    EXPECT_EQ(languages->codesFor({"es", "en"}), std::nullopt);
+    EXPECT_EQ(languages->codesFor({"en", "fr"}), std::nullopt);
+    EXPECT_EQ(languages->codesFor({"fr", "en"}), std::nullopt);
+}
+
+TEST(ServerLanguages, withoutTargets_everyLanguageIsOne) {
+    const auto languages = read(R"([{"code":"en"},{"code":"de"}])");
+    ASSERT_TRUE(languages);
+    EXPECT_TRUE(languages->codesFor({"en", "de"}));
+    EXPECT_FALSE(languages->codesFor({"en", "es"}));
+}
+
+TEST(ServerLanguages, codesOfOlderServers_areKnown) {
+    struct Row {
+        const char* json;
+        TranslationPair pair;
+        TranslationPair codes;
+    };
+    const Row rows[] = {
+        {R"([{"code":"zh"},{"code":"zt"}])", {"zh-Hans", "zh-Hant"}, {"zh", "zt"}},
+        {R"([{"code":"zh-Hans"},{"code":"zh-Hant"}])", {"zh-Hans", "zh-Hant"}, {"zh-Hans", "zh-Hant"}},
+        {R"([{"code":"en"},{"code":"pt"}])", {"en", "pt-BR"}, {"en", "pt"}},
+        {R"([{"code":"en"},{"code":"pt"},{"code":"pb"}])", {"en", "pt-BR"}, {"en", "pb"}},
+        {R"([{"code":"en"},{"code":"pt"},{"code":"pt-BR"}])", {"pt-BR", "en"}, {"pt-BR", "en"}},
+    };
+    for (const auto& row : rows) {
+        EXPECT_THAT(read(row.json).value().codesFor(row.pair), Optional(row.codes)) << row.json;
+    }
+}
+
+TEST(ServerLanguages, whatIsNoList_isNone) {
+    for (const auto* json :
+         {"{}", "\"en\"", "[\"en\"]", "[{\"name\":\"English\"}]", "[{\"code\":1}]", "nonsense", ""}) {
+        EXPECT_FALSE(read(json)) << json;
+    }
+}
 
 } // namespace
 } // namespace tovik

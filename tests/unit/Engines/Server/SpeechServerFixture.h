@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Engines/Server/SpeechServerService.h"
 #include "Audio/RecognitionRequest.h"
+#include "Engines/Server/SpeechServerService.h"
+#include "support/ComesTrue.h"
 #include "support/FakeSecretStore.h"
 #include "support/FakeSpeechService.h"
 #include "support/HttpServer.h"
@@ -29,18 +30,6 @@ namespace tovik::test {
 
 inline constexpr auto kText = R"({"text": " hello there"})";
 
-/// Looks again and again, for as long as anybody could wait.
-inline bool comesTrue(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::yield();
-    }
-    return true;
-}
-
 /// A server, and the service that asks it.
 class SpeechServerFixture : public testing::Test {
 protected:
@@ -50,6 +39,7 @@ protected:
     }
 
     void setTimeouts(double connect, double firstByte, double whole) {
+        // What is added for a second of sound stays.
         defaults_.set("platform.speech.serverTimeouts",
                       {{"connect", connect}, {"firstByte", firstByte}, {"whole", whole}});
     }
@@ -95,8 +85,8 @@ protected:
     }
 
     /// The uploads among what the server was asked for.
-    std::vector<HttpRequest> uploads() {
-        std::vector<HttpRequest> found;
+    std::vector<ReceivedRequest> uploads() {
+        std::vector<ReceivedRequest> found;
         for (auto& one : server_.requests()) {
             if (one.method == "POST") {
                 found.push_back(std::move(one));

@@ -5,12 +5,23 @@
 #include "Platform/Result.h"
 
 #include <cstdint>
+#include <mutex>
 #include <span>
 #include <string>
 
 namespace tovik {
 
-/// The sound of dictations that could not be recognised, as WAV files that only the user can read. One
+enum class SoundFormat {
+    wav,
+    /// The same without loss in about half the bytes.
+    flac,
+};
+
+/// A sound file of one channel, as bytes. sampleRate: frames a second.
+[[nodiscard]] Result<std::string> soundFile(std::span<const std::int16_t> samples, int sampleRate,
+                                            SoundFormat format);
+
+/// The sound of dictations that could not be recognised, as WAV files that only the user can read. Any
 /// thread.
 class FailedAudio {
 public:
@@ -26,6 +37,7 @@ public:
 
 private:
     const std::string folder_;
+    std::mutex mutex_;
 };
 
 } // namespace tovik
