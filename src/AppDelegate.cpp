@@ -5,7 +5,7 @@
 #include "Audio/MacAudioManager.h"
 #include "Permissions/PermissionChecklist.h"
 #include "Permissions/PermissionRequests.h"
-#include "Platform/Lifetime.h"
+#include "Platform/Subscription.h"
 #include "Session/MakerLinks.h"
 #include "Session/PushToTalk.h"
 #include "Session/SessionFiles.h"

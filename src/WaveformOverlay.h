@@ -3,8 +3,8 @@
 #pragma once
 
 #include "Platform/MainQueue.h"
-#include "Platform/RecordingOverlay.h"
 #include "Platform/Screens.h"
+#include "Platform/UserInterface.h"
 #include "Platform/Workspace.h"
 #include "UserInterface/Controls/FrameAnimation.h"
 #include "UserInterface/Controls/WindowSystem.h"

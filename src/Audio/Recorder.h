@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Clock.h"
-#include "Platform/Observers.h"
+#include "Platform/MainQueue.h"
 #include "Platform/Result.h"
+#include "Platform/Subscription.h"
 
 namespace tovik {
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/ChildProcess.h"
 
-#include "Platform/PosixError.h"
+#include "Platform/Posix.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -22,6 +22,8 @@ namespace tovik {
 
 namespace {
 
+/// As of a program that was killed: what it was doing was not finished for all we know.
+constexpr int kStatusUnknown = SIGKILL;
 constexpr int kFirstOtherFile = STDERR_FILENO + 1;
 
 /// The number stays the group's as long as one of it lives, also where the program itself has gone.
@@ -228,8 +230,16 @@ std::optional<int> ChildProcess::ended() {
         return status_;
     }
     siginfo_t info{};
-    if (::waitid(P_PID, static_cast<id_t>(process_), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
-        info.si_pid == 0) {
+    if (::waitid(P_PID, static_cast<id_t>(process_), &info, WEXITED | WNOHANG | WNOWAIT) != 0) {
+        if (errno != ECHILD) {
+            return std::nullopt;
+        }
+        // Collected behind our back, as the system does for a program that was started with SIGCHLD ignored.
+        watcher_.reset();
+        status_ = kStatusUnknown;
+        return status_;
+    }
+    if (info.si_pid == 0) {
         return std::nullopt;
     }
     // What it has started holds what the next one needs. Before it is collected, since the number is its own

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Clock.h"
+#include "Platform/MainQueue.h"
+#include "Platform/Posix.h"
 #include "Platform/Result.h"
-#include "Platform/UnixFd.h"
 
 #include <sys/types.h>
 

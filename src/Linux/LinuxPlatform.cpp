@@ -27,7 +27,7 @@
 #include "Linux/X11/X11KeyMonitor.h"
 #include "Linux/X11/X11Workspace.h"
 #include "Permissions/Installation.h"
-#include "Platform/Observers.h"
+#include "Platform/Subscription.h"
 #include "UserInterface/QtUserInterface.h"
 
 #include <QApplication>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/InstallLocations.h"
-#include "Platform/Lifetime.h"
+#include "Platform/Authorization.h"
+#include "Platform/Subscription.h"
 
 #include <optional>
 #include <string>

@@ -4,7 +4,6 @@
 
 #include "Permissions/TovikVoicePermission.h"
 #include "Platform/Authorization.h"
-#include "Platform/InstallLocations.h"
 
 #include <optional>
 #include <string>

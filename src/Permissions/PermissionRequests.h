@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Permissions/Installation.h"
-#include "Platform/Lifetime.h"
+#include "Platform/Subscription.h"
 
 #include <string>
 #include <string_view>

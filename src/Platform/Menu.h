@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Observers.h"
+#include "Platform/Subscription.h"
 
 #include <functional>
 #include <memory>

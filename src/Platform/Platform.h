@@ -2,25 +2,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Alert.h"
 #include "Platform/AudioEngine.h"
-#include "Platform/AudioHardware.h"
 #include "Platform/Authorization.h"
-#include "Platform/CaptureDevices.h"
-#include "Platform/Clock.h"
 #include "Platform/Files.h"
-#include "Platform/InstallLocations.h"
-#include "Platform/KeyEventPoster.h"
-#include "Platform/KeyMonitor.h"
+#include "Platform/Keyboard.h"
 #include "Platform/MainQueue.h"
-#include "Platform/Pasteboard.h"
-#include "Platform/ProcessLauncher.h"
 #include "Platform/Screens.h"
+#include "Platform/SoundDevices.h"
 #include "Platform/SpeechService.h"
 #include "Platform/SystemLog.h"
 #include "Platform/TranslationService.h"
 #include "Platform/UserDefaults.h"
-#include "Platform/UserDefaultsChanges.h"
 #include "Platform/UserInterface.h"
 #include "Platform/Workspace.h"
 

@@ -2,12 +2,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Result.h"
 #include "Platform/Subscription.h"
 
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace tovik {
 
@@ -62,6 +65,24 @@ public:
     virtual bool openUrl(const std::string& address) = 0;
     /// Shows a folder or opens a file with its program.
     virtual bool openFile(const std::string& path) = 0;
+};
+
+/// The clipboard from which other programs paste. Main thread.
+class Pasteboard {
+public:
+    virtual ~Pasteboard() = default;
+
+    /// Drops what the clipboard held and offers this text (UTF-8, taken as it stands, NUL included) until
+    /// another program takes the clipboard over.
+    virtual void replaceContents(std::string_view text) = 0;
+};
+
+/// Starts other programs, which outlive this one. Main thread.
+class ProcessLauncher {
+public:
+    virtual ~ProcessLauncher() = default;
+
+    virtual Result<void> launch(const std::string& executable, const std::vector<std::string>& arguments) = 0;
 };
 
 } // namespace tovik

@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/HintPanels.h"
-#include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
-#include "Platform/RecordingOverlay.h"
 #include "Platform/Screens.h"
+#include "Platform/Subscription.h"
+#include "Platform/UserInterface.h"
 
 #include <list>
 #include <memory>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/MainWindow.h"
+#include "Platform/UserInterface.h"
 #include "Platform/Workspace.h"
 
 #include <optional>

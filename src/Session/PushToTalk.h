@@ -3,8 +3,8 @@
 #pragma once
 
 #include "Audio/Recorder.h"
-#include "Platform/KeyMonitor.h"
-#include "Platform/StatusItem.h"
+#include "Platform/Keyboard.h"
+#include "Platform/UserInterface.h"
 #include "Session/HandsFreeHints.h"
 #include "Session/SessionFiles.h"
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Clock.h"
 #include "Platform/Files.h"
+#include "Platform/MainQueue.h"
 #include "Platform/SystemLog.h"
 
 #include <cstdint>

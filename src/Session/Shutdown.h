@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Clock.h"
+#include "Platform/MainQueue.h"
 #include "Platform/Subscription.h"
 
 namespace tovik {

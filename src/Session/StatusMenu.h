@@ -3,12 +3,12 @@
 #pragma once
 
 #include "Audio/AudioDevice.h"
-#include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
-#include "Platform/MainWindow.h"
 #include "Platform/Menu.h"
+#include "Platform/Subscription.h"
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
+#include "Platform/UserInterface.h"
 
 #include <functional>
 #include <memory>

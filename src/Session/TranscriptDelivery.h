@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Lifetime.h"
-#include "Platform/Observers.h"
+#include "Platform/Subscription.h"
 
 #include <deque>
 #include <mutex>

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Linux/Desktop/LinuxAuthorization.h"
-#include "support/FakeAlert.h"
 #include "support/FakeAuthorization.h"
+#include "support/FakeUserInterface.h"
 #include "support/ManualTime.h"
 
 #include <gmock/gmock.h>

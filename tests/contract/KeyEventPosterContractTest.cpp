@@ -5,7 +5,7 @@
 #include "Linux/Desktop/QtMainQueue.h"
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11KeyEventPoster.h"
-#include "Platform/KeyMonitor.h"
+#include "Platform/Keyboard.h"
 #include "support/EventLoop.h"
 #include "support/FakeKeyEventPoster.h"
 #include "support/MemoryUserDefaults.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Desktop/QtPasteboard.h"
 #include "support/EventLoop.h"
-#include "support/FakePasteboard.h"
+#include "support/FakeWorkspace.h"
 
 #include <QProcess>
 

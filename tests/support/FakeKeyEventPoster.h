@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/KeyEventPoster.h"
+#include "Platform/Keyboard.h"
 
 #include <functional>
 #include <utility>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/KeyMonitor.h"
+#include "Platform/Keyboard.h"
 
 #include <functional>
 #include <optional>

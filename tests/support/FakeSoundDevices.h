@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/AudioHardware.h"
-#include "Platform/CaptureDevices.h"
-#include "Platform/Observers.h"
+#include "Platform/SoundDevices.h"
+#include "Platform/Subscription.h"
 
 #include <cstdint>
 #include <functional>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/UserDefaultsChanges.h"
+#include "Platform/UserDefaults.h"
 
 #include <cstddef>
 #include <map>

@@ -8,8 +8,10 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -132,6 +134,51 @@ private:
     std::shared_ptr<Observers<const RunningApplication&>> activations_ =
         std::make_shared<Observers<const RunningApplication&>>();
     std::shared_ptr<Observers<>> spaceChanges_ = std::make_shared<Observers<>>();
+};
+
+/// A clipboard that remembers all it was given.
+class FakePasteboard : public Pasteboard {
+public:
+    void replaceContents(std::string_view text) override { texts_.emplace_back(text); }
+
+    /// What a paste would insert now; nothing as long as nothing was put there.
+    [[nodiscard]] std::optional<std::string> contents() const {
+        return texts_.empty() ? std::nullopt : std::optional(texts_.back());
+    }
+    /// Everything put there so far, in order.
+    [[nodiscard]] const std::vector<std::string>& texts() const { return texts_; }
+
+private:
+    std::vector<std::string> texts_;
+};
+
+/// Starts nothing, and remembers what it was asked to start.
+class FakeProcessLauncher : public ProcessLauncher {
+public:
+    struct Launch {
+        std::string executable;
+        std::vector<std::string> arguments;
+
+        bool operator==(const Launch&) const = default;
+    };
+
+    Result<void> launch(const std::string& executable, const std::vector<std::string>& arguments) override {
+        launches_.push_back({executable, arguments});
+        if (failure_) {
+            return *failure_;
+        }
+        return {};
+    }
+
+    /// From now on every launch fails with this error; nullopt ends the failing.
+    void fail(std::optional<Error> error) { failure_ = std::move(error); }
+
+    /// Every attempt, also the failed ones, in order.
+    [[nodiscard]] const std::vector<Launch>& launches() const { return launches_; }
+
+private:
+    std::vector<Launch> launches_;
+    std::optional<Error> failure_;
 };
 
 } // namespace tovik::test

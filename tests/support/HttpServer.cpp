@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/HttpServer.h"
 
-#include "Platform/UnixFd.h"
+#include "Platform/Posix.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

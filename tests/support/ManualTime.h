@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Clock.h"
 #include "Platform/MainQueue.h"
 
 #include <cstdint>

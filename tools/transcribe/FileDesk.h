@@ -2,10 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/AudioHardware.h"
-#include "Platform/CaptureDevices.h"
-#include "Platform/Clock.h"
 #include "Platform/MainQueue.h"
+#include "Platform/SoundDevices.h"
 #include "Platform/SystemLog.h"
 
 #include <cstdio>

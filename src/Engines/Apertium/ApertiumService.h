@@ -3,8 +3,8 @@
 #pragma once
 
 #include "Engines/Apertium/WarmPipeline.h"
-#include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
+#include "Platform/Subscription.h"
 #include "Platform/TranslationService.h"
 
 #include <map>

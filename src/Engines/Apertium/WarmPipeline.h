@@ -3,9 +3,9 @@
 #pragma once
 
 #include "Engines/ChildProcess.h"
-#include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
 #include "Platform/Result.h"
+#include "Platform/Subscription.h"
 
 #include <cstdint>
 #include <functional>

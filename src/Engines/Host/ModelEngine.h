@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Clock.h"
+#include "Platform/MainQueue.h"
 #include "Platform/SpeechService.h"
 #include "Platform/SystemLog.h"
 

@@ -4,9 +4,9 @@
 
 #include "Engines/Http/HttpClient.h"
 #include "Engines/Http/WebAddress.h"
-#include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
 #include "Platform/SecretStore.h"
+#include "Platform/Subscription.h"
 #include "Platform/SystemLog.h"
 #include "Platform/TranslationService.h"
 #include "Platform/UserDefaults.h"

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "Engines/ChildProcess.h"
-#include "Platform/Clock.h"
+#include "Platform/MainQueue.h"
+#include "Platform/Posix.h"
 #include "Platform/SystemLog.h"
-#include "Platform/UnixFd.h"
 
 #include <sys/types.h>
 

@@ -4,7 +4,7 @@
 
 #include "Engines/Http/WebAddress.h"
 #include "Engines/Server/SoundFiles.h"
-#include "Platform/Clock.h"
+#include "Platform/MainQueue.h"
 #include "Platform/Result.h"
 #include "Platform/UserDefaults.h"
 

@@ -3,8 +3,7 @@
 #include "Engines/Server/SoundFiles.h"
 
 #include "Engines/Host/RecognitionError.h"
-#include "Platform/PosixError.h"
-#include "Platform/UnixFd.h"
+#include "Platform/Posix.h"
 
 #include <fcntl.h>
 #include <sndfile.h>

@@ -4,7 +4,7 @@
 
 #include "Linux/DBus/MicrophonePortal.h"
 #include "Platform/Authorization.h"
-#include "Platform/Lifetime.h"
+#include "Platform/Subscription.h"
 #include "Platform/SystemLog.h"
 
 #include <functional>

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Alert.h"
-#include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
-#include "Platform/ProcessLauncher.h"
+#include "Platform/Subscription.h"
+#include "Platform/UserInterface.h"
+#include "Platform/Workspace.h"
 
 #include <functional>
 #include <optional>

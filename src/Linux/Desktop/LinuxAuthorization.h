@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Alert.h"
 #include "Platform/Authorization.h"
-#include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
+#include "Platform/Subscription.h"
+#include "Platform/UserInterface.h"
 
 #include <functional>
 #include <string>

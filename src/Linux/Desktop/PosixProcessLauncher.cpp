@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Desktop/PosixProcessLauncher.h"
 
-#include "Platform/PosixError.h"
-#include "Platform/UnixFd.h"
+#include "Platform/Posix.h"
 
 #include <fcntl.h>
 #include <linux/close_range.h>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/ProcessLauncher.h"
+#include "Platform/Workspace.h"
 
 namespace tovik {
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/UnixFd.h"
+#include "Platform/Posix.h"
 
 #include <functional>
 #include <memory>

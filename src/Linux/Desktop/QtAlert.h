@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Alert.h"
+#include "Platform/UserInterface.h"
 
 namespace tovik {
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Pasteboard.h"
+#include "Platform/Workspace.h"
 
 #include <memory>
 

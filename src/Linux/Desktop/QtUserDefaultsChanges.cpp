@@ -3,7 +3,7 @@
 #include "Linux/Desktop/QtUserDefaultsChanges.h"
 
 #include "Linux/Storage/LocalFiles.h"
-#include "Platform/PosixError.h"
+#include "Platform/Posix.h"
 
 #include <QSocketNotifier>
 

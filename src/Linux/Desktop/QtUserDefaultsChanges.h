@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Observers.h"
+#include "Platform/Subscription.h"
 #include "Platform/SystemLog.h"
-#include "Platform/UserDefaultsChanges.h"
+#include "Platform/UserDefaults.h"
 
 #include <memory>
 #include <string>

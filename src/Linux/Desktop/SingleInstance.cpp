@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Desktop/SingleInstance.h"
 
-#include "Platform/PosixError.h"
+#include "Platform/Posix.h"
 
 #include <QSocketNotifier>
 

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "Linux/Storage/LocalFiles.h"
-#include "Platform/Clock.h"
+#include "Platform/MainQueue.h"
+#include "Platform/Posix.h"
 #include "Platform/Result.h"
-#include "Platform/UnixFd.h"
 
 #include <functional>
 #include <memory>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Linux/PulseAudio/PulseHandles.h"
-#include "Platform/Clock.h"
+#include "Platform/MainQueue.h"
 #include "Platform/Subscription.h"
 #include "Platform/SystemLog.h"
 

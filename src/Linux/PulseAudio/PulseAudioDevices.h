@@ -3,11 +3,9 @@
 #pragma once
 
 #include "Linux/PulseAudio/SoundDirectory.h"
-#include "Platform/AudioHardware.h"
-#include "Platform/CaptureDevices.h"
-#include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
-#include "Platform/Observers.h"
+#include "Platform/SoundDevices.h"
+#include "Platform/Subscription.h"
 #include "Platform/UserDefaults.h"
 
 #include <cstdint>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Storage/JsonFile.h"
 
-#include "Platform/PosixError.h"
+#include "Platform/Posix.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Posix.h"
 #include "Platform/Result.h"
-#include "Platform/UnixFd.h"
 #include "Platform/UserDefaults.h"
 
 #include <sys/types.h>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Linux/Storage/JsonFile.h"
-#include "Platform/Clock.h"
+#include "Platform/MainQueue.h"
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Storage/LocalFiles.h"
 
-#include "Platform/PosixError.h"
+#include "Platform/Posix.h"
 
 #include <dirent.h>
 #include <fcntl.h>

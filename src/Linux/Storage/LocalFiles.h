@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Clock.h"
 #include "Platform/Files.h"
+#include "Platform/MainQueue.h"
+#include "Platform/Posix.h"
 #include "Platform/Result.h"
-#include "Platform/UnixFd.h"
 
 #include <string>
 #include <string_view>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Posix.h"
 #include "Platform/SystemLog.h"
-#include "Platform/UnixFd.h"
 
 #include <cstddef>
 #include <mutex>

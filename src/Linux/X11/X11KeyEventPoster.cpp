@@ -6,7 +6,7 @@
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11Keyboard.h"
 #include "Linux/X11/X11Windows.h"
-#include "Platform/KeyMonitor.h"
+#include "Platform/Keyboard.h"
 #include "Platform/SystemLog.h"
 
 #include <X11/XKBlib.h>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Linux/X11/PasteChords.h"
-#include "Platform/KeyEventPoster.h"
+#include "Platform/Keyboard.h"
 #include "Platform/MainQueue.h"
 
 #include <functional>

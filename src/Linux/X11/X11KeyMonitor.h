@@ -4,9 +4,9 @@
 
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11Keyboard.h"
-#include "Platform/KeyMonitor.h"
-#include "Platform/Lifetime.h"
+#include "Platform/Keyboard.h"
 #include "Platform/MainQueue.h"
+#include "Platform/Subscription.h"
 
 #include <functional>
 #include <memory>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Linux/X11/X11Connection.h"
-#include "Platform/Observers.h"
+#include "Platform/Subscription.h"
 #include "Platform/Workspace.h"
 
 #include <functional>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/MainWindow.h"
-#include "Platform/Pasteboard.h"
+#include "Platform/UserInterface.h"
+#include "Platform/Workspace.h"
 #include "Speech/History/TranscriptHistoryStore.h"
 
 #include <cstddef>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
+#include "Platform/Subscription.h"
 #include "Platform/SystemLog.h"
 #include "Platform/TextTranslator.h"
 #include "Platform/TranslationService.h"

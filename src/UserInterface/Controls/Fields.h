@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/HintPanels.h"
+#include "Platform/UserInterface.h"
 
 #include <QCheckBox>
 #include <QLineEdit>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Clock.h"
-#include "Platform/HintPanels.h"
+#include "Platform/MainQueue.h"
+#include "Platform/UserInterface.h"
 #include "UserInterface/Controls/FrameAnimation.h"
 
 #include <QColor>

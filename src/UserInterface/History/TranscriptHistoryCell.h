@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Clock.h"
 #include "Platform/MainQueue.h"
 #include "UserInterface/Controls/Buttons.h"
 #include "UserInterface/Controls/FrameAnimation.h"

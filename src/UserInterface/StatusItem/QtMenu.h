@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Lifetime.h"
 #include "Platform/Menu.h"
+#include "Platform/Subscription.h"
 
 #include <map>
 #include <memory>

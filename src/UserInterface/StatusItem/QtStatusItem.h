@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/StatusItem.h"
 #include "Platform/SystemLog.h"
+#include "Platform/UserInterface.h"
 
 #include <QIcon>
 #include <QString>

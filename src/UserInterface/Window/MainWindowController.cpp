@@ -4,7 +4,7 @@
 
 #include "Permissions/PermissionChecklist.h"
 #include "Permissions/PermissionRequests.h"
-#include "Platform/UserDefaultsChanges.h"
+#include "Platform/UserDefaults.h"
 #include "Session/MakerLinks.h"
 #include "UserInterface/Controls/Buttons.h"
 #include "UserInterface/Controls/Symbols.h"

@@ -2,10 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Clock.h"
-#include "Platform/Lifetime.h"
 #include "Platform/MainQueue.h"
-#include "Platform/MainWindow.h"
 #include "Platform/Screens.h"
 #include "Platform/Subscription.h"
 #include "Platform/UserInterface.h"

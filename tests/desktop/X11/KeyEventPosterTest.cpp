@@ -6,7 +6,7 @@
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11KeyEventPoster.h"
-#include "Platform/KeyMonitor.h"
+#include "Platform/Keyboard.h"
 #include "support/EventLoop.h"
 #include "support/ManualTime.h"
 #include "support/MemoryUserDefaults.h"

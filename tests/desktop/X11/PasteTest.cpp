@@ -9,7 +9,7 @@
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11KeyEventPoster.h"
 #include "Linux/X11/X11Workspace.h"
-#include "Platform/KeyMonitor.h"
+#include "Platform/Keyboard.h"
 #include "support/EventLoop.h"
 #include "support/MemoryUserDefaults.h"
 #include "support/RecordingLog.h"

@@ -136,16 +136,16 @@ private:
 };
 
 TEST(IncludeDirection, ofThisSourceTree_isDownwardsOnly) {
-    EXPECT_THAT(sourcesBelow(TOVIK_SOURCE_FOLDER), testing::Contains(fs::path("Platform/Clock.h")));
+    EXPECT_THAT(sourcesBelow(TOVIK_SOURCE_FOLDER), testing::Contains(fs::path("Platform/MainQueue.h")));
     EXPECT_THAT(wrongIncludes(TOVIK_SOURCE_FOLDER), IsEmpty());
 }
 
 TEST(IncludeDirection, whenALowerLayerIncludesAHigherOne_isReported) {
     const SourceTree tree;
-    tree.add("Platform/Clock.h", "#include \"Session/PushToTalk.h\"");
-    tree.add("Speech/FillerWords.cpp", "#include \"Platform/Clock.h\"");
+    tree.add("Platform/MainQueue.h", "#include \"Session/PushToTalk.h\"");
+    tree.add("Speech/FillerWords.cpp", "#include \"Platform/MainQueue.h\"");
     tree.add("Session/PushToTalk.cpp", "#include \"AppDelegate.h\"");
-    EXPECT_THAT(wrongIncludes(tree.root()), ElementsAre("Platform/Clock.h includes Session/PushToTalk.h",
+    EXPECT_THAT(wrongIncludes(tree.root()), ElementsAre("Platform/MainQueue.h includes Session/PushToTalk.h",
                                                         "Session/PushToTalk.cpp includes AppDelegate.h"));
 }
 

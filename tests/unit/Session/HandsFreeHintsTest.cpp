@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Session/HandsFreeHints.h"
 
-#include "support/FakeHintPanels.h"
-#include "support/FakeRecordingOverlay.h"
 #include "support/FakeScreens.h"
+#include "support/FakeUserInterface.h"
 #include "support/ManualTime.h"
 
 #include <gtest/gtest.h>

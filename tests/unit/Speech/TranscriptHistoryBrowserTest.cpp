@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Speech/History/TranscriptHistoryBrowser.h"
 
-#include "support/FakeMainWindow.h"
-#include "support/FakePasteboard.h"
+#include "support/FakeUserInterface.h"
+#include "support/FakeWorkspace.h"
 #include "support/ManualTime.h"
 #include "support/MemoryUserDefaults.h"
 

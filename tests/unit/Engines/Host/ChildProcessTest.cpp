@@ -113,6 +113,15 @@ TEST(ChildProcess, tellsItsEndToThoseWhoPoll) {
     EXPECT_TRUE(shell->ended());
 }
 
+TEST(ChildProcess, whenThisProcessIgnoresTheEndOfItsChildren_endingIsNoEndlessWait) {
+    const auto before = ::signal(SIGCHLD, SIG_IGN);
+    const auto shell = startShell("exit 0");
+    ASSERT_NE(shell, nullptr);
+    EXPECT_TRUE(shell->waitForEnd(kLong).has_value());
+    EXPECT_NE(shell->end(Seconds(0)), 0);
+    ::signal(SIGCHLD, before);
+}
+
 TEST(ChildProcess, whenItIgnoresTheRequestToEnd_isKilledAfterTheGrace) {
     const auto stubborn =
         startShell("trap '' TERM; echo ready; while :; do sleep 1000; done", {.hasOutput = true});

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Engines/ChildProcess.h"
-#include "Platform/UnixFd.h"
+#include "Platform/Posix.h"
 #include "support/TemporaryFolder.h"
 #include "unit/Engines/Http/HttpFixture.h"
 

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Desktop/DesktopOpener.h"
 
-#include "support/FakeAlert.h"
-#include "support/FakeProcessLauncher.h"
+#include "support/FakeUserInterface.h"
+#include "support/FakeWorkspace.h"
 #include "support/ManualTime.h"
 
 #include <gmock/gmock.h>

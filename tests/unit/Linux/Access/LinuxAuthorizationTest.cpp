@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Desktop/LinuxAuthorization.h"
 
-#include "support/FakeAlert.h"
+#include "support/FakeUserInterface.h"
 #include "support/ManualTime.h"
 
 #include <gmock/gmock.h>

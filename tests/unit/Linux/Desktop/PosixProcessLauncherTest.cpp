@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Desktop/PosixProcessLauncher.h"
 
-#include "Platform/UnixFd.h"
+#include "Platform/Posix.h"
 #include "support/TemporaryFolder.h"
 
 #include <fcntl.h>

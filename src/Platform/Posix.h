@@ -2,11 +2,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Result.h"
+
 #include <unistd.h>
 
+#include <string>
+#include <system_error>
 #include <utility>
 
 namespace tovik {
+
+/// The failure of a system call as a sentence: what was tried, and the system's reason. The code is errno.
+[[nodiscard]] inline Error posixError(int code, const std::string& attempt) {
+    return {"POSIX", code, attempt + ": " + std::generic_category().message(code)};
+}
 
 /// Owns a file descriptor and closes it.
 class UnixFd {

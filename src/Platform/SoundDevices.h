@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/Result.h"
 #include "Platform/Subscription.h"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -30,6 +32,17 @@ public:
 
     [[nodiscard]] virtual Subscription onConnected(std::function<void(const CaptureDevice&)> handler) = 0;
     [[nodiscard]] virtual Subscription onDisconnected(std::function<void(const CaptureDevice&)> handler) = 0;
+};
+
+/// Every device of the sound system, inputs and outputs alike. Main thread; answers at once.
+class AudioHardware {
+public:
+    virtual ~AudioHardware() = default;
+
+    /// Empty while there is no sound system. An error carries the sound system's numeric status.
+    [[nodiscard]] virtual Result<std::vector<std::uint32_t>> deviceIds() const = 0;
+    /// Nothing when the device is gone or has no name.
+    [[nodiscard]] virtual std::optional<std::string> deviceName(std::uint32_t id) const = 0;
 };
 
 } // namespace tovik
