@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QTimer>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -43,6 +44,8 @@ int refuse(const std::string& sentence) {
 int main(int argc, char** argv) {
     using namespace tovik;
 
+    // Whoever started us may ignore it, and that is inherited: then nobody would learn how a child ended.
+    std::signal(SIGCHLD, SIG_DFL);
     if (!X11Connection::open()) {
         return refuse(X11Session::noDisplayError().description);
     }

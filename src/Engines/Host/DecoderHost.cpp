@@ -93,6 +93,7 @@ private:
             return;
         case Frame::begin:
             trouble_ = decoder_.begin(unpackStrings(content));
+            isBegun_ = trouble_.ok();
             break;
         case Frame::sound:
             if (trouble_) {
@@ -102,9 +103,12 @@ private:
         case Frame::hypothesis:
             desk_.say(Result<std::string>(trouble_ ? decoder_.hypothesis() : ""));
             return;
-        case Frame::finish:
-            desk_.say(trouble_ ? decoder_.finish() : Result<std::string>(trouble_.error()));
+        case Frame::finish: {
+            // Also after trouble, or the library may refuse the next utterance.
+            const auto text = isBegun_ ? decoder_.finish() : Result<std::string>(trouble_.error());
+            desk_.say(trouble_ ? text : Result<std::string>(trouble_.error()));
             return;
+        }
         default:
             ::_exit(1);
         }
@@ -115,6 +119,7 @@ private:
     UtteranceDecoder& decoder_;
     /// What has gone wrong in the present utterance.
     Result<void> trouble_;
+    bool isBegun_ = false;
 };
 
 /// No core files of crashes that are expected, with somebody's words in them; and no life without the one who

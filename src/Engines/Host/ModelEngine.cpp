@@ -279,6 +279,8 @@ void ModelEngine::Keeper::startProcess() {
     if (started) {
         process_ = std::move(started.value());
     } else {
+        // Not the fault of the model's files: it is tried again in a while.
+        areProven_ = true;
         cannotBeLoaded(started.error());
     }
 }

@@ -211,7 +211,8 @@ int HttpAttempt::connected(int localPort) {
         curl_slist_free_all(std::exchange(headers_, nullptr));
         setHeaders();
     }
-    if (form_ != nullptr) {
+    // libcurl comes here again when a connection that it had kept turns out to be dead.
+    if (form_ != nullptr && !std::exchange(formIsFilled_, true)) {
         fillForm();
     }
     const bool hasBody = form_ != nullptr || !request_.body.empty();

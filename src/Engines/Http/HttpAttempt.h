@@ -73,6 +73,7 @@ private:
     const std::function<bool(int)> isReady_;
     CURL* const handle_;
     curl_mime* form_ = nullptr;
+    bool formIsFilled_ = false;
     curl_slist* headers_ = nullptr;
     std::array<char, CURL_ERROR_SIZE> trouble_{};
     std::vector<int> sockets_;

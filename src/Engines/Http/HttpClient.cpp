@@ -82,6 +82,9 @@ private:
         while (takeStock()) {
             loop_.step(kLong);
         }
+        for (auto& [id, job] : jobs_) {
+            loop_.remove(*job.transfer);
+        }
         jobs_.clear();
     }
 

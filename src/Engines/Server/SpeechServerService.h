@@ -98,14 +98,15 @@ private:
     std::optional<std::string> keptKey_;
     bool hasAskedForKey_ = false;
     ServerProcess process_;
-    HttpClient http_;
-    Subscription check_;
     Lifetime lifetime_;
     /// For the thread of a dictation; they hop to the main queue where they must.
     const ServerDictation::Services dictationServices_ = dictationServices();
     std::list<ServerDictation> dictations_;
     /// Answers that no server is asked for.
     std::list<std::thread> refusals_;
+    /// Last, so that its thread has ended before anything that it calls goes.
+    HttpClient http_;
+    Subscription check_;
 };
 
 } // namespace tovik

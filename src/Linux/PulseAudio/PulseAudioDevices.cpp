@@ -91,6 +91,8 @@ std::optional<std::string> PulseAudioDevices::deviceName(std::uint32_t id) const
 }
 
 Subscription PulseAudioDevices::onConnected(std::function<void(const CaptureDevice&)> handler) {
+    // What is there already is no news to whoever begins to listen.
+    tellWhatChanged();
     return connected_->add(std::move(handler));
 }
 
