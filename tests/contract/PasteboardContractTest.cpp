@@ -133,7 +133,7 @@ TEST(QtPasteboard, whenAnotherProgramHasCopiedMeanwhile_ourTextStillReplacesThei
     }
 }
 
-TEST(QtPasteboard, whenAnotherProgramHasCopiedJustNow_ourTextFollowsAsSoonAsThatIsKnown) {
+TEST(QtPasteboard, whenAnotherProgramHasCopiedJustNow_ourTextIsThereAtOnce) {
     QtPasteboard pasteboard;
     const auto selection = [](const QString& name) {
         QProcess other;
@@ -153,7 +153,6 @@ TEST(QtPasteboard, whenAnotherProgramHasCopiedJustNow_ourTextFollowsAsSoonAsThat
         // It goes on in the background. Meanwhile no event is handled here.
         ASSERT_TRUE(other.waitForFinished());
         pasteboard.replaceContents("ours");
-        EXPECT_TRUE(runUntil([&] { return selection(name) == "ours"; })) << name.toStdString();
         EXPECT_EQ(selection("clipboard"), "ours");
         EXPECT_EQ(selection("primary"), "ours");
     }
