@@ -10,8 +10,8 @@
 #include <string>
 
 // Xlib's types by name alone: its header defines macros with everyday names, which no other header survives.
-struct _XDisplay; // NOLINT(bugprone-reserved-identifier)
-union _XEvent;    // NOLINT(bugprone-reserved-identifier)
+struct _XDisplay;
+union _XEvent;
 
 class QSocketNotifier;
 
