@@ -2,12 +2,17 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/PocketSphinx/TermPronouncer.h"
 
-#include "Engines/PocketSphinx/LetterToSound.h"
 #include "Platform/AsciiCase.h"
+
+#include <flite/flite.h>
 
 #include <algorithm>
 #include <array>
 #include <utility>
+
+// The library's headers leave it to the program to declare the lexicons that it links, in the form that
+// flite_add_lang() takes.
+extern "C" cst_lexicon* cmulex_init();
 
 namespace tovik {
 
@@ -19,6 +24,8 @@ constexpr std::size_t kLongestAbbreviation = 5;
 constexpr std::size_t kShortestPart = 3;
 constexpr std::array<std::string_view, 8> kPrefixes{"un", "re", "in", "de", "up", "on", "co", "ex"};
 constexpr std::size_t kMostPronunciations = 3;
+/// Names of the program's own vocabulary of which the rules of spelling drop a vowel.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 1> kNames{{{"jira", "JH IH R AH"}}};
 
 bool isUpper(char character) {
     return character >= 'A' && character <= 'Z';
@@ -81,6 +88,40 @@ std::string joined(const std::string& before, const std::string& after) {
     return before + (before.empty() || after.empty() ? "" : " ") + after;
 }
 
+/// Flite's phone as the recogniser names it, which knows no stress, and so no vowel of unstressed syllables.
+std::string arpabet(std::string_view phone) {
+    const auto bare = phone.substr(0, phone.find_first_of("01"));
+    if (bare == "ax") {
+        return "AH";
+    }
+    std::string upper(bare);
+    std::transform(upper.begin(), upper.end(), upper.begin(),
+                   [](char letter) { return static_cast<char>(letter - 'a' + 'A'); });
+    return upper;
+}
+
+/// How Flite says a word of lower-case letters and apostrophes: as its lexicon has it, else by the rules that
+/// were learned from the dictionary of which the recogniser's is a later version. A letter is its name.
+std::string spoken(const std::string& word) {
+    static const cst_lexicon* const lexicon = cmulex_init();
+    // Said as a noun, since the article "a" is no letter's name.
+    auto* const phones = lex_lookup(lexicon, word.c_str(), "n", nullptr);
+    std::string way;
+    for (const cst_val* phone = phones; phone != nullptr; phone = val_cdr(phone)) {
+        way = joined(way, arpabet(val_string(val_car(phone))));
+    }
+    delete_val(phones);
+    return way;
+}
+
+std::string spelledOut(const std::string& word) {
+    std::string way;
+    for (const char letter : word) {
+        way = joined(way, spoken(std::string(1, letter)));
+    }
+    return way;
+}
+
 } // namespace
 
 TermPronouncer::TermPronouncer(Dictionary dictionary) : dictionary_(std::move(dictionary)) {}
@@ -128,7 +169,7 @@ std::vector<std::string> TermPronouncer::pronounceWord(const std::string& word) 
         }
     }
     if (isAbbreviation(word)) {
-        addOnce(ways, spelledOut(word));
+        addOnce(ways, spelledOut(lower));
         return ways;
     }
     if (const auto humps = humpsOf(word); humps.size() > 1) {
@@ -140,10 +181,15 @@ std::vector<std::string> TermPronouncer::pronounceWord(const std::string& word) 
         addOnce(ways, phones);
         return ways;
     }
+    const auto* const name = std::find_if(kNames.begin(), kNames.end(),
+                                          [&](const auto& candidate) { return candidate.first == lower; });
+    if (name != kNames.end()) {
+        return {std::string(name->second)};
+    }
     if (auto parts = compound(lower)) {
         addOnce(ways, std::move(*parts));
     }
-    addOnce(ways, letterToSound(lower));
+    addOnce(ways, spoken(lower));
     return ways;
 }
 

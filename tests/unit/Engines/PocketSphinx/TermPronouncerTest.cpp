@@ -40,6 +40,14 @@ TEST(TermPronouncer, whenTheDictionaryHasTheWord_takesAllItsWays) {
 
 TEST(TermPronouncer, whenTheWordIsUnknown_usesTheRulesOfSpelling) {
     EXPECT_THAT(pronounce("Tovik"), ElementsAre("T OW V IH K"));
+    EXPECT_THAT(pronounce("Figma"), ElementsAre("F IH G M AH"));
+    EXPECT_THAT(pronounce("Trello"), ElementsAre("T R EH L OW"));
+    EXPECT_THAT(pronounce("making"), ElementsAre("M EY K IH NG"));
+    EXPECT_THAT(pronounce("don't"), ElementsAre("D AA N T"));
+}
+
+TEST(TermPronouncer, whenTheRulesGetANameOfTheProgramsWrong_knowsBetter) {
+    EXPECT_THAT(pronounce("Jira"), ElementsAre("JH IH R AH"));
 }
 
 TEST(TermPronouncer, whenTheTermIsAPhrase_saysItsWordsInARow) {
@@ -59,6 +67,7 @@ TEST(TermPronouncer, whenTheWordHasHumps_saysEachHump) {
 
 TEST(TermPronouncer, whenTheWordIsAnAbbreviation_spellsItOut) {
     EXPECT_THAT(pronounce("PBX"), ElementsAre("P IY B IY EH K S"));
+    EXPECT_THAT(pronounce("AWQ"), ElementsAre("EY D AH B AH L Y UW K Y UW"));
 }
 
 TEST(TermPronouncer, whenTheAbbreviationIsAWord_saysTheWord) {
