@@ -117,6 +117,7 @@ void ServerDictation::cancel() {
 }
 
 void ServerDictation::run() {
+    failedBefore_ = services_.failedAudio.kept();
     auto resampler = Resampler::make(job_.utterance->request().sampleRate(), kTranscriptionRate);
     if (resampler) {
         resampler_ = std::move(resampler.value());
@@ -253,7 +254,7 @@ void ServerDictation::answered(const HttpOutcome& outcome) {
     if (text->empty()) {
         job_.utterance->answer(noSpeech());
     } else {
-        services_.failedAudio.forgetAll();
+        services_.failedAudio.forget(failedBefore_);
         job_.utterance->answer(*text);
     }
 }

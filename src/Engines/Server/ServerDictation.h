@@ -85,6 +85,8 @@ private:
     HttpUpload upload_;
     std::unique_ptr<Resampler> resampler_;
     std::vector<std::int16_t> samples_;
+    /// The sound of dictations that had failed when this one began. A success forgets no others.
+    std::vector<std::string> failedBefore_;
     bool isCutOff_ = false;
     bool soundIsComplete_ = false;
     /// Set where there is no use in asking the server.

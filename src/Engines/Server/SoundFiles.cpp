@@ -73,13 +73,13 @@ struct CloseSound {
 };
 
 /// By name, which is by time.
-std::vector<fs::path> keptIn(const std::string& folder) {
-    std::vector<fs::path> files;
+std::vector<std::string> keptIn(const std::string& folder) {
+    std::vector<std::string> files;
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(folder, error)) {
         const auto name = entry.path().filename().string();
         if (name.starts_with(kPrefix) && name.ends_with(".wav")) {
-            files.push_back(entry.path());
+            files.push_back(entry.path().string());
         }
     }
     std::sort(files.begin(), files.end());
@@ -180,10 +180,15 @@ Result<std::string> FailedAudio::keep(std::span<const std::int16_t> samples, int
     return path;
 }
 
-void FailedAudio::forgetAll() {
+std::vector<std::string> FailedAudio::kept() {
+    const std::lock_guard lock(mutex_);
+    return keptIn(folder_);
+}
+
+void FailedAudio::forget(const std::vector<std::string>& files) {
     const std::lock_guard lock(mutex_);
     std::error_code ignored;
-    for (const auto& file : keptIn(folder_)) {
+    for (const auto& file : files) {
         fs::remove(file, ignored);
     }
 }

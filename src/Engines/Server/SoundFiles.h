@@ -8,6 +8,7 @@
 #include <mutex>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace tovik {
 
@@ -32,8 +33,9 @@ public:
 
     /// Returns the file.
     Result<std::string> keep(std::span<const std::int16_t> samples, int sampleRate);
-    /// Removes what was kept, also by an earlier run of the program.
-    void forgetAll();
+    /// The files that are kept, also by an earlier run of the program.
+    [[nodiscard]] std::vector<std::string> kept();
+    void forget(const std::vector<std::string>& files);
 
 private:
     const std::string folder_;

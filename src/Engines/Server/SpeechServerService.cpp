@@ -240,7 +240,7 @@ std::string SpeechServerService::keyFor(const ServerSettings& settings) const {
         const std::lock_guard lock(keyMutex_);
         return keptKey_.value_or("");
     }();
-    const auto key = withoutOuterSpace(settings.key.value_or(fromRing));
+    auto key = withoutOuterSpace(settings.key.value_or(fromRing));
     if (!key.empty() && !settings.address.isSafeForKeys()) {
         services_.log.logLine("[TovikVoice] The speech server's key is not sent, since the connection to " +
                               settings.address.origin() + " is not encrypted");

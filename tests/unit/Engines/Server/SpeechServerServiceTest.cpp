@@ -220,6 +220,28 @@ TEST_F(SpeechServerServiceTest, whenTheNextDictationHasNoSpeech_keepsTheSoundOfT
     EXPECT_EQ(keptFiles(), kept);
 }
 
+TEST_F(SpeechServerServiceTest, whenADictationFailsMeanwhile_aSuccessLeavesItsSoundAlone) {
+    std::atomic<int> attempts{0};
+    answerUploads([&](HttpExchange& exchange) {
+        if (++attempts > 1) {
+            exchange.answerJson(500, "{}");
+        } else if (exchange.waitForRelease()) {
+            exchange.answerJson(200, kText);
+        }
+    });
+    const auto utterance = request();
+    append(*utterance);
+    utterance->endAudio();
+    const auto answers = start(utterance);
+    ASSERT_TRUE(server_.waitForRequests(1));
+    EXPECT_THAT(dictate(), HasSubstr("answered with the error 500"));
+    const auto kept = keptFiles();
+    EXPECT_THAT(kept, SizeIs(1));
+    server_.release();
+    EXPECT_EQ(answers.waitForText(), "hello there");
+    EXPECT_EQ(keptFiles(), kept);
+}
+
 TEST_F(SpeechServerServiceTest, whenSoundIsNotToBeKept_keepsNone) {
     defaults_.set("platform.speech.keepFailedAudio", false);
     answerUploads([](HttpExchange& exchange) { exchange.answerJson(500, "{}"); });
