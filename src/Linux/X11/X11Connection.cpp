@@ -19,22 +19,30 @@
 namespace tovik {
 namespace {
 
-// Xlib has one error handler for the whole process, so the connections that are ours are told apart here.
+// Xlib has one handler of each kind for the whole process, so the connections that are ours are told apart here.
 std::mutex errorHandlerMutex;
 // An empty set allocates nothing, so making it cannot throw.
 std::set<Display*> ourDisplays; // NOLINT(bugprone-throwing-static-initialization)
 XErrorHandler previousErrorHandler = nullptr;
+XIOErrorHandler previousLossHandler = nullptr;
+
+/// The handler that others have set, or nothing when the connection is ours.
+template <typename Handler> Handler handlerOfOthers(Display* display, const Handler& previous) {
+    const std::lock_guard lock(errorHandlerMutex);
+    return ourDisplays.contains(display) ? nullptr : previous;
+}
 
 int handleError(Display* display, XErrorEvent* event) {
-    XErrorHandler previous = nullptr;
-    {
-        const std::lock_guard lock(errorHandlerMutex);
-        if (ourDisplays.contains(display)) {
-            return 0;
-        }
-        previous = previousErrorHandler;
-    }
+    const auto previous = handlerOfOthers(display, previousErrorHandler);
     return previous != nullptr ? previous(display, event) : 0;
+}
+
+/// Qt's handler ends the process, also for a connection that is not its own. When ours was the first to see
+/// that the server is gone, nobody would keep the words of a recording then: it returns, so that Xlib goes on
+/// to the connection's own exit handler, and the end comes when Qt sees it, too.
+int handleLoss(Display* display) {
+    const auto previous = handlerOfOthers(display, previousLossHandler);
+    return previous != nullptr ? previous(display) : 0;
 }
 
 void adopt(Display* display) {
@@ -42,6 +50,9 @@ void adopt(Display* display) {
     ourDisplays.insert(display);
     if (const auto replaced = XSetErrorHandler(handleError); replaced != handleError) {
         previousErrorHandler = replaced;
+    }
+    if (const auto replaced = XSetIOErrorHandler(handleLoss); replaced != handleLoss) {
+        previousLossHandler = replaced;
     }
 }
 

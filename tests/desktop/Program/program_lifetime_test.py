@@ -109,7 +109,7 @@ class End(ProgramTest):
         self.assertGreaterEqual(program.wait(10), 0)
         with open(program.defaults) as file:
             history = json.load(file).get("transcription.history", [])
-        self.assertEqual([first_words(entry["text"]) for entry in history], [SPOKEN_WORDS], program.output())
+        self.assertEqual([first_words(entry["text"]) for entry in history], [SPOKEN_WORDS], program.output() + program.errors().splitlines())
 
     def test_byKillAtAnyMomentOfADictation_leavesTheSettingsWhole(self) -> None:
         self.set_stage()
