@@ -13,7 +13,6 @@
 #include "Linux/Desktop/PosixProcessLauncher.h"
 #include "Linux/Desktop/QtAlert.h"
 #include "Linux/Desktop/QtMainQueue.h"
-#include "Linux/Desktop/QtPasteboard.h"
 #include "Linux/Desktop/QtScreens.h"
 #include "Linux/Desktop/QtUserDefaultsChanges.h"
 #include "Linux/PulseAudio/PulseAudioDevices.h"
@@ -25,6 +24,7 @@
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11KeyEventPoster.h"
 #include "Linux/X11/X11KeyMonitor.h"
+#include "Linux/X11/X11Pasteboard.h"
 #include "Linux/X11/X11Workspace.h"
 #include "Permissions/Installation.h"
 #include "Platform/Subscription.h"
@@ -102,7 +102,7 @@ struct LinuxPlatform::Adapters {
     PosixProcessLauncher launcher;
     QtScreens screens;
     QtAlert alert;
-    QtPasteboard pasteboard;
+    X11Pasteboard pasteboard{log};
 
     X11Workspace workspace;
     PostedKeys postedKeys;

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/Desktop/QtPasteboard.h"
+#include "Linux/X11/X11Pasteboard.h"
 #include "support/EventLoop.h"
 #include "support/FakeWorkspace.h"
+#include "support/RecordingLog.h"
 
 #include <QProcess>
 
@@ -36,7 +37,7 @@ private:
     FakePasteboard pasteboard_;
 };
 
-class QtWorld : public PasteboardWorld {
+class X11World : public PasteboardWorld {
 public:
     Pasteboard& pasteboard() override { return pasteboard_; }
     std::optional<std::string> paste() override { return selection("clipboard"); }
@@ -53,7 +54,8 @@ private:
         return other.readAllStandardOutput().toStdString();
     }
 
-    QtPasteboard pasteboard_;
+    RecordingLog log_;
+    X11Pasteboard pasteboard_{log_};
 };
 
 struct WorldKind {
@@ -105,58 +107,8 @@ TEST_P(PasteboardContract, theSameText_canBePastedAgainAndAgain) {
 INSTANTIATE_TEST_SUITE_P(
     Pasteboards, PasteboardContract,
     testing::Values(WorldKind{"FakePasteboard", [] { return std::make_unique<FakeWorld>(); }},
-                    WorldKind{"QtPasteboard", [] { return std::make_unique<QtWorld>(); }}),
+                    WorldKind{"X11Pasteboard", [] { return std::make_unique<X11World>(); }}),
     [](const auto& kind) { return kind.param.name; });
-
-/// Only on a desktop are there other programs that copy.
-TEST(QtPasteboard, whenAnotherProgramHasCopiedMeanwhile_ourTextStillReplacesTheirs) {
-    QtPasteboard pasteboard;
-    const auto selection = [](const QStringList& arguments) {
-        QProcess other;
-        other.start("xclip", arguments);
-        EXPECT_TRUE(runUntil([&] { return other.state() == QProcess::NotRunning; }));
-        return other.readAllStandardOutput().toStdString();
-    };
-    pasteboard.replaceContents("first");
-    for (const QString name : {"clipboard", "primary"}) {
-        QProcess other;
-        // In the background it would keep our pipes open; in the foreground it ends when it is replaced.
-        other.start("xclip", {"-i", "-quiet", "-selection", name});
-        other.write("theirs");
-        other.closeWriteChannel();
-        EXPECT_TRUE(runUntil([&] {
-            return selection({"-o", "-selection", name}) == "theirs";
-        })) << name.toStdString();
-        pasteboard.replaceContents("ours");
-        EXPECT_EQ(selection({"-o", "-selection", name}), "ours") << name.toStdString();
-        EXPECT_TRUE(runUntil([&] { return other.state() == QProcess::NotRunning; }));
-    }
-}
-
-TEST(QtPasteboard, whenAnotherProgramHasCopiedJustNow_ourTextIsThereAtOnce) {
-    QtPasteboard pasteboard;
-    const auto selection = [](const QString& name) {
-        QProcess other;
-        other.start("xclip", {"-o", "-selection", name});
-        EXPECT_TRUE(runUntil([&] { return other.state() == QProcess::NotRunning; }));
-        return other.readAllStandardOutput().toStdString();
-    };
-    pasteboard.replaceContents("first");
-    EXPECT_EQ(selection("clipboard"), "first");
-    for (const QString name : {"clipboard", "primary"}) {
-        QProcess other;
-        other.setStandardOutputFile(QProcess::nullDevice());
-        other.setStandardErrorFile(QProcess::nullDevice());
-        other.start("xclip", {"-i", "-selection", name});
-        other.write("theirs");
-        other.closeWriteChannel();
-        // It goes on in the background. Meanwhile no event is handled here.
-        ASSERT_TRUE(other.waitForFinished());
-        pasteboard.replaceContents("ours");
-        EXPECT_EQ(selection("clipboard"), "ours");
-        EXPECT_EQ(selection("primary"), "ours");
-    }
-}
 
 } // namespace
 } // namespace tovik::test

@@ -4,10 +4,10 @@
 // Pasting for real: into a GTK editor, a Qt editor, two kinds of terminal and a browser, under several
 // keyboard layouts, by way of the clipboard and the paste keys alone.
 #include "Linux/Desktop/QtMainQueue.h"
-#include "Linux/Desktop/QtPasteboard.h"
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11KeyEventPoster.h"
+#include "Linux/X11/X11Pasteboard.h"
 #include "Linux/X11/X11Workspace.h"
 #include "Platform/Keyboard.h"
 #include "support/EventLoop.h"
@@ -215,7 +215,7 @@ private:
     XUser user_;
     std::unique_ptr<X11Connection> connection_ = std::move(X11Connection::open().value());
     X11Workspace workspace_{{queue_, "tovik-record", "Tovik Record", {}}};
-    QtPasteboard pasteboard_;
+    X11Pasteboard pasteboard_{log_};
     X11KeyEventPoster poster_{{queue_, defaults_, log_, posted_}};
     std::map<std::string, std::unique_ptr<Running>> running_;
 };

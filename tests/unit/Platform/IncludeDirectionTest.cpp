@@ -162,7 +162,7 @@ TEST(IncludeDirection, whenTheLogicIncludesAMechanismOrQt_isReported) {
 
 TEST(IncludeDirection, whenOneMechanismIncludesAnother_isReported) {
     const SourceTree tree;
-    tree.add("Linux/X11/X11Workspace.cpp", "#include \"Linux/Desktop/QtPasteboard.h\"");
+    tree.add("Linux/X11/X11Workspace.cpp", "#include \"Linux/Desktop/QtAlert.h\"");
     tree.add("Linux/X11/X11KeyMonitor.cpp", "#include \"Linux/X11/X11Connection.h\"");
     tree.add("Linux/LinuxPlatform.cpp", "#include \"Linux/X11/X11Workspace.h\"");
     EXPECT_THAT(wrongIncludes(tree.root()),
