@@ -81,6 +81,7 @@ std::string_view nameOf(std::string_view variable) {
 
 std::vector<char*> environmentWith(std::vector<std::string>& changes) {
     std::vector<char*> variables;
+    variables.reserve(changes.size());
     for (auto& change : changes) {
         variables.push_back(change.data());
     }
@@ -177,6 +178,7 @@ Result<void> ChildProcess::spawn(Program& program) {
     files.use(UnixFd(), STDERR_FILENO, O_WRONLY);
     files.closeOthers();
     std::vector<char*> arguments;
+    arguments.reserve(program.command.size() + 1);
     for (auto& argument : program.command) {
         arguments.push_back(argument.data());
     }

@@ -5,7 +5,7 @@
 // utterance has, such as "32000 samples". It does what a test orders by files in the folder, named
 // "<moment>-<deed>": moments are load, begin, sound, finish, learn and after (an answer to finish); each file
 // is taken away when it is obeyed, except for those of deeds that last. What it was asked to do, and its
-// process, stands in the file "log". See ScriptedEngine.h.
+// process, stands in the file "log". See ModelEngineFixture.h.
 #include "Engines/Host/DecoderHost.h"
 #include "Engines/Host/RecognitionError.h"
 

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/Host/Dictation.h"
 
-#include "Engines/Host/UtteranceDecoder.h"
-
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -13,7 +11,7 @@ namespace tovik {
 namespace {
 
 /// Sound between two looks at the hypothesis: a quarter of a second.
-constexpr auto kSamplesBetweenLooks = static_cast<std::size_t>(UtteranceDecoder::sampleRate / 4);
+constexpr auto kSamplesBetweenLooks = static_cast<std::size_t>(kEngineRate / 4);
 /// Little, so that each is answered soon, as a sign of life.
 constexpr std::size_t kSamplesAtOnce = 2048;
 constexpr std::size_t kFramesAtOnce = 4096;
@@ -23,7 +21,7 @@ constexpr std::size_t kFramesAtOnce = 4096;
 Dictation::Dictation(std::shared_ptr<RecognitionRequest> request, RecognitionHandler handler)
     : request_(std::move(request)),
       handler_(std::move(handler)) {
-    auto resampler = Resampler::make(request_->sampleRate(), UtteranceDecoder::sampleRate);
+    auto resampler = Resampler::make(request_->sampleRate(), kEngineRate);
     if (resampler) {
         resampler_ = std::move(resampler.value());
     } else {
@@ -49,7 +47,7 @@ void Dictation::hear(std::chrono::milliseconds atMost) {
     }
 }
 
-void Dictation::feed(EngineProcess& process) {
+void Dictation::feed(ModelProcess& process) {
     if (!std::exchange(isBegun_, true)) {
         process.ask(Frame::begin, packStrings(request_->settings().contextualStrings));
     }

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Audio/RecognitionRequest.h"
-#include "Engines/Host/EngineProcess.h"
+#include "Engines/Host/ModelProcess.h"
 #include "Engines/Host/Resampler.h"
 #include "Platform/SpeechService.h"
 
@@ -29,7 +29,7 @@ public:
     [[nodiscard]] const std::optional<Error>& trouble() const { return trouble_; }
 
     /// Asks the process for what it has not been asked for yet, as long as that keeps up.
-    void feed(EngineProcess& process);
+    void feed(ModelProcess& process);
     /// Whether a process has heard of it.
     [[nodiscard]] bool isBegun() const { return isBegun_; }
     /// Begins anew, for another process. How many have failed with it, this one included.

@@ -2,63 +2,39 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/MainQueue.h"
+#include "Engines/Host/ModelProcess.h"
+#include "Platform/Posix.h"
 #include "Platform/SpeechService.h"
-#include "Platform/SystemLog.h"
 
-#include <chrono>
-#include <filesystem>
-#include <functional>
+#include <condition_variable>
+#include <deque>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace tovik {
+
+class Dictation;
 
 /// Recognises with one model of this machine, in a process of its own: tovik-engine.
 ///
 /// The model is loaded in the background from the construction on. A dictation that begins before it is ready
 /// waits for it and loses nothing. Utterances are decoded one after the other. The sound of each is kept
 /// until its text has come: when the process dies or hangs over it, a fresh one hears it once more, and only
-/// after that the answer is an error. A model that could not be loaded, not by a second process either, is
-/// loaded again once its files have changed and stay as they are; so is one whose files have changed since.
+/// after that the answer is an error. When a model that could not be loaded is tried again, ModelProcess
+/// says.
 ///
-/// One thread of its own looks after the process and calls the handlers, under no lock.
+/// One thread of its own looks after the process and calls the handlers, under no lock. The rest is for any
+/// thread.
 class ModelEngine : public std::enable_shared_from_this<ModelEngine> {
 public:
-    struct Model {
-        /// Tells in a moment whether the files can be used at all. Any thread.
-        std::function<Result<void>()> check;
-        /// What decodes with it: tovik-engine and its arguments.
-        std::vector<std::string> command;
-        /// Files and folders: another content is another model.
-        std::vector<std::filesystem::path> files;
-        /// The sentence for the user when a library does not survive the model. how: "the library breaks down
-        /// over it".
-        std::function<Error(const std::string& how)> unusable;
-    };
-
-    struct Limits {
-        /// How long the process may owe an answer without a sign of life.
-        Seconds silence{15};
-        /// How long loading the model may take: a cold disk on a busy machine is slow, and a second try would
-        /// be no faster.
-        Seconds loading{180};
-        /// How often that, and the files of a model that cannot be used, are looked at.
-        Seconds look{2};
-        /// The pause before a process that died while nobody spoke is replaced; it doubles with each.
-        Seconds pause{1};
-        /// Tells the time that the silence is measured by. Any thread.
-        std::function<std::chrono::steady_clock::time_point()> clock = [] {
-            return std::chrono::steady_clock::now();
-        };
-    };
-
     /// tovik-engine in the folder of the running program.
     [[nodiscard]] static std::string program();
 
-    ModelEngine(SystemLog& log, Model model, Limits limits);
+    ModelEngine(SystemLog& log, LocalModel model, ModelProcess::Limits limits);
     /// As end().
     ~ModelEngine();
     ModelEngine(const ModelEngine&) = delete;
@@ -91,13 +67,59 @@ public:
 
 private:
     friend class ModelRecognizer;
-    class Keeper;
 
-    const std::unique_ptr<Keeper> keeper_;
+    void add(std::unique_ptr<Dictation> dictation);
+    void wake() const;
+    /// Changes what others see: the thread itself, and others, which wake it.
+    template <typename Change>
+    void publish(Change change);
+    template <typename Change>
+    void change(Change change);
+
+    // What the thread does.
+    void run();
+    [[nodiscard]] bool takeOrders();
+    void keepProcess();
+    void take(const ModelProcess::Answer& answer);
+    void answered(const Result<std::string>& text);
+    void answerAll(const Error& why);
+    void lost(ModelProcess::Loss how);
+    void settle(bool wordsDidIt);
+    void teach();
+    void feed();
+    void pauseForNews();
+
+    SystemLog& log_;
+    const std::function<Result<void>()> check_;
+    /// Becomes readable when there is something new for the thread.
+    const UnixFd wake_;
+
+    mutable std::mutex mutex_;
+    mutable std::condition_variable changed_;
+    std::vector<std::unique_ptr<Dictation>> added_;
+    std::size_t underWay_ = 0;
+    /// What is to be taught next; nothing once it was.
+    std::optional<std::vector<std::string>> toLearn_;
+    bool isLearning_ = false;
+    /// Why the files cannot even be tried.
+    std::optional<Error> missing_;
+    /// As the process has them.
+    std::optional<Error> failure_;
+    bool isBroken_ = false;
+    bool isLoaded_ = false;
+    bool ends_ = false;
+    bool hasEnded_ = false;
+    bool isLeaving_ = false;
+
+    // The thread's own.
+    /// Whether there is a model, and no end of all.
+    bool mayRun_ = false;
+    std::deque<std::unique_ptr<Dictation>> dictations_;
+    ModelProcess process_;
+    /// What was last taught, for the next process.
+    std::optional<std::vector<std::string>> vocabulary_;
+
+    std::thread thread_;
 };
-
-/// Another text after one of the files, or one anywhere in one of the folders, has come, gone or changed.
-/// Reads no file.
-[[nodiscard]] std::string fileStamp(const std::vector<std::filesystem::path>& filesAndFolders);
 
 } // namespace tovik

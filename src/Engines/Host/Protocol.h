@@ -28,12 +28,15 @@ inline constexpr std::string_view kProtocolVersion = "1";
 /// Nobody says more at once; a longer frame means that the other side has lost its mind.
 inline constexpr std::size_t kLongestFrame = std::size_t{4} << 20;
 
+/// Of samples.
+inline constexpr double kEngineRate = 16000;
+
 enum class Frame : char {
     /// Words and phrases that the next utterances will favour; strings.
     learn = 'L',
     /// An utterance with words and phrases of its own; strings.
     begin = 'B',
-    /// The next samples: 16 bits each, 16 kHz, one channel.
+    /// The next samples: 16 bits each, kEngineRate, one channel.
     sound = 'S',
     /// Asks what was heard so far; the answer is text.
     hypothesis = 'H',

@@ -39,7 +39,7 @@ Result<void> check(const fs::path& model) {
     return {};
 }
 
-ModelEngine::Model engineModel(const fs::path& folder) {
+LocalModel engineModel(const fs::path& folder) {
     return {.check = [folder] { return check(folder); },
             .command = {ModelEngine::program(), "pocketsphinx", folder.string()},
             .files = {folder / "en-us", folder / "en-us.lm.bin", folder / "cmudict-en-us.dict"},
@@ -49,7 +49,7 @@ ModelEngine::Model engineModel(const fs::path& folder) {
 } // namespace
 
 PocketSphinxService::PocketSphinxService(SystemLog& log, const fs::path& model)
-    : engine_(std::make_shared<ModelEngine>(log, engineModel(model), ModelEngine::Limits{})) {}
+    : engine_(std::make_shared<ModelEngine>(log, engineModel(model), ModelProcess::Limits{})) {}
 
 std::shared_ptr<SpeechRecognizer> PocketSphinxService::makeRecognizer(const std::string& localeIdentifier) {
     if (localeIdentifier.empty() || canonicalLocaleIdentifier(localeIdentifier) != kLocale) {

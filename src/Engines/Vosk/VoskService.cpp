@@ -76,7 +76,7 @@ std::vector<fs::path> libraryFolders() {
     return folders;
 }
 
-ModelEngine::Model engineModel(const std::string& folder, const std::vector<std::string>& libraries) {
+LocalModel engineModel(const std::string& folder, const std::vector<std::string>& libraries) {
     std::vector<std::string> command{ModelEngine::program(), "vosk", folder};
     command.insert(command.end(), libraries.begin(), libraries.end());
     std::vector<fs::path> files(libraries.begin(), libraries.end());
@@ -239,7 +239,7 @@ void VoskService::use(const std::string& folder, const std::vector<std::string>&
         return;
     }
     // The big ones are read from the disk for a while.
-    ModelEngine::Limits limits;
+    ModelProcess::Limits limits;
     limits.loading = kLoading;
     loaded_.push_front({folder, std::make_shared<ModelEngine>(log_, engineModel(folder, libraries), limits)});
     loaded_.front().engine->prepare(contextualStrings_);
