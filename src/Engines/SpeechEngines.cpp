@@ -14,6 +14,7 @@ namespace tovik {
 namespace {
 
 constexpr auto kEngineKey = "platform.speech.engine";
+constexpr auto kConsentKey = "platform.speech.serverConsent";
 
 /// The model of the Debian package, unless the user has another one.
 std::filesystem::path pocketSphinxModel(const UserDefaults& defaults) {
@@ -22,6 +23,33 @@ std::filesystem::path pocketSphinxModel(const UserDefaults& defaults) {
 }
 
 } // namespace
+
+std::optional<bool> SpeechConsent::answer(const ServerAddress& server) const {
+    if (server.isThisMachine()) {
+        return true;
+    }
+    const auto answers = defaults_.value(kConsentKey);
+    if (!answers || !answers->is_object()) {
+        return std::nullopt;
+    }
+    const auto found = answers->find(server.origin());
+    return found != answers->end() && found->is_boolean() ? std::optional(found->get<bool>()) : std::nullopt;
+}
+
+void SpeechConsent::setAnswer(const ServerAddress& server, bool isAllowed) {
+    auto answers = defaults_.value(kConsentKey).value_or(PropertyValue::object());
+    if (!answers.is_object()) {
+        answers = PropertyValue::object();
+    }
+    answers[server.origin()] = isAllowed;
+    defaults_.set(kConsentKey, std::move(answers));
+}
+
+std::string SpeechConsent::question(const ServerAddress& server) {
+    return "What you dictate would be sent to the speech server " + server.origin() +
+           " and recognised there" +
+           (server.isEncrypted ? "." : ", over a connection that others may listen to.");
+}
 
 SpeechEngines::SpeechEngines(Services services)
     : services_(std::move(services)),

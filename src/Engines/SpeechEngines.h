@@ -4,7 +4,6 @@
 
 #include "Engines/PocketSphinx/PocketSphinxService.h"
 #include "Engines/Server/SpeechServerService.h"
-#include "Engines/SpeechConsent.h"
 #include "Engines/Vosk/VoskService.h"
 #include "Platform/MainQueue.h"
 #include "Platform/SecretStore.h"
@@ -17,6 +16,25 @@
 #include <vector>
 
 namespace tovik {
+
+/// Whether the user lets speech leave this machine, asked once for each server. A server on this machine
+/// needs no consent. Main thread.
+class SpeechConsent {
+public:
+    /// The settings outlive the consent.
+    explicit SpeechConsent(UserDefaults& defaults) : defaults_(defaults) {}
+
+    /// Nothing until the user has answered.
+    [[nodiscard]] std::optional<bool> answer(const ServerAddress& server) const;
+    [[nodiscard]] bool isAllowed(const ServerAddress& server) const { return answer(server).value_or(false); }
+    void setAnswer(const ServerAddress& server, bool isAllowed);
+
+    /// What the user is asked.
+    [[nodiscard]] static std::string question(const ServerAddress& server);
+
+private:
+    UserDefaults& defaults_;
+};
 
 /// All speech engines of this program, as one: a locale is recognised by the first engine that can, in an
 /// order that the user default "platform.speech.engine" chooses: "vosk", "server" or "pocketsphinx" alone, or

@@ -2,12 +2,30 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Engines/Host/UtteranceDecoder.h"
+#include "Engines/Host/Protocol.h"
 
 #include <functional>
 #include <memory>
 
 namespace tovik {
+
+/// Decodes one utterance after the other from samples at kEngineRate. One thread; each call may take long.
+class UtteranceDecoder {
+public:
+    virtual ~UtteranceDecoder() = default;
+
+    /// Between utterances: the words and phrases that the next ones will favour. Whatever it takes to know
+    /// them is then done already when an utterance begins.
+    virtual Result<void> prepare(const std::vector<std::string>& contextualStrings) = 0;
+
+    /// Begins an utterance in which the given words and phrases are likelier than usual.
+    virtual Result<void> begin(const std::vector<std::string>& contextualStrings) = 0;
+    virtual Result<void> accept(std::span<const std::int16_t> samples) = 0;
+    /// What the utterance sounds like so far; empty when there is nothing to tell yet.
+    [[nodiscard]] virtual std::string hypothesis() = 0;
+    /// Ends the utterance: its text, or the error "No speech detected".
+    [[nodiscard]] virtual Result<std::string> finish() = 0;
+};
 
 /// Loads a decoder and has it do what comes in on standard input, as Protocol.h says, until that ends; the
 /// whole life of tovik-engine and of programs that stand in for it in tests. Ends the process at the end,

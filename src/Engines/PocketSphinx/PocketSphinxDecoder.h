@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Engines/Host/UtteranceDecoder.h"
+#include "Engines/Host/DecoderHost.h"
 #include "Engines/Host/VoiceEvidence.h"
-#include "Engines/PocketSphinx/CepstralMean.h"
 #include "Engines/PocketSphinx/ContextualVocabulary.h"
 #include "Engines/PocketSphinx/FrontEnd.h"
 

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/Server/ServerDictation.h"
 
-#include "Audio/RecognitionRequest.h"
 #include "Engines/Host/RecognitionError.h"
 #include "Engines/Host/Resampler.h"
 
@@ -100,6 +99,24 @@ std::optional<std::string> whyRefused(const ServerAddress& server, const HttpRes
         return "The speech server " + server.origin() + " answered with the error " + status;
     }
     return std::nullopt;
+}
+
+void Utterance::reportPartial(const std::string& text) {
+    if (handler_) {
+        handler_(RecognitionResult{text, false}, std::nullopt);
+    }
+}
+
+void Utterance::answer(const std::string& text) {
+    if (const auto handler = std::exchange(handler_, nullptr)) {
+        handler(RecognitionResult{text, true}, std::nullopt);
+    }
+}
+
+void Utterance::answer(const Error& error) {
+    if (const auto handler = std::exchange(handler_, nullptr)) {
+        handler(std::nullopt, error);
+    }
 }
 
 ServerDictation::ServerDictation(Job job, const Services& services)

@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Engines/Host/Utterance.h"
+#include "Audio/RecognitionRequest.h"
 #include "Engines/Http/HttpClient.h"
 #include "Engines/Server/ServerSettings.h"
+#include "Platform/SpeechService.h"
 #include "Platform/SystemLog.h"
 
 #include <atomic>
@@ -32,6 +33,28 @@ inline constexpr int kTranscriptionRate = 16000;
                                                     const HttpResponse& response);
 /// Whether it is for the key, or for want of one.
 [[nodiscard]] bool isAboutTheKey(const HttpResponse& response);
+
+/// One request for recognition and the one who waits for its text: sees to it that one call of the handler
+/// ends it and none comes afterwards. From one thread at a time.
+class Utterance {
+public:
+    Utterance(std::shared_ptr<RecognitionRequest> request, RecognitionHandler handler)
+        : request_(std::move(request)),
+          handler_(std::move(handler)) {}
+
+    [[nodiscard]] RecognitionRequest& request() const { return *request_; }
+    /// Whether nobody else holds the request any more: then no sound can come, and no end of it either.
+    [[nodiscard]] bool requestAbandoned() const { return request_.use_count() == 1; }
+
+    /// Each calls the handler, on this thread; does nothing once the utterance was answered.
+    void reportPartial(const std::string& text);
+    void answer(const std::string& text);
+    void answer(const Error& error);
+
+private:
+    const std::shared_ptr<RecognitionRequest> request_;
+    RecognitionHandler handler_;
+};
 
 /// One dictation on its way to the server and back, on a thread of its own: it listens until the end, with a
 /// connection open, then sends the sound and answers the utterance.

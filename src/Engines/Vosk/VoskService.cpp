@@ -4,7 +4,7 @@
 
 #include "Engines/Host/LocaleIdentifier.h"
 #include "Engines/Host/RecognitionError.h"
-#include "Engines/Vosk/VoskLibrary.h"
+#include "Engines/Vosk/VoskDecoder.h"
 #include "Platform/AsciiCase.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Engines/PocketSphinx/CepstralMean.h"
+#include "Engines/PocketSphinx/FrontEnd.h"
 
 #include <gtest/gtest.h>
 
