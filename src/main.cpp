@@ -64,7 +64,7 @@ int main(int argc, char** argv) {
         return refuse(role.error().description);
     }
     if (role.value() == SingleInstance::Role::second) {
-        std::printf("Tovik Record runs already; its window has come forward.\n");
+        std::printf("Tovik Record is already running; its window has come to the front.\n");
         return EXIT_SUCCESS;
     }
 

@@ -19,7 +19,6 @@
 #include "Linux/PulseAudio/PulseAudioEngine.h"
 #include "Linux/Storage/JsonUserDefaults.h"
 #include "Linux/Storage/LocalFiles.h"
-#include "Linux/Storage/SystemClock.h"
 #include "Linux/Storage/XdgFolders.h"
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11KeyEventPoster.h"

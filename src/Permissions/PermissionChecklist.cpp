@@ -25,6 +25,8 @@ TovikVoicePermissionState microphoneState(MicrophoneStatus status) {
         return TovikVoicePermissionState::denied;
     case MicrophoneStatus::authorized:
         return TovikVoicePermissionState::granted;
+    case MicrophoneStatus::unknown:
+        break;
     }
     return TovikVoicePermissionState::unknown;
 }

@@ -42,8 +42,9 @@ struct InstallLocations {
     bool operator==(const InstallLocations&) const = default;
 };
 
-/// Whether the program may use the microphone. The numbers are the platform's own; any other means unknown.
-enum class MicrophoneStatus { notDetermined = 0, restricted = 1, denied = 2, authorized = 3 };
+/// Whether the program may use the microphone. The numbers are the platform's own; any other means unknown
+/// too.
+enum class MicrophoneStatus { notDetermined = 0, restricted = 1, denied = 2, authorized = 3, unknown = 4 };
 
 /// Whether it may recognise speech, likewise; the platform counts the two kinds of refusal the other way
 /// round.

@@ -67,7 +67,7 @@ private:
         time_,
         alert_,
         {
-            .microphoneStatus = [] { return kAuthorized; },
+            .microphoneStatus = [] { return MicrophoneStatus::authorized; },
             .microphoneExplanation = [] { return std::string(); },
             .speechExplanation = [this] { return hasModel_ ? std::string() : "Install a model."; },
             .isKeyboardUsable = [this] { return keyboardUsable_; },

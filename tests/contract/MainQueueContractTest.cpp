@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Linux/Desktop/QtMainQueue.h"
-#include "Linux/Storage/SystemClock.h"
 #include "support/EventLoop.h"
 #include "support/ManualTime.h"
 

@@ -4,9 +4,7 @@
 
 #include "Platform/UserDefaults.h"
 
-#include <cstddef>
-#include <map>
-#include <memory>
+#include <functional>
 #include <utility>
 
 namespace tovik::test {
@@ -15,30 +13,15 @@ namespace tovik::test {
 class FakeUserDefaultsChanges : public UserDefaultsChanges {
 public:
     [[nodiscard]] Subscription observe(std::function<void()> handler) override {
-        const int number = ++last_;
-        handlers_->emplace(number, std::move(handler));
-        return Subscription([handlers = std::weak_ptr(handlers_), number] {
-            if (const auto remaining = handlers.lock()) {
-                remaining->erase(number);
-            }
-        });
+        return observers_.add(std::move(handler));
     }
 
-    void announce() {
-        const auto handlers = *handlers_;
-        for (const auto& [number, handler] : handlers) {
-            if (handlers_->contains(number)) {
-                handler();
-            }
-        }
-    }
+    void announce() { observers_.tell(); }
 
-    [[nodiscard]] std::size_t observers() const { return handlers_->size(); }
+    [[nodiscard]] bool isObserved() const { return !observers_.isEmpty(); }
 
 private:
-    std::shared_ptr<std::map<int, std::function<void()>>> handlers_ =
-        std::make_shared<std::map<int, std::function<void()>>>();
-    int last_ = 0;
+    Observers<> observers_;
 };
 
 } // namespace tovik::test

@@ -4,10 +4,7 @@
 
 #include "Platform/Workspace.h"
 
-#include <algorithm>
 #include <functional>
-#include <map>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -37,10 +34,10 @@ public:
     }
 
     [[nodiscard]] Subscription onActivation(std::function<void(const RunningApplication&)> handler) override {
-        return activations_->add(std::move(handler));
+        return activations_.add(std::move(handler));
     }
     [[nodiscard]] Subscription onActiveSpaceChanged(std::function<void()> handler) override {
-        return spaceChanges_->add(std::move(handler));
+        return spaceChanges_.add(std::move(handler));
     }
 
     void hideSelf() override { calls.emplace_back("hideSelf"); }
@@ -72,7 +69,7 @@ public:
             return;
         }
         frontmost_ = application;
-        activations_->tell(application);
+        activations_.tell(application);
     }
     /// Nothing is in front any more.
     void clearFront() { frontmost_.reset(); }
@@ -85,7 +82,7 @@ public:
             clearFront();
         }
     }
-    void changeSpace() { spaceChanges_->tell(); }
+    void changeSpace() { spaceChanges_.tell(); }
 
     /// This program.
     RunningApplication current{"tovik-record", 4242, "Tovik Record", 0};
@@ -99,41 +96,10 @@ public:
     std::vector<std::string> openedFiles;
 
 private:
-    template <typename... Arguments>
-    class Observers : public std::enable_shared_from_this<Observers<Arguments...>> {
-    public:
-        Subscription add(std::function<void(Arguments...)> handler) {
-            const auto id = nextId_++;
-            handlers_.emplace(id, std::move(handler));
-            return Subscription([observers = this->weak_from_this(), id] {
-                if (const auto alive = observers.lock()) {
-                    alive->handlers_.erase(id);
-                }
-            });
-        }
-        void tell(Arguments... arguments) {
-            // A handler may end its own subscription, or another one's, while it is told.
-            std::vector<int> ids;
-            std::transform(handlers_.begin(), handlers_.end(), std::back_inserter(ids),
-                           [](const auto& entry) { return entry.first; });
-            for (const int id : ids) {
-                if (const auto found = handlers_.find(id); found != handlers_.end()) {
-                    const auto handler = found->second;
-                    handler(arguments...);
-                }
-            }
-        }
-
-    private:
-        std::map<int, std::function<void(Arguments...)>> handlers_;
-        int nextId_ = 0;
-    };
-
     std::optional<RunningApplication> frontmost_;
     std::set<std::int64_t> running_;
-    std::shared_ptr<Observers<const RunningApplication&>> activations_ =
-        std::make_shared<Observers<const RunningApplication&>>();
-    std::shared_ptr<Observers<>> spaceChanges_ = std::make_shared<Observers<>>();
+    Observers<RunningApplication> activations_;
+    Observers<> spaceChanges_;
 };
 
 /// A clipboard that remembers all it was given.

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/PulseAudio/PulseHandles.h"
+#include "Linux/PulseAudio/PulseAudioConnection.h"
 
 #include <functional>
 #include <memory>

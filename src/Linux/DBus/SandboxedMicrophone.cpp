@@ -15,11 +15,6 @@ namespace tovik {
 
 namespace {
 
-constexpr int kNotDetermined = 0;
-constexpr int kRestricted = 1;
-constexpr int kDenied = 2;
-constexpr int kAuthorized = 3;
-
 constexpr auto kFlatpakInfo = "/.flatpak-info";
 
 std::string environment(const char* variable) {
@@ -93,15 +88,16 @@ bool SandboxedMicrophone::isPortalConcerned() const {
     return sandbox_.kind != Sandbox::Kind::none && sandbox_.hasSoundSocket;
 }
 
-int SandboxedMicrophone::status() {
+MicrophoneStatus SandboxedMicrophone::status() {
     look();
     if (!sandbox_.hasSoundSocket || isSaid(Verdict::denied)) {
-        return kDenied;
+        return MicrophoneStatus::denied;
     }
     if (isSaid(Verdict::switchedOff)) {
-        return kRestricted;
+        return MicrophoneStatus::restricted;
     }
-    return !isKnown() || isSaid(Verdict::undecided) ? kNotDetermined : services_.serverStatus();
+    return !isKnown() || isSaid(Verdict::undecided) ? MicrophoneStatus::notDetermined
+                                                    : services_.serverStatus();
 }
 
 std::string SandboxedMicrophone::explanation() const {
@@ -125,9 +121,10 @@ std::string SandboxedMicrophone::explanation() const {
     if (!isKnown() || isSaid(Verdict::undecided)) {
         return {};
     }
-    const int status = services_.serverStatus();
+    const auto status = services_.serverStatus();
     // A snap without the plug may not even see the sound server, or may play but not record.
-    if (sandbox_.kind == Sandbox::Kind::snap && status != kAuthorized && status != kRestricted) {
+    if (sandbox_.kind == Sandbox::Kind::snap && status != MicrophoneStatus::authorized &&
+        status != MicrophoneStatus::restricted) {
         return "The snap may not have been given the microphone. Give it with this command:\n\n"
                "sudo snap connect " +
                sandbox_.name + ":audio-record" + kThenStartAgain;

@@ -53,8 +53,8 @@ public:
     struct Services {
         SystemLog& log;
         MicrophonePortal& portal;
-        /// As Authorization::microphoneStatus(), and what is wrong, in a sentence for the user.
-        std::function<int()> serverStatus;
+        /// What the sound server says, and what is wrong, in a sentence for the user.
+        std::function<MicrophoneStatus()> serverStatus;
         std::function<std::string()> serverExplanation;
         /// Called when the portal has told something new.
         std::function<void()> changed;
@@ -63,9 +63,8 @@ public:
     /// Looks at the portal at once. The services outlive it.
     SandboxedMicrophone(Sandbox sandbox, Services services);
 
-    /// As Authorization::microphoneStatus(), as far as is known. Looks at the portal again meanwhile, which
-    /// asks nothing of the user.
-    [[nodiscard]] int status();
+    /// As far as is known. Looks at the portal again meanwhile, which asks nothing of the user.
+    [[nodiscard]] MicrophoneStatus status();
 
     /// What is wrong and how to mend it, in sentences for the user; empty when nothing is, or when asking
     /// comes first.

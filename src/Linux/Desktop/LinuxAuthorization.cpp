@@ -22,10 +22,6 @@ LinuxAuthorization::LinuxAuthorization(MainQueue& queue, Alert& alert, Answers a
       speech_{"Tovik Record cannot understand speech yet", answers_.speechExplanation, {}},
       keyboard_{"Tovik Record cannot use the keyboard here", answers_.keyboardExplanation, {}} {}
 
-MicrophoneStatus LinuxAuthorization::microphoneStatus() const {
-    return MicrophoneStatus{answers_.microphoneStatus()};
-}
-
 SpeechStatus LinuxAuthorization::speechStatus() const {
     if (needsSpeechConsent()) {
         return SpeechStatus::notDetermined;

@@ -24,8 +24,7 @@ public:
     /// Who knows, on the main thread and at once. Explanations are sentences for the user: what is wrong and
     /// how to mend it; empty when nothing is.
     struct Answers {
-        /// The number of Authorization::microphoneStatus().
-        std::function<int()> microphoneStatus;
+        std::function<MicrophoneStatus()> microphoneStatus;
         std::function<std::string()> microphoneExplanation;
         /// Asks whoever decides about the microphone, and calls back on the main thread; isRefused: the user
         /// has just said no. None where nobody could be asked.
@@ -50,7 +49,7 @@ public:
     /// Queue and alert outlive the authorization.
     LinuxAuthorization(MainQueue& queue, Alert& alert, Answers answers);
 
-    [[nodiscard]] MicrophoneStatus microphoneStatus() const override;
+    [[nodiscard]] MicrophoneStatus microphoneStatus() const override { return answers_.microphoneStatus(); }
     /// Answers with how it stands once those have been asked who decide, and after the question when that is
     /// not well. A user who has just said no needs no explanation.
     void requestMicrophoneAccess(std::function<void(bool granted)> answer) override;

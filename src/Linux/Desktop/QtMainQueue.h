@@ -5,8 +5,16 @@
 #include "Platform/MainQueue.h"
 
 #include <memory>
+#include <thread>
 
 namespace tovik {
+
+/// The machine's own clock. Any thread.
+class SystemClock : public Clock {
+public:
+    [[nodiscard]] Date now() const override { return std::chrono::system_clock::now(); }
+    void pause(Seconds duration) override { std::this_thread::sleep_for(duration); }
+};
 
 /// Runs work in the Qt event loop of the thread that makes it, also inside nested event loops. Work that is
 /// still waiting when the queue is destroyed never runs. Delays are kept to the millisecond, never cut short.

@@ -9,11 +9,6 @@ namespace tovik {
 
 namespace {
 
-constexpr int kRestricted = 1;
-constexpr int kDenied = 2;
-constexpr int kAuthorized = 3;
-constexpr int kUnknown = 4;
-
 CaptureDevice asDevice(const SoundSource& source) {
     return {source.name, source.description};
 }
@@ -100,26 +95,26 @@ Subscription PulseAudioDevices::onDisconnected(std::function<void(const CaptureD
     return disconnected_->add(std::move(handler));
 }
 
-int PulseAudioDevices::microphoneStatus() const {
+MicrophoneStatus PulseAudioDevices::microphoneStatus() const {
     const auto server = connection_.status();
     if (server.turnsAway(std::chrono::steady_clock::now())) {
-        return kDenied;
+        return MicrophoneStatus::denied;
     }
     const auto listing = directory_->listing();
     if (server.state != SoundServerStatus::State::ready || !listing.known) {
-        return kUnknown;
+        return MicrophoneStatus::unknown;
     }
-    return listing.microphones(false).empty() ? kRestricted : kAuthorized;
+    return listing.microphones(false).empty() ? MicrophoneStatus::restricted : MicrophoneStatus::authorized;
 }
 
 std::string PulseAudioDevices::microphoneExplanation() const {
     switch (microphoneStatus()) {
-    case kRestricted:
+    case MicrophoneStatus::restricted:
         return "No microphone was found. Plug one in, or switch one on in the sound settings.";
-    case kDenied:
+    case MicrophoneStatus::denied:
         return "The sound server does not let this program record. Allow it in the privacy or sound "
                "settings.";
-    case kUnknown:
+    case MicrophoneStatus::unknown:
         return "The sound server does not answer. Start PulseAudio or PipeWire, or log in again.";
     default:
         return {};

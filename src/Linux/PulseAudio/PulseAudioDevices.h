@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Linux/PulseAudio/SoundDirectory.h"
+#include "Platform/Authorization.h"
 #include "Platform/MainQueue.h"
 #include "Platform/SoundDevices.h"
 #include "Platform/Subscription.h"
@@ -39,11 +40,10 @@ public:
     [[nodiscard]] Result<std::vector<std::uint32_t>> deviceIds() const override;
     [[nodiscard]] std::optional<std::string> deviceName(std::uint32_t id) const override;
 
-    /// Whether the server lets this program hear a microphone, as far as is known now, as
-    /// Authorization::microphoneStatus(): restricted without a microphone, denied when the server turned the
-    /// program or its last recording away, unknown while no server has answered. Any thread; asks nothing of
-    /// the user: outside a sandbox no desktop does.
-    [[nodiscard]] int microphoneStatus() const;
+    /// Whether the server lets this program hear a microphone, as far as is known now: restricted without a
+    /// microphone, denied when the server turned the program or its last recording away, unknown while no
+    /// server has answered. Any thread; asks nothing of the user: outside a sandbox no desktop does.
+    [[nodiscard]] MicrophoneStatus microphoneStatus() const;
     /// What is wrong and how to mend it, in a sentence for the user; empty when nothing is.
     [[nodiscard]] std::string microphoneExplanation() const;
 

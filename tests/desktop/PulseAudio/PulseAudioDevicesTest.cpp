@@ -62,7 +62,7 @@ TEST_P(PulseAudioDevicesOn, whenThereIsNoHardware_listsNothing_andHasNoDefault) 
     EXPECT_TRUE(becomes({}));
     EXPECT_EQ(rig->devices.defaultDeviceId(), std::nullopt);
     const auto& access = rig->devices;
-    EXPECT_EQ(access.microphoneStatus(), 1);
+    EXPECT_EQ(access.microphoneStatus(), MicrophoneStatus::restricted);
     EXPECT_FALSE(access.microphoneExplanation().empty());
     const auto started = rig->engine.start();
     ASSERT_FALSE(started.ok());
@@ -73,7 +73,7 @@ TEST_P(PulseAudioDevicesOn, whenThereIsAMicrophone_accessIsAuthorized) {
     server.plugIn("desk", "Desk Mike");
     connect();
     const auto& access = rig->devices;
-    EXPECT_EQ(access.microphoneStatus(), 3);
+    EXPECT_EQ(access.microphoneStatus(), MicrophoneStatus::authorized);
     EXPECT_EQ(access.microphoneExplanation(), "");
 }
 
@@ -161,7 +161,7 @@ TEST_P(PulseAudioDevicesOn, whenTheServerIsAway_hardwareListsNothing_andAllDevic
     ASSERT_TRUE(ids.ok());
     EXPECT_TRUE(ids.value().empty());
     const auto& access = rig->devices;
-    EXPECT_EQ(access.microphoneStatus(), 4);
+    EXPECT_EQ(access.microphoneStatus(), MicrophoneStatus::unknown);
     EXPECT_FALSE(access.microphoneExplanation().empty());
 }
 

@@ -275,7 +275,7 @@ TEST(PulseAudioFaults, whenTheServerAcceptsAndNeverAnswers_nothingBlocks_andStar
     EXPECT_EQ(started.error().description, "The sound server does not answer");
     EXPECT_FALSE(rig->engine.isRunning());
     const auto& access = rig->devices;
-    EXPECT_EQ(access.microphoneStatus(), 4);
+    EXPECT_EQ(access.microphoneStatus(), MicrophoneStatus::unknown);
     rig.reset();
     EXPECT_LT(Time::now() - begun, kAtOnce);
 }
@@ -304,7 +304,7 @@ TEST(PulseAudioFaults, whenTheServerRefusesTheProgram_startSaysSo_andAccessIsDen
     ASSERT_TRUE(
         eventually([&] { return rig.connection.status().state == SoundServerStatus::State::refused; }));
     const auto& access = rig.devices;
-    EXPECT_EQ(access.microphoneStatus(), 2);
+    EXPECT_EQ(access.microphoneStatus(), MicrophoneStatus::denied);
     EXPECT_FALSE(access.microphoneExplanation().empty());
     EXPECT_EQ(rig.logged("Sound server refuses this program"), 1U);
 }

@@ -422,9 +422,9 @@ TEST_F(MainWindowControllerTest, whenAnotherProcessChangesSettings_theSectionsSh
 
 TEST_F(MainWindowControllerTest, whenItIsGone_nobodyAsksForSettings) {
     build();
-    EXPECT_EQ(stage.defaultsChanges.observers(), 1U);
+    EXPECT_TRUE(stage.defaultsChanges.isObserved());
     stage.controller.reset();
-    EXPECT_EQ(stage.defaultsChanges.observers(), 0U);
+    EXPECT_FALSE(stage.defaultsChanges.isObserved());
 }
 
 TEST_F(MainWindowControllerTest, aLongListOfCorrections_scrollsInsteadOfBeingSqueezed) {

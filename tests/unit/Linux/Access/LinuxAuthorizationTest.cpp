@@ -39,7 +39,7 @@ protected:
         };
     }
 
-    int microphoneStatus = 3;
+    MicrophoneStatus microphoneStatus = MicrophoneStatus::authorized;
     std::string microphoneExplanation;
     std::string speechExplanation;
     bool hasServer = false;
@@ -101,9 +101,10 @@ TEST_F(LinuxAuthorizationTest, whenTheQuestionAboutTheServerIsClosed_nothingIsDe
 // ------------------------------------------------------------------------------- how it stands
 
 TEST_F(LinuxAuthorizationTest, theMicrophoneStandsAsTheSoundServerSays) {
-    for (const int status : {1, 2, 3, 4}) {
+    for (const auto status : {MicrophoneStatus::restricted, MicrophoneStatus::denied,
+                              MicrophoneStatus::authorized, MicrophoneStatus::unknown}) {
         microphoneStatus = status;
-        EXPECT_EQ(authorization->microphoneStatus(), MicrophoneStatus{status});
+        EXPECT_EQ(authorization->microphoneStatus(), status);
     }
 }
 
@@ -134,7 +135,7 @@ TEST_F(LinuxAuthorizationTest, theBundleIsTheProgramsFile) {
 struct AskedRow {
     const char* name;
     bool isRefused;
-    int statusAfterwards;
+    MicrophoneStatus statusAfterwards;
     const char* explanation;
     std::size_t questions;
     bool isGranted;
@@ -160,12 +161,13 @@ TEST_P(WhereSomebodyDecides, theRequestWaitsForThatAnswer) {
     EXPECT_THAT(grants, ElementsAre(GetParam().isGranted));
 }
 
-INSTANTIATE_TEST_SUITE_P(Answers, WhereSomebodyDecides,
-                         testing::Values(AskedRow{"granted", false, 3, "", 0, true},
-                                         AskedRow{"refusedByTheUser", true, 2, "You said no.", 0, false},
-                                         AskedRow{"allowedButTheServerIsAway", false, 4, "No server.", 1,
-                                                  false}),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Answers, WhereSomebodyDecides,
+    testing::Values(AskedRow{"granted", false, MicrophoneStatus::authorized, "", 0, true},
+                    AskedRow{"refusedByTheUser", true, MicrophoneStatus::denied, "You said no.", 0, false},
+                    AskedRow{"allowedButTheServerIsAway", false, MicrophoneStatus::unknown, "No server.", 1,
+                             false}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(LinuxAuthorizationTest, whenSpeechIsMissing_theRequestReturnsAndThenSaysWhatToInstall) {
     speechExplanation = kNoModel;
@@ -269,7 +271,7 @@ TEST_F(LinuxAuthorizationTest, whenAnAnswerLeadsToTheNextRequest_thatIsAskedToo)
 }
 
 TEST_F(LinuxAuthorizationTest, whenTheMicrophoneIsMissing_saysWhatIsWrongAndAnswersNo) {
-    microphoneStatus = 1;
+    microphoneStatus = MicrophoneStatus::restricted;
     microphoneExplanation = "No microphone was found.";
     alert.answerNext(kClose);
     authorization->requestMicrophoneAccess([this](bool granted) { grants.push_back(granted); });
@@ -281,7 +283,7 @@ TEST_F(LinuxAuthorizationTest, whenTheMicrophoneIsMissing_saysWhatIsWrongAndAnsw
 }
 
 TEST_F(LinuxAuthorizationTest, whenMicrophoneAndSpeechAreBothAsked_eachHasItsOwnQuestion) {
-    microphoneStatus = 1;
+    microphoneStatus = MicrophoneStatus::restricted;
     microphoneExplanation = "No microphone was found.";
     speechExplanation = kNoModel;
     authorization->requestMicrophoneAccess([this](bool granted) { grants.push_back(granted); });

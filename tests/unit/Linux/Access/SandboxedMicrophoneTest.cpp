@@ -28,6 +28,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
+using Status = MicrophoneStatus;
 using Verdict = MicrophonePortal::Verdict;
 
 const Sandbox kNoSandbox{};
@@ -71,7 +72,7 @@ protected:
 
     RecordingLog log;
     FakePortal portal;
-    int serverStatus = 3;
+    MicrophoneStatus serverStatus = Status::authorized;
     std::string serverExplanation;
     int changes = 0;
     std::vector<bool> answers;
@@ -86,13 +87,13 @@ struct Row {
     /// What looking at the portal and asking it gave; none: not yet, or not done.
     std::optional<Verdict> look;
     std::optional<Verdict> question;
-    int serverStatus;
-    int expected;
+    MicrophoneStatus serverStatus;
+    MicrophoneStatus expected;
 };
 
-class MicrophoneStatus : public SandboxedMicrophoneTest, public testing::WithParamInterface<Row> {};
+class StatusInASandbox : public SandboxedMicrophoneTest, public testing::WithParamInterface<Row> {};
 
-TEST_P(MicrophoneStatus, followsFromThePortalAndTheSoundServer) {
+TEST_P(StatusInASandbox, followsFromThePortalAndTheSoundServer) {
     const auto& row = GetParam();
     serverStatus = row.serverStatus;
     in(row.sandbox);
@@ -107,37 +108,52 @@ TEST_P(MicrophoneStatus, followsFromThePortalAndTheSoundServer) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Cases, MicrophoneStatus,
+    Cases, StatusInASandbox,
     testing::Values(
-        Row{"outsideTheServerSays", kNoSandbox, std::nullopt, std::nullopt, 3, 3},
-        Row{"outsideTheServerSaysNo", kNoSandbox, std::nullopt, std::nullopt, 2, 2},
-        Row{"withoutTheSocketItIsDenied", kFlatpakWithoutSound, std::nullopt, std::nullopt, 4, 2},
-        Row{"beforeThePortalToldItIsOpen", kFlatpak, std::nullopt, std::nullopt, 3, 0},
-        Row{"leftToTheServerThatLets", kFlatpak, Verdict::leavesItToTheServer, std::nullopt, 3, 3},
-        Row{"leftToTheServerThatRefuses", kFlatpak, Verdict::leavesItToTheServer, std::nullopt, 2, 2},
-        Row{"leftToTheServerWithoutAMicrophone", kFlatpak, Verdict::leavesItToTheServer, std::nullopt, 1, 1},
-        Row{"leftToNoServer", kFlatpak, Verdict::leavesItToTheServer, std::nullopt, 4, 4},
-        Row{"aPortalThatDecidesIsToBeAsked", kFlatpak, Verdict::undecided, std::nullopt, 3, 0},
-        Row{"grantedAndTheServerLets", kFlatpak, Verdict::undecided, Verdict::granted, 3, 3},
-        Row{"grantedAndTheServerRefuses", kFlatpak, Verdict::undecided, Verdict::granted, 2, 2},
-        Row{"denied", kFlatpak, Verdict::undecided, Verdict::denied, 3, 2},
-        Row{"aLostQuestionIsOpen", kFlatpak, Verdict::undecided, Verdict::undecided, 3, 0},
-        Row{"askedBeforeItTold", kFlatpak, std::nullopt, Verdict::leavesItToTheServer, 3, 3},
-        Row{"switchedOff", kFlatpak, Verdict::switchedOff, std::nullopt, 3, 1},
-        Row{"snapBeforeThePortalTold", kSnap, std::nullopt, std::nullopt, 3, 0},
-        Row{"snapLeftToTheServer", kSnap, Verdict::leavesItToTheServer, std::nullopt, 3, 3}),
+        Row{"outsideTheServerSays", kNoSandbox, std::nullopt, std::nullopt, Status::authorized,
+            Status::authorized},
+        Row{"outsideTheServerSaysNo", kNoSandbox, std::nullopt, std::nullopt, Status::denied, Status::denied},
+        Row{"withoutTheSocketItIsDenied", kFlatpakWithoutSound, std::nullopt, std::nullopt, Status::unknown,
+            Status::denied},
+        Row{"beforeThePortalToldItIsOpen", kFlatpak, std::nullopt, std::nullopt, Status::authorized,
+            Status::notDetermined},
+        Row{"leftToTheServerThatLets", kFlatpak, Verdict::leavesItToTheServer, std::nullopt,
+            Status::authorized, Status::authorized},
+        Row{"leftToTheServerThatRefuses", kFlatpak, Verdict::leavesItToTheServer, std::nullopt,
+            Status::denied, Status::denied},
+        Row{"leftToTheServerWithoutAMicrophone", kFlatpak, Verdict::leavesItToTheServer, std::nullopt,
+            Status::restricted, Status::restricted},
+        Row{"leftToNoServer", kFlatpak, Verdict::leavesItToTheServer, std::nullopt, Status::unknown,
+            Status::unknown},
+        Row{"aPortalThatDecidesIsToBeAsked", kFlatpak, Verdict::undecided, std::nullopt, Status::authorized,
+            Status::notDetermined},
+        Row{"grantedAndTheServerLets", kFlatpak, Verdict::undecided, Verdict::granted, Status::authorized,
+            Status::authorized},
+        Row{"grantedAndTheServerRefuses", kFlatpak, Verdict::undecided, Verdict::granted, Status::denied,
+            Status::denied},
+        Row{"denied", kFlatpak, Verdict::undecided, Verdict::denied, Status::authorized, Status::denied},
+        Row{"aLostQuestionIsOpen", kFlatpak, Verdict::undecided, Verdict::undecided, Status::authorized,
+            Status::notDetermined},
+        Row{"askedBeforeItTold", kFlatpak, std::nullopt, Verdict::leavesItToTheServer, Status::authorized,
+            Status::authorized},
+        Row{"switchedOff", kFlatpak, Verdict::switchedOff, std::nullopt, Status::authorized,
+            Status::restricted},
+        Row{"snapBeforeThePortalTold", kSnap, std::nullopt, std::nullopt, Status::authorized,
+            Status::notDetermined},
+        Row{"snapLeftToTheServer", kSnap, Verdict::leavesItToTheServer, std::nullopt, Status::authorized,
+            Status::authorized}),
     [](const auto& row) { return std::string(row.param.name); });
 
 // ------------------------------------------------------------------------------ what is wrong
 
 TEST_F(SandboxedMicrophoneTest, outside_theSoundServerExplains) {
-    serverStatus = 1;
+    serverStatus = Status::restricted;
     serverExplanation = "No microphone was found.";
     EXPECT_EQ(in(kNoSandbox).explanation(), "No microphone was found.");
 }
 
 TEST_F(SandboxedMicrophoneTest, inAFlatpakWithoutTheSocket_givesTheCommandThatLetsItIn) {
-    serverStatus = 4;
+    serverStatus = Status::unknown;
     serverExplanation = "The sound server does not answer.";
     EXPECT_EQ(in(kFlatpakWithoutSound).explanation(),
               "Flatpak keeps the sound server away from Tovik Record. Let it in with this command:\n\n"
@@ -148,7 +164,7 @@ TEST_F(SandboxedMicrophoneTest, inAFlatpakWithoutTheSocket_givesTheCommandThatLe
 TEST_F(SandboxedMicrophoneTest, inASnapThatMayNotRecord_givesTheCommandThatLetsIt) {
     in(kSnap);
     portal.answerLooks(Verdict::leavesItToTheServer);
-    for (const int status : {2, 4}) {
+    for (const auto status : {Status::denied, Status::unknown}) {
         serverStatus = status;
         EXPECT_THAT(microphone->explanation(),
                     HasSubstr("\n\nsudo snap connect tovik-record:audio-record\n\n"));
@@ -158,7 +174,7 @@ TEST_F(SandboxedMicrophoneTest, inASnapThatMayNotRecord_givesTheCommandThatLetsI
 TEST_F(SandboxedMicrophoneTest, inASnapWithoutAMicrophone_theSoundServerExplains) {
     in(kSnap);
     portal.answerLooks(Verdict::leavesItToTheServer);
-    serverStatus = 1;
+    serverStatus = Status::restricted;
     serverExplanation = "No microphone was found.";
     EXPECT_EQ(microphone->explanation(), "No microphone was found.");
 }
@@ -249,11 +265,11 @@ TEST_F(SandboxedMicrophoneTest, whatTheUserSaid_holdsThroughLaterLooks) {
 TEST_F(SandboxedMicrophoneTest, whenMicrophonesAreSwitchedOffMeanwhile_noticesAtTheNextLook) {
     in(kFlatpak);
     portal.answerLooks(Verdict::leavesItToTheServer);
-    EXPECT_EQ(microphone->status(), 3);
+    EXPECT_EQ(microphone->status(), Status::authorized);
     portal.answerLooks(Verdict::switchedOff);
-    EXPECT_EQ(microphone->status(), 1);
+    EXPECT_EQ(microphone->status(), Status::restricted);
     portal.answerLooks(Verdict::leavesItToTheServer);
-    EXPECT_EQ(microphone->status(), 3);
+    EXPECT_EQ(microphone->status(), Status::authorized);
 }
 
 TEST_F(SandboxedMicrophoneTest, tellsOfNewsOnly) {
