@@ -10,10 +10,8 @@
 #include "Linux/DBus/SandboxedMicrophone.h"
 #include "Linux/Desktop/DesktopOpener.h"
 #include "Linux/Desktop/LinuxAuthorization.h"
-#include "Linux/Desktop/PosixProcessLauncher.h"
-#include "Linux/Desktop/QtAlert.h"
+#include "Linux/Desktop/QtDesktop.h"
 #include "Linux/Desktop/QtMainQueue.h"
-#include "Linux/Desktop/QtScreens.h"
 #include "Linux/Desktop/QtUserDefaultsChanges.h"
 #include "Linux/PulseAudio/PulseAudioDevices.h"
 #include "Linux/PulseAudio/PulseAudioEngine.h"
@@ -98,7 +96,7 @@ struct LinuxPlatform::Adapters {
     Subscription savingSettingsAgain;
     JsonUserDefaults defaults;
     QtUserDefaultsChanges defaultsChanges;
-    PosixProcessLauncher launcher;
+    QtProcessLauncher launcher;
     QtScreens screens;
     QtAlert alert;
     X11Pasteboard pasteboard{log};

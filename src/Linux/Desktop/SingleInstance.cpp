@@ -4,19 +4,18 @@
 
 #include "Platform/Posix.h"
 
-#include <QSocketNotifier>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QString>
+#include <QUrl>
 
 #include <fcntl.h>
-#include <poll.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <thread>
 #include <utility>
 
@@ -29,20 +28,12 @@ using SteadyClock = std::chrono::steady_clock;
 constexpr auto kRetryInterval = std::chrono::milliseconds(10);
 constexpr char kComeForward = 'p';
 constexpr char kDone = 'd';
-constexpr int kBacklog = 16;
+/// Those who connect and say nothing are let go when so many have come after them.
+constexpr int kMostCallers = 16;
 
 /// Safe as a part of a file name, and another one for another display.
 std::string fileNameFor(const std::string& display) {
-    std::string name;
-    for (const char byte : display) {
-        const bool isPlain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-                             (byte >= '0' && byte <= '9') || byte == '-' || byte == '.';
-        if (isPlain) {
-            name += byte;
-        } else {
-            name += "_" + std::to_string(static_cast<unsigned char>(byte));
-        }
-    }
+    const auto name = QUrl::toPercentEncoding(QString::fromStdString(display)).toStdString();
     return "tovik-record-" + (name.empty() ? "none" : name);
 }
 
@@ -59,36 +50,10 @@ std::string variable(const char* name) {
     return value ? value : "";
 }
 
-/// By way of the folder's descriptor: a folder that somebody puts in its place afterwards does not count.
+/// By way of the folder's descriptor: a folder that somebody puts in its place afterwards does not count, and
+/// the path of a socket must be short.
 std::string pathIn(const UnixFd& folder, const std::string& name) {
     return "/proc/self/fd/" + std::to_string(folder.get()) + "/" + name;
-}
-
-/// The path of a socket must be short.
-sockaddr_un addressIn(const UnixFd& folder, const std::string& name) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const auto path = pathIn(folder, name);
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    return address;
-}
-
-/// Waits for one byte; nothing when the other side is gone or the time is over.
-std::optional<char> receive(int fd, std::chrono::milliseconds patience, bool& isGone) {
-    pollfd readable{fd, POLLIN, 0};
-    if (::poll(&readable, 1, static_cast<int>(patience.count())) <= 0) {
-        return std::nullopt;
-    }
-    char byte = 0;
-    const auto got = ::recv(fd, &byte, 1, MSG_DONTWAIT);
-    isGone = got <= 0;
-    return got == 1 ? std::optional(byte) : std::nullopt;
-}
-
-bool isSameUser(int fd) {
-    ucred peer{};
-    socklen_t size = sizeof peer;
-    return ::getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == ::geteuid();
 }
 
 } // namespace
@@ -131,7 +96,7 @@ Result<SingleInstance::Role> SingleInstance::claim() {
         // The other copy is still starting, or about to end.
         if (SteadyClock::now() >= deadline) {
             return posixError(ETIMEDOUT,
-                              "Another copy of Tovik Record runs on this desktop and does not answer");
+                              "Another copy of Tovik Record is running on this desktop and does not answer");
         }
         std::this_thread::sleep_for(kRetryInterval);
     }
@@ -152,66 +117,71 @@ Result<void> SingleInstance::prepareFolder() {
     return {};
 }
 
+QString SingleInstance::socketPath() const {
+    return QString::fromStdString(pathIn(folderFd_, name_ + ".socket"));
+}
+
 Result<void> SingleInstance::listen() {
-    const auto attempt = "Cannot listen in " + folder_;
-    const auto name = name_ + ".socket";
     // Left behind by a copy that was killed: the lock says that nobody listens there.
-    ::unlinkat(folderFd_.get(), name.c_str(), 0);
-    listener_ = UnixFd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    const auto address = addressIn(folderFd_, name);
-    if (!listener_ ||
-        ::bind(listener_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-        ::listen(listener_.get(), kBacklog) != 0) {
-        return posixError(errno, attempt);
+    QLocalServer::removeServer(socketPath());
+    server_ = std::make_unique<QLocalServer>();
+    server_->setSocketOptions(QLocalServer::UserAccessOption);
+    if (!server_->listen(socketPath())) {
+        return Error{"QLocalServer", server_->serverError(),
+                     "Cannot listen in " + folder_ + ": " + server_->errorString().toStdString()};
     }
     return {};
 }
 
 SingleInstance::Answer SingleInstance::askFirst() const {
-    const UnixFd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    const auto address = addressIn(folderFd_, name_ + ".socket");
-    if (!socket ||
-        ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-        ::send(socket.get(), &kComeForward, 1, MSG_NOSIGNAL) != 1) {
+    const auto patience =
+        static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(patience_).count());
+    QLocalSocket socket;
+    socket.connectToServer(socketPath());
+    if (!socket.waitForConnected(patience) || socket.write(&kComeForward, 1) != 1) {
         return Answer::nobodyThere;
     }
-    bool isGone = false;
-    const auto answer =
-        receive(socket.get(), std::chrono::duration_cast<std::chrono::milliseconds>(patience_), isGone);
-    if (answer == kDone) {
+    char answer = 0;
+    if (socket.waitForReadyRead(patience) && socket.getChar(&answer) && answer == kDone) {
         return Answer::cameForward;
     }
-    return isGone ? Answer::nobodyThere : Answer::silence;
+    return socket.state() == QLocalSocket::ConnectedState ? Answer::silence : Answer::nobodyThere;
 }
 
 void SingleInstance::onRequest(std::function<void()> handler) {
-    notifier_ = std::make_unique<QSocketNotifier>(listener_.get(), QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
-                     [this, handler = std::move(handler)] { answerRequests(handler); });
+    const auto hear = [this, handler = std::move(handler)] {
+        while (auto* const caller = server_->nextPendingConnection()) {
+            hearOut(*caller, handler);
+        }
+        const auto callers = server_->findChildren<QLocalSocket*>();
+        for (int extra = 0; extra < callers.size() - kMostCallers; ++extra) {
+            callers[extra]->deleteLater();
+        }
+    };
+    QObject::connect(server_.get(), &QLocalServer::newConnection, server_.get(), hear);
+    hear();
 }
 
-void SingleInstance::answerRequests(const std::function<void()>& handler) {
-    while (true) {
-        const UnixFd socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
-        if (!socket) {
-            return;
-        }
-        bool isGone = false;
-        // The request is sent together with the connection; whoever sends none does not hold us up.
-        constexpr auto kAtOnce = std::chrono::milliseconds(50);
-        if (isSameUser(socket.get()) && receive(socket.get(), kAtOnce, isGone) == kComeForward) {
+void SingleInstance::hearOut(QLocalSocket& caller, const std::function<void()>& handler) {
+    const auto answer = [&caller, handler] {
+        char request = 0;
+        if (caller.getChar(&request) && request == kComeForward) {
             handler();
-            (void)::send(socket.get(), &kDone, 1, MSG_NOSIGNAL | MSG_DONTWAIT);
+            caller.putChar(kDone);
+            caller.flush();
         }
+        caller.disconnectFromServer();
+    };
+    QObject::connect(&caller, &QLocalSocket::readyRead, &caller, answer);
+    QObject::connect(&caller, &QLocalSocket::disconnected, &caller, &QObject::deleteLater);
+    // Who came before anybody listened may have spoken already.
+    if (caller.bytesAvailable() > 0) {
+        answer();
     }
 }
 
 void SingleInstance::release() {
-    notifier_.reset();
-    if (listener_) {
-        ::unlinkat(folderFd_.get(), (name_ + ".socket").c_str(), 0);
-        listener_.reset();
-    }
+    server_.reset();
     lock_.reset();
 }
 

@@ -12,14 +12,15 @@
 #include <optional>
 #include <string>
 
-class QSocketNotifier;
+class QLocalServer;
+class QLocalSocket;
+class QString;
 
 namespace tovik {
 
 /// Sees to it that the program runs once for each user and display. The first copy holds a lock, which ends
 /// with its process whatever kills it, and listens on a socket; a later copy asks it there to come forward.
-///
-/// QLocalServer would bring Qt Network and the libraries behind it into every start.
+/// Nobody who connects and says nothing is waited for.
 class SingleInstance {
 public:
     enum class Role {
@@ -57,15 +58,15 @@ private:
     [[nodiscard]] Result<void> prepareFolder();
     [[nodiscard]] Result<void> listen();
     [[nodiscard]] Answer askFirst() const;
-    void answerRequests(const std::function<void()>& handler);
+    [[nodiscard]] QString socketPath() const;
+    static void hearOut(QLocalSocket& caller, const std::function<void()>& handler);
 
     const std::string folder_;
     const std::string name_;
     const Seconds patience_;
     UnixFd folderFd_;
     std::optional<FileLock> lock_;
-    UnixFd listener_;
-    std::unique_ptr<QSocketNotifier> notifier_;
+    std::unique_ptr<QLocalServer> server_;
 };
 
 } // namespace tovik

@@ -5,7 +5,6 @@
 #include "Platform/Posix.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -158,9 +157,8 @@ std::string JsonDocument::serialize() const {
     return text;
 }
 
-std::optional<JsonFile::Identity> JsonFile::identityOf(int fd) {
-    struct stat status {};
-    if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) {
+std::optional<JsonFile::Identity> JsonFile::identityOf(const struct stat& status) {
+    if (!S_ISREG(status.st_mode)) {
         return std::nullopt;
     }
     return Identity{status.st_dev, status.st_ino,
@@ -168,14 +166,14 @@ std::optional<JsonFile::Identity> JsonFile::identityOf(int fd) {
                     status.st_size};
 }
 
+std::optional<JsonFile::Identity> JsonFile::identityOf(int fd) {
+    struct stat status {};
+    return ::fstat(fd, &status) == 0 ? identityOf(status) : std::nullopt;
+}
+
 bool JsonFile::isAsLastSeen() const {
     struct stat status {};
-    if (!file_ || ::stat(path_.c_str(), &status) != 0) {
-        return false;
-    }
-    return seen_ == Identity{status.st_dev, status.st_ino,
-                             std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec,
-                             status.st_size};
+    return file_ && ::stat(path_.c_str(), &status) == 0 && identityOf(status) == seen_;
 }
 
 bool JsonFile::mayHaveChangedUnnoticed() const {

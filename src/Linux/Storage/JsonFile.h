@@ -6,6 +6,7 @@
 #include "Platform/Result.h"
 #include "Platform/UserDefaults.h"
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <chrono>
@@ -101,6 +102,8 @@ private:
         bool operator==(const Identity&) const = default;
     };
 
+    /// Nothing where there is something else than a file.
+    [[nodiscard]] static std::optional<Identity> identityOf(const struct stat& status);
     [[nodiscard]] static std::optional<Identity> identityOf(int fd);
     [[nodiscard]] bool isAsLastSeen() const;
     [[nodiscard]] bool mayHaveChangedUnnoticed() const;

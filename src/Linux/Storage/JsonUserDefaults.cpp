@@ -8,12 +8,14 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -34,7 +36,10 @@ void closeToOthers(const std::string& folder) {
     }
 }
 
+/// Within one second.
 constexpr int kMostCopies = 100;
+/// The first is what the user had; of what a broken program writes over and over, the last few are enough.
+constexpr std::size_t kKeptCopies = 5;
 
 std::string timeInName(std::chrono::system_clock::time_point time) {
     const auto seconds = std::chrono::system_clock::to_time_t(time);
@@ -48,6 +53,24 @@ std::string timeInName(std::chrono::system_clock::time_point time) {
 bool holds(const std::string& path, std::string_view content) {
     std::ifstream file(path, std::ios::binary);
     return file && std::string(std::istreambuf_iterator<char>(file), {}) == content;
+}
+
+/// Drops copies of unreadable content, whose paths begin like this, save for the first and the last few.
+void thinOutCopies(const std::string& beginning) {
+    std::vector<std::pair<std::filesystem::file_time_type, std::filesystem::path>> copies;
+    std::error_code failure;
+    for (std::filesystem::directory_iterator at(std::filesystem::path(beginning).parent_path(), failure), end;
+         !failure && at != end; at.increment(failure)) {
+        std::error_code gone;
+        const auto time = at->last_write_time(gone);
+        if (!gone && at->path().native().starts_with(beginning)) {
+            copies.emplace_back(time, at->path());
+        }
+    }
+    std::sort(copies.begin(), copies.end());
+    for (std::size_t copy = 1; copy + kKeptCopies - 1 < copies.size(); ++copy) {
+        std::filesystem::remove(copies[copy].second, failure);
+    }
 }
 
 bool isSame(const JsonDocument::Value& left, const JsonDocument::Value& right) {
@@ -178,12 +201,16 @@ void SettingsView::layUnsavedOverFile() {
 
 void SettingsView::keepUnreadableBytes() {
     const auto& bytes = file_.unreadableBytes();
-    const auto name = path_ + ".unreadable-" + timeInName(file_.unreadableSince());
+    const auto beginning = path_ + ".unreadable-";
+    const auto name = beginning + timeInName(file_.unreadableSince());
     for (int copy = 1; copy <= kMostCopies; ++copy) {
         const auto path = copy == 1 ? name : name + "-" + std::to_string(copy);
         const auto kept = createFile(path, bytes);
         if (kept || holds(path, bytes)) {
             keeping_ = {};
+            if (kept) {
+                thinOutCopies(beginning);
+            }
             complain("The settings in " + path_ +
                      " cannot be understood and count as empty. What the file held is kept as " + path + ".");
             return;

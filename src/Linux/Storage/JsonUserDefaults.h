@@ -21,8 +21,8 @@ class SettingsView;
 /// A change that cannot be saved is logged, holds for this process all the same and is saved by saveAgain()
 /// or together with the next change that can; unless another process has changed the same key meanwhile,
 /// whose edit is then the newer one. Content that is no JSON object counts as empty and is kept beside the
-/// file as
-/// "<name>.unreadable-<its time>"; as long as that fails nothing is written over it.
+/// file as "<name>.unreadable-<its time>", the first such copy and the last few; as long as that fails
+/// nothing is written over it.
 class JsonUserDefaults : public UserDefaults {
 public:
     /// The log must outlive the settings. onUnsaved is called on the main thread after each write that

@@ -4,7 +4,6 @@
 
 #include "Platform/Posix.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -15,7 +14,6 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <system_error>
 #include <thread>
 
@@ -34,15 +32,15 @@ std::string parentOf(const std::string& path) {
     return std::filesystem::path(path).parent_path().string();
 }
 
-/// 0 or errno.
-int writeAll(int fd, std::string_view content) {
-    while (!content.empty()) {
-        const auto written = ::write(fd, content.data(), content.size());
+/// 0 or errno; what could not be written is left in rest.
+int writeAll(int fd, std::string_view& rest) {
+    while (!rest.empty()) {
+        const auto written = ::write(fd, rest.data(), rest.size());
         if (written < 0 && errno != EINTR) {
             return errno;
         }
         if (written > 0) {
-            content.remove_prefix(static_cast<std::size_t>(written));
+            rest.remove_prefix(static_cast<std::size_t>(written));
         }
     }
     return 0;
@@ -83,15 +81,10 @@ bool canBePath(const std::string& path) {
     return !path.empty() && path.find('\0') == std::string::npos;
 }
 
-Date dateOf(const timespec& time) {
-    return Date(std::chrono::duration_cast<Date::duration>(std::chrono::seconds(time.tv_sec) +
-                                                           std::chrono::nanoseconds(time.tv_nsec)));
-}
-
 /// What a full disk left of a text that was to be appended; unless somebody else has appended since.
-void takeBack(int fd, off_t sizeBefore, off_t appended) {
+void takeBack(int fd, off_t sizeBefore, std::size_t appended) {
     struct stat now {};
-    if (appended > 0 && ::fstat(fd, &now) == 0 && now.st_size == sizeBefore + appended) {
+    if (appended > 0 && ::fstat(fd, &now) == 0 && now.st_size == sizeBefore + static_cast<off_t>(appended)) {
         (void)!::ftruncate(fd, sizeBefore);
     }
 }
@@ -221,20 +214,12 @@ Result<void> LocalFiles::append(const std::string& path, std::string_view conten
     }
     struct stat before {};
     const bool known = ::fstat(file.get(), &before) == 0 && S_ISREG(before.st_mode);
-    off_t appended = 0;
-    while (!content.empty()) {
-        const auto written = ::write(file.get(), content.data(), content.size());
-        if (written < 0 && errno != EINTR) {
-            const auto code = errno;
-            if (known) {
-                takeBack(file.get(), before.st_size, appended);
-            }
-            return posixError(code, attempt);
+    auto rest = content;
+    if (const auto code = writeAll(file.get(), rest)) {
+        if (known) {
+            takeBack(file.get(), before.st_size, content.size() - rest.size());
         }
-        if (written > 0) {
-            appended += written;
-            content.remove_prefix(static_cast<std::size_t>(written));
-        }
+        return posixError(code, attempt);
     }
     return {};
 }
@@ -256,26 +241,20 @@ Result<std::vector<FolderEntry>> LocalFiles::contentsOfFolder(const std::string&
     if (!canBePath(path)) {
         return posixError(EINVAL, attempt);
     }
-    const auto close = [](DIR* folder) { ::closedir(folder); };
-    const std::unique_ptr<DIR, decltype(close)> folder(::opendir(path.c_str()), close);
-    if (!folder) {
-        return posixError(errno, attempt);
-    }
     std::vector<FolderEntry> entries;
-    errno = 0;
-    while (const auto* entry = ::readdir(folder.get())) {
-        const std::string name = entry->d_name;
-        if (name.starts_with('.')) {
+    std::error_code failure;
+    for (std::filesystem::directory_iterator at(path, failure), end; !failure && at != end;
+         at.increment(failure)) {
+        if (at->path().filename().native().starts_with('.')) {
             continue;
         }
-        struct stat status {};
-        const bool known = ::fstatat(::dirfd(folder.get()), name.c_str(), &status, 0) == 0;
-        entries.push_back({(std::filesystem::path(path) / name).string(),
-                           known ? std::optional(dateOf(status.st_mtim)) : std::nullopt});
-        errno = 0;
+        std::error_code unknown;
+        const auto time = at->last_write_time(unknown);
+        const auto date = std::chrono::time_point_cast<Date::duration>(std::chrono::file_clock::to_sys(time));
+        entries.push_back({at->path().string(), unknown ? std::nullopt : std::optional(date)});
     }
-    if (errno != 0) {
-        return posixError(errno, attempt);
+    if (failure) {
+        return posixError(failure.value(), attempt);
     }
     return entries;
 }

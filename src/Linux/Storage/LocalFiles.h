@@ -43,8 +43,8 @@ enum class Survives { crashes, powerFailures };
 /// the new. temporaryPath lies in the same folder, belongs to the caller alone and is gone afterwards; an old
 /// file of that name is dropped. Mode 0600.
 ///
-/// QSaveFile overlooks that the disk did not take the content, does not sync the folder, hands on the old
-/// file's mode, and leaves a file of another name behind each time the process is killed.
+/// QSaveFile (Qt 6.4) calls it done when the disk did not take the content, does not sync the folder, hands
+/// on the old file's mode, and waits for the disk in any case.
 Result<void> replaceFile(const std::string& path, const std::string& temporaryPath, std::string_view content,
                          Survives survives = Survives::powerFailures);
 
@@ -52,7 +52,7 @@ Result<void> replaceFile(const std::string& path, const std::string& temporaryPa
 /// and with the process whatever kills it. The file itself stays.
 ///
 /// QLockFile goes by the number of the process that holds it, which says nothing in a container and may be
-/// another's after a crash.
+/// another's after a crash; and it looks again only after 100 ms.
 class FileLock {
 public:
     /// Waits for another holder at most this long; fails with EWOULDBLOCK when it still holds the lock then.

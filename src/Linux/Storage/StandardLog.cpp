@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Storage/StandardLog.h"
 
+#include <locale.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/socket.h>
@@ -13,7 +14,6 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <cstdio>
 #include <cstring>
 
 namespace tovik {
@@ -24,35 +24,6 @@ namespace {
 constexpr auto kSyslogPriority = "<13>";
 // A terminal that scrolls needs less; whoever holds the output with Ctrl+S must not hold the program.
 constexpr int kPatienceMilliseconds = 100;
-
-/// While it lives, writing to a pipe that nobody reads any more is an error in this thread, not the end of
-/// the program.
-class PipeSignalHeldBack {
-public:
-    PipeSignalHeldBack() {
-        sigemptyset(&pipe_);
-        sigaddset(&pipe_, SIGPIPE);
-        sigset_t pending;
-        sigpending(&pending);
-        wasPending_ = sigismember(&pending, SIGPIPE) == 1;
-        pthread_sigmask(SIG_BLOCK, &pipe_, &before_);
-    }
-    PipeSignalHeldBack(const PipeSignalHeldBack&) = delete;
-    PipeSignalHeldBack& operator=(const PipeSignalHeldBack&) = delete;
-    ~PipeSignalHeldBack() {
-        if (!wasPending_) {
-            const timespec atOnce{};
-            while (sigtimedwait(&pipe_, nullptr, &atOnce) < 0 && errno == EINTR) {
-            }
-        }
-        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-    }
-
-private:
-    sigset_t pipe_{};
-    sigset_t before_{};
-    bool wasPending_ = false;
-};
 
 bool isWritable(int fd, int milliseconds) {
     pollfd writable{fd, POLLOUT, 0};
@@ -79,16 +50,12 @@ std::string_view writeAll(int fd, std::string_view rest, int milliseconds) {
 
 /// As the log service wants it, whatever the user's language is: Nov  1 14:05:09.
 std::string timestamp() {
-    static constexpr std::array<const char*, 12> kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                         "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    static const locale_t plain = ::newlocale(LC_TIME_MASK, "C", nullptr);
     const auto now = ::time(nullptr);
     tm local{};
     ::localtime_r(&now, &local);
     std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%s %2d %02d:%02d:%02d",
-                  kMonths.at(static_cast<std::size_t>(local.tm_mon)), local.tm_mday, local.tm_hour,
-                  local.tm_min, local.tm_sec);
-    return text.data();
+    return {text.data(), ::strftime_l(text.data(), text.size(), "%b %e %H:%M:%S", &local, plain)};
 }
 
 UnixFd connectTo(const std::string& path) {
@@ -114,10 +81,11 @@ StandardLog::StandardLog(int outputFd, int errorFd, std::string syslogSocket)
     : syslogSocket_(std::move(syslogSocket)),
       copiesToError_(::isatty(errorFd) == 1),
       output_{outputFd},
-      errors_{errorFd} {}
+      errors_{errorFd} {
+    ::signal(SIGPIPE, SIG_IGN);
+}
 
 void StandardLog::writeLine(Output& output, std::string_view line) {
-    const PipeSignalHeldBack heldBack;
     // The wait is paid once, not for every line.
     if (output.leftOut > 0 && !isWritable(output.fd, 0)) {
         ++output.leftOut;

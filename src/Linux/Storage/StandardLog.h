@@ -20,7 +20,8 @@ namespace tovik {
 class StandardLog : public SystemLog {
 public:
     StandardLog();
-    /// Borrows the descriptors.
+    /// Borrows the descriptors. From now on the program ignores SIGPIPE: a reader that went away is no reason
+    /// for it to end.
     StandardLog(int outputFd, int errorFd, std::string syslogSocket);
 
     void printLine(std::string_view line) override;

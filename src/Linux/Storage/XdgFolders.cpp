@@ -5,7 +5,6 @@
 #include <pwd.h>
 #include <unistd.h>
 
-#include <array>
 #include <cstdlib>
 
 namespace tovik {
@@ -30,14 +29,8 @@ std::optional<std::string> absolute(std::optional<std::string> path) {
 }
 
 std::optional<std::string> accountHome() {
-    std::array<char, 4096> buffer{};
-    passwd entry{};
-    passwd* found = nullptr;
-    if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || !found ||
-        !found->pw_dir) {
-        return std::nullopt;
-    }
-    return found->pw_dir;
+    const auto* account = ::getpwuid(::getuid());
+    return account && account->pw_dir ? std::optional<std::string>(account->pw_dir) : std::nullopt;
 }
 
 } // namespace

@@ -10,8 +10,8 @@ namespace tovik {
 
 /// Where the user's files lie, by the XDG base directory rules. Nothing here touches the disk.
 ///
-/// QStandardPaths knows no state folder yet (Qt 6.4), takes "/" for the home where HOME is missing, and makes
-/// the runtime folder when asked for it.
+/// QStandardPaths (Qt 6.4) knows no state folder, goes by relative values too, takes "/" for the home where
+/// HOME is missing, and makes the runtime folder when asked for it.
 class XdgFolders {
 public:
     using Environment = std::function<std::optional<std::string>(const char* variable)>;

@@ -251,7 +251,8 @@ TEST_F(SandboxedMicrophoneTest, whileAQuestionIsOpen_thereIsNoSecondOneAndAllHea
 }
 
 TEST_F(SandboxedMicrophoneTest, whatTheUserSaid_holdsThroughLaterLooks) {
-    for (const auto& [said, status] : {std::pair(Verdict::denied, 2), std::pair(Verdict::granted, 3)}) {
+    for (const auto& [said, status] :
+         {std::pair(Verdict::denied, Status::denied), std::pair(Verdict::granted, Status::authorized)}) {
         in(kFlatpak);
         portal.answerLooks(Verdict::undecided);
         ask();

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/DBus/MicrophonePortal.h"
+#include "Linux/DBus/SandboxedMicrophone.h"
 #include "support/EventLoop.h"
 #include "support/FakeDesktopPortal.h"
 #include "support/SessionBus.h"

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Linux/Desktop/QtScreens.h"
+#include "Linux/Desktop/QtDesktop.h"
 
 #include <QCursor>
 #include <QGuiApplication>

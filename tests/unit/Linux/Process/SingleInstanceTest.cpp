@@ -20,7 +20,10 @@
 #include <array>
 #include <filesystem>
 #include <future>
+#include <iterator>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace tovik::test {
 namespace {
@@ -74,6 +77,24 @@ private:
 
 class SingleInstanceTest : public testing::Test {
 protected:
+    /// As a second copy would, but without a word.
+    [[nodiscard]] UnixFd connectTo(const std::string& display) const {
+        const auto shortcut = home / "s";
+        if (!std::filesystem::exists(shortcut)) {
+            std::filesystem::create_directory_symlink(folder, shortcut);
+        }
+        UnixFd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        const auto path = shortcut + "/tovik-record-%3A" + display.substr(1) + ".socket";
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        EXPECT_EQ(::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        return socket;
+    }
+    [[nodiscard]] static std::ptrdiff_t openDescriptors() {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    }
+
     TemporaryFolder home;
     /// Longer than any socket's path may be.
     std::string folder = home / std::string(120, 'r');
@@ -126,7 +147,7 @@ TEST_F(SingleInstanceTest, whenTheDisplaysDiffer_bothAreFirst) {
 TEST_F(SingleInstanceTest, whenTheFirstIsKilled_whatItLeavesBehindIsNotInTheWay) {
     OtherCopy other(folder, ":0");
     other.kill();
-    ASSERT_THAT(namesIn(folder), testing::Contains("tovik-record-_580.socket"));
+    ASSERT_THAT(namesIn(folder), testing::Contains("tovik-record-%3A0.socket"));
     SingleInstance instance(folder, ":0");
     EXPECT_EQ(instance.claim().value(), Role::first);
     instance.onRequest([] {});
@@ -159,8 +180,9 @@ TEST_F(SingleInstanceTest, whenTheFirstHangs_theSecondGivesUpWithASentence) {
     SingleInstance second(folder, ":0", Seconds(0.2));
     const auto claimed = second.claim();
     ASSERT_FALSE(claimed);
-    EXPECT_THAT(claimed.error().description,
-                testing::StartsWith("Another copy of Tovik Record runs on this desktop and does not answer"));
+    EXPECT_THAT(
+        claimed.error().description,
+        testing::StartsWith("Another copy of Tovik Record is running on this desktop and does not answer"));
 }
 
 TEST_F(SingleInstanceTest, whenManyStartAtTheSameMoment_exactlyOneIsFirstAndAllOthersReachIt) {
@@ -209,13 +231,33 @@ TEST_F(SingleInstanceTest, whenSomebodyConnectsAndSaysNothing_laterRequestsAreSt
     SingleInstance first(folder, ":0");
     ASSERT_EQ(first.claim().value(), Role::first);
     first.onRequest([] {});
-    const auto shortcut = home / "s";
-    std::filesystem::create_directory_symlink(folder, shortcut);
-    const UnixFd silent(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    (shortcut + "/tovik-record-_580.socket").copy(address.sun_path, sizeof address.sun_path - 1);
-    ASSERT_EQ(::connect(silent.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    const auto silent = connectTo(":0");
+    EXPECT_EQ(claimElsewhere(folder, ":0").value(), Role::second);
+}
+
+TEST_F(SingleInstanceTest, whenSomebodySpeaksLate_nobodyWaitsForItAndItIsAnsweredThen) {
+    SingleInstance first(folder, ":0");
+    ASSERT_EQ(first.claim().value(), Role::first);
+    int requests = 0;
+    first.onRequest([&] { ++requests; });
+    const auto late = connectTo(":0");
+    EXPECT_EQ(claimElsewhere(folder, ":0").value(), Role::second);
+    ASSERT_EQ(requests, 1);
+    ASSERT_EQ(::send(late.get(), "p", 1, MSG_NOSIGNAL), 1);
+    EXPECT_TRUE(runUntil([&] { return requests == 2; }));
+}
+
+TEST_F(SingleInstanceTest, whenAFloodOfConnectionsSaysNothing_mostAreLetGoAndRequestsAreAnswered) {
+    SingleInstance first(folder, ":0");
+    ASSERT_EQ(first.claim().value(), Role::first);
+    first.onRequest([] {});
+    constexpr int kConnections = 200;
+    std::vector<UnixFd> flood;
+    for (int n = 0; n < kConnections; ++n) {
+        flood.push_back(connectTo(":0"));
+        runPendingEvents();
+    }
+    EXPECT_LT(openDescriptors(), kConnections + 100);
     EXPECT_EQ(claimElsewhere(folder, ":0").value(), Role::second);
 }
 

@@ -207,6 +207,35 @@ TEST_F(JsonUserDefaultsTest, whenUnreadableContentOfTheSameSecondDiffers_bothAre
     EXPECT_EQ(readFile(keptFiles()[1]), "other");
 }
 
+TEST_F(JsonUserDefaultsTest, whenUnreadableContentComesOverAndOver_theFirstAndTheLastFewCopiesAreKept) {
+    std::filesystem::create_directories(folder);
+    auto defaults = open();
+    const auto time = std::filesystem::file_time_type::clock::now();
+    for (int n = 0; n < 20; ++n) {
+        writeFile(file, "not json " + std::to_string(n));
+        std::filesystem::last_write_time(file, time + std::chrono::seconds(n));
+        EXPECT_FALSE(defaults.value("a"));
+    }
+    std::vector<std::string> kept;
+    for (const auto& copy : keptFiles()) {
+        kept.push_back(readFile(copy).value_or(""));
+    }
+    EXPECT_THAT(kept, ElementsAre("not json 0", "not json 16", "not json 17", "not json 18", "not json 19"));
+}
+
+TEST_F(JsonUserDefaultsTest, whenUnreadableContentIsOld_itsCopyIsNotTheOneThatGoes) {
+    std::filesystem::create_directories(folder);
+    const auto time = std::filesystem::file_time_type::clock::now();
+    for (int n = 0; n < 20; ++n) {
+        writeFile(file, "not json " + std::to_string(n));
+        std::filesystem::last_write_time(file, time - std::chrono::hours(n));
+        EXPECT_FALSE(open().value("a"));
+        EXPECT_THAT(keptFiles(), testing::Contains(testing::ResultOf(
+                                     [](const auto& copy) { return readFile(copy).value_or(""); },
+                                     "not json " + std::to_string(n))));
+    }
+}
+
 TEST_F(JsonUserDefaultsTest, whenUnreadableContentCannotBeKept_itIsNotOverwrittenUntilItCan) {
     std::filesystem::create_directories(folder);
     writeFile(file, "not json, but somebody's work");
