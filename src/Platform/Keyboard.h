@@ -76,13 +76,16 @@ public:
     [[nodiscard]] virtual std::optional<KeyEvent> makeEvent(EventSourceState source, std::uint16_t keyCode,
                                                             bool keyDown) = 0;
 
-    /// Returns without waiting for the key to arrive.
+    /// Returns without waiting for the key to arrive. A paste brings the text that the clipboard holds now,
+    /// whatever it holds when the key is pressed.
     virtual void post(const KeyEvent& event, EventTap tap) = 0;
 
-    /// Whether something that was posted has not been pressed yet.
+    /// Whether something that was posted has not reached its window yet.
     [[nodiscard]] virtual bool isPosting() const = 0;
     /// Told each time that isPosting() has become false.
     Observers<> pressed;
+    /// Told when something that was posted could not be pressed for long and will not be.
+    Observers<> givenUp;
 };
 
 } // namespace tovik

@@ -5,6 +5,7 @@
 #include "Linux/Desktop/QtMainQueue.h"
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11KeyEventPoster.h"
+#include "Linux/X11/X11Pasteboard.h"
 #include "Platform/Keyboard.h"
 #include "support/EventLoop.h"
 #include "support/FakeKeyEventPoster.h"
@@ -83,7 +84,8 @@ private:
     PostedKeys posted_;
     XUser user_;
     std::unique_ptr<WindowProgram> program_;
-    X11KeyEventPoster poster_{{queue_, defaults_, log_, posted_}};
+    X11Pasteboard pasteboard_{log_};
+    X11KeyEventPoster poster_{{queue_, defaults_, log_, posted_, pasteboard_}};
 };
 
 using MakeWorld = std::unique_ptr<World> (*)();

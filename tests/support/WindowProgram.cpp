@@ -48,6 +48,11 @@ void WindowProgram::forgetKeys() {
     keys_.clear();
 }
 
+const std::vector<std::string>& WindowProgram::texts() {
+    read();
+    return texts_;
+}
+
 void WindowProgram::read() {
     while (process_.canReadLine()) {
         const std::string line = process_.readLine().trimmed().toStdString();
@@ -58,6 +63,8 @@ void WindowProgram::read() {
             innerWindow_ = std::stoul(line.substr(6));
         } else if (line.starts_with("press ") || line.starts_with("release ")) {
             keys_.push_back(line);
+        } else if (line.starts_with("text ")) {
+            texts_.push_back(line.substr(5));
         }
     }
 }

@@ -34,6 +34,9 @@ public:
     [[nodiscard]] const std::vector<std::string>& keys();
     void forgetKeys();
 
+    /// What the window has pasted so far, where it is one that pastes.
+    [[nodiscard]] const std::vector<std::string>& texts();
+
 private:
     void read();
 
@@ -42,6 +45,7 @@ private:
     unsigned long secondWindow_ = 0;
     unsigned long innerWindow_ = 0;
     std::vector<std::string> keys_;
+    std::vector<std::string> texts_;
 };
 
 } // namespace tovik::test

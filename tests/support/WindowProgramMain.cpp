@@ -4,16 +4,18 @@
 // A program with one window, for tests that need other programs on the desktop.
 //
 //     tovik_test_window CLASS [INSTANCE
-//     [no-process|other-machine|container|inner-focus|second-window|dialog]]
+//     [no-process|other-machine|container|inner-focus|second-window|dialog|pastes|pastes-late]]
 //
 // The third word makes its window tell no process, or one of another machine or of a container, or give the
-// keyboard to a window inside; or makes it show another window after the first, or a dialog of the first.
+// keyboard to a window inside; or makes it show another window after the first, or a dialog of the first; or
+// fetch the clipboard at Insert and at V, at once or after a while, and write it ("text WHAT IT GOT").
 // Writes "window NUMBER" when a window is shown, then a line for each key that goes down or up in it
 // ("press Insert 0x1": the keysym and the modifiers held before) and for focus it gains. Ends with its
 // standard input.
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <X11/keysym.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -79,7 +81,31 @@ void makeWindows(Display* display, char* className, char* instance, std::string_
     }
 }
 
-void tell(XEvent& event) {
+/// For the text of this moment, whenever the key was pressed: the hardest case for whoever offers it.
+void fetchClipboard(Display* display, Window window, bool isLate) {
+    if (isLate) {
+        usleep(300'000);
+    }
+    XConvertSelection(display, XInternAtom(display, "CLIPBOARD", False),
+                      XInternAtom(display, "UTF8_STRING", False), XInternAtom(display, "TEXT", False), window,
+                      CurrentTime);
+}
+
+void tellFetched(const XSelectionEvent& event) {
+    Atom type = None;
+    int format = 0;
+    unsigned long length = 0;
+    unsigned long rest = 0;
+    unsigned char* text = nullptr;
+    if (event.property != None) {
+        XGetWindowProperty(event.display, event.requestor, event.property, 0, 10000, True, AnyPropertyType,
+                           &type, &format, &length, &rest, &text);
+    }
+    std::printf("text %s\n", text != nullptr ? reinterpret_cast<const char*>(text) : "refused");
+    XFree(text);
+}
+
+void tell(XEvent& event, std::string_view kind) {
     if (event.type == MapNotify) {
         std::printf("window %lu\n", event.xmap.window);
     } else if (event.type == FocusIn && event.xfocus.detail != NotifyPointer) {
@@ -92,6 +118,11 @@ void tell(XEvent& event) {
         const char* const name = XKeysymToString(keysym);
         std::printf("%s %s 0x%x\n", event.type == KeyPress ? "press" : "release",
                     name != nullptr ? name : "?", held);
+        if (kind.starts_with("pastes") && event.type == KeyPress && (keysym == XK_Insert || keysym == XK_v)) {
+            fetchClipboard(event.xkey.display, event.xkey.window, kind == "pastes-late");
+        }
+    } else if (event.type == SelectionNotify) {
+        tellFetched(event.xselection);
     } else if (event.type == MappingNotify) {
         XRefreshKeyboardMapping(&event.xmapping);
     }
@@ -105,12 +136,13 @@ int main(int argc, char** argv) {
     if (display == nullptr || argc < 2) {
         return 1;
     }
-    makeWindows(display, argv[1], argv[argc > 2 ? 2 : 1], argc > 3 ? argv[3] : "");
+    const std::string_view kind = argc > 3 ? argv[3] : "";
+    makeWindows(display, argv[1], argv[argc > 2 ? 2 : 1], kind);
     while (true) {
         while (XPending(display) > 0) {
             XEvent event;
             XNextEvent(display, &event);
-            tell(event);
+            tell(event, kind);
         }
         std::array<pollfd, 2> sources{{{ConnectionNumber(display), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}}};
         poll(sources.data(), sources.size(), -1);

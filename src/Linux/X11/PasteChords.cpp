@@ -89,6 +89,11 @@ constexpr std::array kTerminals{"gnome-terminal",
 constexpr std::array kPlainTerminals{"xterm", "uxterm",      "urxvt", "rxvt",
                                      "st",    "st-256color", "eterm", "mlterm"};
 
+// Further ones that are known to paste from the primary selection; what they do beside Control is not.
+constexpr std::array kOtherTerminals{"aterm", "cool-retro-term", "deepin-terminal", "evilvte", "ghostty",
+                                     "kterm", "lilyterm",        "mrxvt",           "pterm",   "tilda",
+                                     "zutty"};
+
 bool isAmong(const auto& names, const std::vector<std::string>& ids) {
     return std::any_of(ids.begin(), ids.end(), [&](const std::string& id) {
         return std::find(names.begin(), names.end(), asciiLowerCased(id)) != names.end();
@@ -162,6 +167,21 @@ PasteChord PasteChords::chordBesideControl(const std::vector<std::string>& appli
         return {{control, shift}, XK_v};
     }
     return {{control}, XK_v};
+}
+
+bool PasteChords::pastesFromPrimary(const std::vector<std::string>& applicationIds) const {
+    if (isAmong(kTerminals, applicationIds) || isAmong(kPlainTerminals, applicationIds) ||
+        isAmong(kOtherTerminals, applicationIds)) {
+        return true;
+    }
+    const auto listed = defaults_.value("platform.primaryPasters");
+    return listed && listed->is_array() &&
+           std::any_of(applicationIds.begin(), applicationIds.end(), [&](const std::string& id) {
+               return std::any_of(listed->begin(), listed->end(), [&](const PropertyValue& entry) {
+                   return entry.is_string() &&
+                          asciiLowerCased(entry.get<std::string>()) == asciiLowerCased(id);
+               });
+           });
 }
 
 const PasteChord& PasteChords::defaultChord() {

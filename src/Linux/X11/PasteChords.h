@@ -46,6 +46,10 @@ public:
     /// neither.
     [[nodiscard]] PasteChord chordBesideControl(const std::vector<std::string>& applicationIds);
 
+    /// Whether Shift+Insert pastes from the primary selection there: in terminals, and in the applications
+    /// whose ids the user default "platform.primaryPasters" lists.
+    [[nodiscard]] bool pastesFromPrimary(const std::vector<std::string>& applicationIds) const;
+
     static const PasteChord& defaultChord();
 
 private:

@@ -5,6 +5,7 @@
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11Keyboard.h"
+#include "Linux/X11/X11Pasteboard.h"
 #include "Linux/X11/X11Windows.h"
 #include "Platform/Keyboard.h"
 #include "Platform/SystemLog.h"
@@ -22,9 +23,18 @@
 namespace tovik {
 namespace {
 
-constexpr Seconds kLongestWait{2.0};
+constexpr Seconds kLongestWait{10.0};
 constexpr Seconds kCheckInterval{0.02};
 constexpr int kChecksBetweenRequests = 10;
+/// After 2 s: who has gone to another window meanwhile is not called back from it again, and who still holds
+/// Control gets the chord that pastes beside it.
+constexpr int kManyChecks = 100;
+
+/// A target asks within a few hundredths of a second. One that is slower still gets the right text, by the
+/// time at which its key was pressed.
+constexpr Seconds kLongestFetch{1.0};
+/// Some programs ask for a text more than once.
+constexpr Seconds kPauseAfterFetch{0.05};
 
 struct ModifierKeys {
     unsigned bit; ///< 0 where the layout decides
@@ -226,8 +236,8 @@ void X11KeyPresser::send(const std::vector<PostedKeys::Stroke>& strokes) {
 }
 
 X11KeyEventPoster::X11KeyEventPoster(Services services, const std::string& displayName)
-    : services_(services),
-      chords_(std::make_unique<PasteChords>(services.defaults, services.log)) {
+    : services_(std::move(services)),
+      chords_(std::make_unique<PasteChords>(services_.defaults, services_.log)) {
     auto connection = X11Connection::open(displayName);
     if (!connection || !X11Session::examine(*connection.value()).canPressKeys) {
         return;
@@ -235,9 +245,17 @@ X11KeyEventPoster::X11KeyEventPoster(Services services, const std::string& displ
     connection_ = std::move(connection.value());
     windows_ = std::make_unique<X11Windows>(*connection_);
     presser_ = std::make_unique<X11KeyPresser>(*connection_, services_.posted);
+    services_.pasteboard.setOnFetched(
+        [&queue = services_.queue, note = lifetime_.guard([this](auto paste, auto requestor) {
+            noteFetched(paste, requestor);
+        })](auto paste, auto requestor) {
+            queue.async([note, paste, requestor]() mutable { note(paste, requestor); });
+        });
 }
 
-X11KeyEventPoster::~X11KeyEventPoster() = default;
+X11KeyEventPoster::~X11KeyEventPoster() {
+    services_.pasteboard.setOnFetched(nullptr);
+}
 
 std::optional<KeyEvent> X11KeyEventPoster::makeEvent(EventSourceState source, std::uint16_t keyCode,
                                                      bool keyDown) {
@@ -253,72 +271,119 @@ void X11KeyEventPoster::post(const KeyEvent& event, EventTap tap) {
     }
     // The paste of a dictation enters below the desktop and waits for its target; the paste of a menu enters
     // above it and goes to whatever is in front.
-    const bool waitsForTarget = tap == EventTap::hid;
-    checksInVain_ = 0;
-    hasTarget_ = waitsForTarget && services_.isTargetInFront != nullptr;
-    ++waiting_;
-    if (waiting_ == 1) {
-        pasteWhenPossible();
+    const bool waitsForTarget = tap == EventTap::hid && services_.target;
+    const auto job = jobs_.insert(
+        jobs_.end(),
+        {services_.pasteboard.contents(), waitsForTarget ? services_.target() : std::nullopt, {}});
+    job->deadline = services_.queue.after(kLongestWait, [this, job] { giveUp(job); });
+    if (jobs_.size() == 1) {
+        beginNext();
     }
 }
 
-void X11KeyEventPoster::pasteWhenPossible() {
-    if (pasteIfPossible()) {
+void X11KeyEventPoster::beginNext() {
+    check_.end();
+    if (jobs_.empty()) {
+        pressed.tell();
         return;
     }
-    check_ = services_.queue.every(kCheckInterval, [this] { static_cast<void>(pasteIfPossible()); });
-    deadline_ = services_.queue.after(kLongestWait, [this] { pasteAllTheSame(); });
+    checksSpoiled_ = 0;
+    checksBehind_ = 0;
+    if (!pasteIfPossible()) {
+        check_ = services_.queue.every(kCheckInterval, [this] { static_cast<void>(pasteIfPossible()); });
+    }
 }
 
 bool X11KeyEventPoster::pasteIfPossible() {
-    const auto wanted = chord();
-    if (presser_->isSpoiled(wanted)) {
+    const auto window = windows_->activeWindow();
+    const auto ids = windows_->applicationIds(window);
+    const auto chord = possibleChord(ids);
+    if (!chord) {
+        ++checksSpoiled_;
+        obstacle_ = "a modifier key was held";
         return false;
     }
     // Letting go of Alt at the end of Alt+Tab brings yet another window to the front.
-    if (hasTarget_ && !services_.isTargetInFront()) {
-        if (checksInVain_++ % kChecksBetweenRequests == 0) {
-            services_.bringTargetToFront();
+    const auto& target = jobs_.front().target;
+    if (target && !services_.isInFront(*target)) {
+        if (checksBehind_ < kManyChecks && checksBehind_ % kChecksBetweenRequests == 0) {
+            services_.bringToFront(*target);
         }
+        ++checksBehind_;
+        obstacle_ = "its window did not come to the front";
         return false;
     }
-    paste(wanted);
+    paste(*chord, window, ids);
     return true;
 }
 
-void X11KeyEventPoster::pasteAllTheSame() {
-    services_.log.printLine(presser_->isSpoiled(chord())
-                                ? "[TovikVoice] Pasting although a modifier key is still held"
-                                : "[TovikVoice] Pasting although the target app did not come to the front");
-    paste(chordForHeldKeys());
-}
-
-void X11KeyEventPoster::paste(const PasteChord& chord) {
-    check_.end();
-    deadline_.end();
-    for (; waiting_ > 0; --waiting_) {
-        if (const auto outcome = presser_->press(chord); !outcome) {
-            services_.log.printLine("[TovikVoice] Failed to press the paste keys: " +
-                                    outcome.error().description);
-        }
-    }
-    pressed.tell();
-}
-
-PasteChord X11KeyEventPoster::chord() {
-    return chords_->chordFor(windows_->applicationIds(windows_->activeWindow()));
-}
-
-// Text that becomes ready while the talk key is still down, as when a headset takes the recording over, would
-// not arrive before the key is up, and by then the next text may have taken its place on the clipboard. The
-// keys held are not released on the user's behalf: that has left keys stuck in other programs.
-PasteChord X11KeyEventPoster::chordForHeldKeys() {
-    if (const auto usual = chord(); !presser_->isSpoiled(usual)) {
+// The chord of the window needs no key but its own. Text that becomes ready while the user already holds the
+// talk key for the next would wait for all of that; the keys held are not released on the user's behalf,
+// which has left keys stuck in other programs.
+std::optional<PasteChord> X11KeyEventPoster::possibleChord(const std::vector<std::string>& ids) const {
+    if (auto usual = chords_->chordFor(ids); !presser_->isSpoiled(usual)) {
         return usual;
     }
-    const auto besideControl =
-        chords_->chordBesideControl(windows_->applicationIds(windows_->activeWindow()));
-    return presser_->isSpoiled(besideControl) ? chord() : besideControl;
+    const bool isUrgent =
+        checksSpoiled_ >= kManyChecks || (services_.isTalkKeyHeldAlone && services_.isTalkKeyHeldAlone());
+    if (auto besideControl = chords_->chordBesideControl(ids);
+        isUrgent && !presser_->isSpoiled(besideControl)) {
+        return besideControl;
+    }
+    return std::nullopt;
+}
+
+void X11KeyEventPoster::paste(const PasteChord& chord, unsigned long window,
+                              const std::vector<std::string>& ids) {
+    check_.end();
+    const auto job = jobs_.begin();
+    job->deadline.end();
+    if (job->text) {
+        using From = X11Pasteboard::From;
+        const auto paste = services_.pasteboard.beginPaste(
+            *job->text, chords_->pastesFromPrimary(ids) ? From::clipboardAndPrimary : From::clipboard);
+        underWay_ = {paste, window};
+    }
+    const auto outcome = presser_->press(chord);
+    if (!outcome) {
+        services_.log.printLine("[TovikVoice] Failed to press the paste keys: " +
+                                outcome.error().description);
+    }
+    if (outcome && underWay_) {
+        fetching_ = services_.queue.after(kLongestFetch, [this, job] { finish(job); });
+    } else {
+        finish(job);
+    }
+}
+
+void X11KeyEventPoster::noteFetched(std::uint64_t paste, unsigned long requestor) {
+    // Clipboard managers fetch as well.
+    const auto process = windows_->processIdentifier(requestor);
+    if (underWay_ && underWay_->paste == paste && process > 0 &&
+        process == windows_->processIdentifier(underWay_->window)) {
+        fetching_ = services_.queue.after(kPauseAfterFetch, [this, job = jobs_.begin()] { finish(job); });
+    }
+}
+
+void X11KeyEventPoster::giveUp(Jobs::iterator job) {
+    services_.log.printLine("[TovikVoice] The text was not pasted, since " +
+                            (job == jobs_.begin() ? obstacle_ : "others before it were not") +
+                            ": it is in the history");
+    const bool isFirst = job == jobs_.begin();
+    jobs_.erase(job);
+    givenUp.tell();
+    if (isFirst) {
+        beginNext();
+    }
+}
+
+void X11KeyEventPoster::finish(Jobs::iterator job) {
+    fetching_.end();
+    if (std::exchange(underWay_, std::nullopt)) {
+        services_.pasteboard.endPaste();
+    }
+    jobs_.erase(job);
+    beginNext();
 }
 
 } // namespace tovik

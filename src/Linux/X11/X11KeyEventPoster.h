@@ -5,10 +5,15 @@
 #include "Linux/X11/PasteChords.h"
 #include "Platform/Keyboard.h"
 #include "Platform/MainQueue.h"
+#include "Platform/Workspace.h"
 
+#include <cstdint>
 #include <functional>
+#include <list>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace tovik {
 
@@ -18,13 +23,16 @@ class SystemLog;
 class UserDefaults;
 class X11Connection;
 class X11KeyPresser;
+class X11Pasteboard;
 class X11Windows;
 
 /// Pastes on behalf of the user: Command+V is all that it can press, and it presses whatever chord pastes
-/// into the window that has the keyboard. The whole chord is sent at the key-down event. While another window
-/// than that of the dictation is in front, or the user holds a modifier that would spoil the chord, it waits,
-/// up to 2 s, without holding up the main thread. Then it presses what pastes with Control held, where that
-/// is what is held, and the chord all the same otherwise.
+/// into the window that has the keyboard. The whole chord is sent at the key-down event.
+///
+/// What is posted keeps the text that the clipboard held then, and its target; posts are worked off in their
+/// order, each when the one before has been fetched by its window, or has had a second for it. While another
+/// window than its target is in front, or the user holds a modifier that would spoil the chord, a post waits,
+/// up to 10 s, without holding up the main thread. It does not wait for the talk key.
 class X11KeyEventPoster : public KeyEventPoster {
 public:
     struct Services {
@@ -33,10 +41,12 @@ public:
         SystemLog& log;
         /// Told of every key before it is pressed.
         PostedKeys& posted;
-        /// Whether the window that was last brought to the front for a paste is there; without it, none was.
-        std::function<bool()> isTargetInFront = nullptr;
-        /// Brings it there once more.
-        std::function<void()> bringTargetToFront = nullptr;
+        X11Pasteboard& pasteboard;
+        /// What a dictation that is posted now is meant for; nothing where whatever is in front is meant.
+        std::function<std::optional<RunningApplication>()> target = nullptr;
+        std::function<bool(const RunningApplication&)> isInFront = nullptr;
+        std::function<void(const RunningApplication&)> bringToFront = nullptr;
+        std::function<bool()> isTalkKeyHeldAlone = nullptr;
     };
 
     /// All services outlive the poster. An empty display name means the session's display.
@@ -46,27 +56,44 @@ public:
     [[nodiscard]] std::optional<KeyEvent> makeEvent(EventSourceState source, std::uint16_t keyCode,
                                                     bool keyDown) override;
     void post(const KeyEvent& event, EventTap tap) override;
-    [[nodiscard]] bool isPosting() const override { return waiting_ > 0; }
+    [[nodiscard]] bool isPosting() const override { return !jobs_.empty(); }
 
 private:
-    void pasteWhenPossible();
+    struct Job {
+        std::optional<std::string> text;
+        std::optional<RunningApplication> target;
+        Subscription deadline;
+    };
+    using Jobs = std::list<Job>;
+    /// The chord of the first job has been pressed; its text is to be fetched.
+    struct UnderWay {
+        std::uint64_t paste;
+        unsigned long window;
+    };
+
+    void beginNext();
     [[nodiscard]] bool pasteIfPossible();
-    void pasteAllTheSame();
-    void paste(const PasteChord& chord);
-    [[nodiscard]] PasteChord chord();
-    [[nodiscard]] PasteChord chordForHeldKeys();
+    void paste(const PasteChord& chord, unsigned long window, const std::vector<std::string>& ids);
+    void noteFetched(std::uint64_t paste, unsigned long requestor);
+    void giveUp(Jobs::iterator job);
+    void finish(Jobs::iterator job);
+    [[nodiscard]] std::optional<PasteChord> possibleChord(const std::vector<std::string>& ids) const;
 
     Services services_;
     std::unique_ptr<X11Connection> connection_;
     std::unique_ptr<X11Windows> windows_;
     std::unique_ptr<PasteChords> chords_;
     std::unique_ptr<X11KeyPresser> presser_;
-    /// Chords that wait for the user to let go of modifiers.
-    int waiting_ = 0;
-    bool hasTarget_ = false;
-    int checksInVain_ = 0;
+    Jobs jobs_;
+    std::optional<UnderWay> underWay_;
+    /// Of the first job: how often a modifier was held, how often its target was not in front, and what was
+    /// in its way for the last time.
+    int checksSpoiled_ = 0;
+    int checksBehind_ = 0;
+    std::string obstacle_;
     Subscription check_;
-    Subscription deadline_;
+    Subscription fetching_;
+    Lifetime lifetime_;
 };
 
 } // namespace tovik

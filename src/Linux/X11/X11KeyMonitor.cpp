@@ -349,6 +349,10 @@ void X11KeyMonitor::warnOfMissingTalkKey() {
     }
 }
 
+bool X11KeyMonitor::isTalkKeyHeldAlone() {
+    return talkKey_ && isHeld(*talkKey_) && keyboard_->heldKeys(talkKey_->first).count() == 1;
+}
+
 bool X11KeyMonitor::isHeld(const PhysicalKey& key) {
     return keyboard_->heldKeys(key.first)[key.second];
 }

@@ -45,6 +45,9 @@ public:
 
     Result<void> start(Handlers handlers) override;
 
+    /// Whether the user holds the talk key at this moment, and no other key.
+    [[nodiscard]] bool isTalkKeyHeldAlone();
+
 private:
     /// One physical key: keyboards of different masters use the same codes.
     using PhysicalKey = std::pair<int, unsigned>;

@@ -18,6 +18,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <cstdlib>
+#include <deque>
 #include <list>
 #include <map>
 #include <mutex>
@@ -39,6 +40,7 @@ using Owned = X11Handle<Reply, std::free>;
 /// to keep no other program waiting for long.
 constexpr std::size_t kLongestPiece = 256000;
 constexpr int kMostAttempts = 5;
+constexpr std::size_t kMostContents = 5;
 
 struct Atoms {
     explicit Atoms(xcb_connection_t* connection);
@@ -133,25 +135,33 @@ public:
     Owner& operator=(const Owner&) = delete;
     ~Owner();
 
+    struct Order {
+        std::string text;
+        Paste paste;
+        From from;
+    };
+
     /// Returns when the selections are ours and answered with the text; false when they could not be got.
-    bool offer(std::string text);
+    bool offer(Order order);
+
+    void setOnFetched(std::function<void(Paste paste, unsigned long requestor)> onFetched);
 
 private:
     struct Content {
         xcb_timestamp_t since = XCB_CURRENT_TIME;
         Bytes text;
+        Paste paste = 0;
     };
-    /// A selection that is ours. Who pressed a paste key just before a change gets what was there then.
-    struct Holding {
-        Content now;
-        std::optional<Content> before;
-    };
+    /// What a selection that is ours holds and held, newest first: who pressed a paste key before a change,
+    /// and is slow to ask, gets what was there then.
+    using Holding = std::deque<Content>;
     /// A text on its way piece by piece: the next is sent whenever the program has taken the last away.
     struct Transfer {
         xcb_window_t requestor;
         xcb_atom_t property;
         xcb_atom_t type;
         Bytes bytes;
+        Paste paste;
         std::size_t sent = 0;
         SteadyClock::time_point deadline;
     };
@@ -171,8 +181,8 @@ private:
     void handle(const xcb_generic_event_t& event);
     [[nodiscard]] std::optional<xcb_timestamp_t> serverTime();
     [[nodiscard]] bool isOwner(xcb_atom_t selection);
-    bool take(std::vector<xcb_atom_t> selections, const Bytes& text);
-    bool takeAt(xcb_timestamp_t time, xcb_atom_t selection, const Bytes& text);
+    bool take(std::vector<xcb_atom_t> selections, Content content);
+    bool takeNow(xcb_atom_t selection, const Content& content);
     void noteLoss(xcb_atom_t selection);
 
     void answer(const xcb_selection_request_event_t& request);
@@ -183,11 +193,12 @@ private:
     void setNumbers(xcb_window_t window, xcb_atom_t property, xcb_atom_t type,
                     std::span<const std::uint32_t> numbers);
 
-    void beginTransfer(xcb_window_t requestor, xcb_atom_t property, const Converted& converted);
+    void beginTransfer(xcb_window_t requestor, xcb_atom_t property, const Converted& converted, Paste paste);
     void continueTransfer(xcb_window_t requestor, xcb_atom_t property);
     void endTransfers(const std::function<bool(const Transfer&)>& which);
     void listenTo(xcb_window_t requestor, bool isListening);
 
+    void tellFetched(Paste paste, xcb_window_t requestor);
     void giveToManager();
 
     const Connection connection_;
@@ -204,10 +215,12 @@ private:
 
     std::mutex mutex_;
     std::condition_variable settled_;
-    std::optional<std::string> order_;
+    std::optional<Order> order_;
     bool isOrderDone_ = false;
     bool isEnding_ = false;
     bool isBroken_ = false;
+    std::mutex fetchedMutex_;
+    std::function<void(Paste paste, unsigned long requestor)> onFetched_;
     std::thread thread_;
 };
 
@@ -233,10 +246,15 @@ X11Pasteboard::Owner::~Owner() {
     thread_.join();
 }
 
-bool X11Pasteboard::Owner::offer(std::string text) {
+void X11Pasteboard::Owner::setOnFetched(std::function<void(Paste paste, unsigned long requestor)> onFetched) {
+    const std::lock_guard lock(fetchedMutex_);
+    onFetched_ = std::move(onFetched);
+}
+
+bool X11Pasteboard::Owner::offer(Order order) {
     std::unique_lock lock(mutex_);
     isOrderDone_ = false;
-    order_ = std::move(text);
+    order_ = std::move(order);
     wake();
     settled_.wait(lock, [this] { return !order_ || isBroken_; });
     return isOrderDone_;
@@ -263,9 +281,14 @@ void X11Pasteboard::Owner::carryOutOrder() {
     if (!order_) {
         return;
     }
-    const auto text = std::make_shared<const std::string>(std::move(*order_));
+    const auto order = std::move(*order_);
     lock.unlock();
-    const bool isTaken = take({atoms_.clipboard, XCB_ATOM_PRIMARY}, text);
+    std::vector<xcb_atom_t> selections{atoms_.clipboard};
+    if (order.from == From::clipboardAndPrimary) {
+        selections.push_back(XCB_ATOM_PRIMARY);
+    }
+    const bool isTaken = take(std::move(selections), {.text = std::make_shared<const std::string>(order.text),
+                                                      .paste = order.paste});
     lock.lock();
     order_.reset();
     isOrderDone_ = isTaken;
@@ -371,21 +394,26 @@ bool X11Pasteboard::Owner::isOwner(xcb_atom_t selection) {
 
 // The server takes a selection only for a later time than its owner has got it. Another program may have got
 // it between the question for the time and the request, so it is tried again.
-bool X11Pasteboard::Owner::take(std::vector<xcb_atom_t> selections, const Bytes& text) {
+bool X11Pasteboard::Owner::take(std::vector<xcb_atom_t> selections, Content content) {
     for (int attempt = 0; attempt < kMostAttempts && !selections.empty(); ++attempt) {
         const auto time = serverTime();
-        std::erase_if(selections, [&](auto selection) { return time && takeAt(*time, selection, text); });
+        if (!time) {
+            return false;
+        }
+        content.since = *time;
+        std::erase_if(selections, [&](auto selection) { return takeNow(selection, content); });
     }
     return selections.empty();
 }
 
-bool X11Pasteboard::Owner::takeAt(xcb_timestamp_t time, xcb_atom_t selection, const Bytes& text) {
-    xcb_set_selection_owner(connection_.get(), window_, selection, time);
+bool X11Pasteboard::Owner::takeNow(xcb_atom_t selection, const Content& content) {
+    xcb_set_selection_owner(connection_.get(), window_, selection, content.since);
     if (!isOwner(selection)) {
         return false;
     }
     auto& held = holdings_[selection];
-    held = {{time, text}, held.now.text ? std::optional(held.now) : std::nullopt};
+    held.push_front(content);
+    held.resize(std::min(held.size(), kMostContents));
     return true;
 }
 
@@ -394,7 +422,7 @@ void X11Pasteboard::Owner::noteLoss(xcb_atom_t selection) {
         holdings_.erase(selection);
     } else {
         // Old news: it has been taken back since. But what was there just before was somebody else's.
-        holdings_[selection].before.reset();
+        holdings_[selection].resize(1);
     }
 }
 
@@ -425,11 +453,10 @@ const X11Pasteboard::Owner::Content* X11Pasteboard::Owner::contentAt(xcb_atom_t 
     if (held == holdings_.end()) {
         return nullptr;
     }
-    const auto& [now, before] = held->second;
-    if (time == XCB_CURRENT_TIME || !isEarlier(time, now.since)) {
-        return &now;
-    }
-    return before && !isEarlier(time, before->since) ? &*before : nullptr;
+    const auto found = std::find_if(held->second.begin(), held->second.end(), [&](const Content& content) {
+        return time == XCB_CURRENT_TIME || !isEarlier(time, content.since);
+    });
+    return found == held->second.end() ? nullptr : &*found;
 }
 
 bool X11Pasteboard::Owner::convert(const Content& content, xcb_window_t requestor, xcb_atom_t target,
@@ -456,11 +483,12 @@ bool X11Pasteboard::Owner::convert(const Content& content, xcb_window_t requesto
         return false;
     }
     if (converted->bytes->size() > kLongestPiece) {
-        beginTransfer(requestor, property, *converted);
-    } else {
-        xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, requestor, property, converted->type, 8,
-                            static_cast<std::uint32_t>(converted->bytes->size()), converted->bytes->data());
+        beginTransfer(requestor, property, *converted, content.paste);
+        return true;
     }
+    xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, requestor, property, converted->type, 8,
+                        static_cast<std::uint32_t>(converted->bytes->size()), converted->bytes->data());
+    tellFetched(content.paste, requestor);
     return true;
 }
 
@@ -510,7 +538,7 @@ void X11Pasteboard::Owner::setNumbers(xcb_window_t window, xcb_atom_t property, 
 }
 
 void X11Pasteboard::Owner::beginTransfer(xcb_window_t requestor, xcb_atom_t property,
-                                         const Converted& converted) {
+                                         const Converted& converted, Paste paste) {
     std::erase_if(transfers_, [&](const Transfer& each) {
         return each.requestor == requestor && each.property == property;
     });
@@ -518,6 +546,7 @@ void X11Pasteboard::Owner::beginTransfer(xcb_window_t requestor, xcb_atom_t prop
                           .property = property,
                           .type = converted.type,
                           .bytes = converted.bytes,
+                          .paste = paste,
                           .deadline = SteadyClock::now() + patience_.piece});
     listenTo(requestor, true);
     setNumbers(requestor, property, atoms_.increments,
@@ -538,6 +567,7 @@ void X11Pasteboard::Owner::continueTransfer(xcb_window_t requestor, xcb_atom_t p
     found->deadline = SteadyClock::now() + patience_.piece;
     // The empty piece says that it was the last.
     if (length == 0) {
+        tellFetched(found->paste, requestor);
         endTransfers([&](const Transfer& each) { return &each == &*found; });
     }
 }
@@ -564,6 +594,13 @@ void X11Pasteboard::Owner::listenTo(xcb_window_t requestor, bool isListening) {
     const std::uint32_t mask = isListening ? XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY
                                            : XCB_EVENT_MASK_NO_EVENT;
     xcb_change_window_attributes(connection_.get(), requestor, XCB_CW_EVENT_MASK, &mask);
+}
+
+void X11Pasteboard::Owner::tellFetched(Paste paste, xcb_window_t requestor) {
+    const std::lock_guard lock(fetchedMutex_);
+    if (onFetched_ && paste != 0) {
+        onFetched_(paste, requestor);
+    }
 }
 
 // It asks for the text in all the forms that it keeps, and then becomes the owner.
@@ -604,7 +641,34 @@ X11Pasteboard::X11Pasteboard(SystemLog& log, const std::string& displayName, Pat
 X11Pasteboard::~X11Pasteboard() = default;
 
 void X11Pasteboard::replaceContents(std::string_view text) {
-    if (!owner_ || !owner_->offer(std::string(text))) {
+    contents_ = text;
+    if (!pasted_) {
+        offer(*contents_, From::clipboard);
+    }
+}
+
+X11Pasteboard::Paste X11Pasteboard::beginPaste(const std::string& text, From from) {
+    pasted_ = text;
+    ++pastes_;
+    offer(text, from);
+    return pastes_;
+}
+
+void X11Pasteboard::endPaste() {
+    const auto pasted = std::exchange(pasted_, std::nullopt);
+    if (pasted && contents_ && pasted != contents_) {
+        offer(*contents_, From::clipboard);
+    }
+}
+
+void X11Pasteboard::setOnFetched(std::function<void(Paste paste, unsigned long requestor)> onFetched) {
+    if (owner_) {
+        owner_->setOnFetched(std::move(onFetched));
+    }
+}
+
+void X11Pasteboard::offer(const std::string& text, From from) {
+    if (!owner_ || !owner_->offer({text, pasted_ ? pastes_ : 0, from})) {
         log_.printLine("[TovikVoice] Failed to put the text on the clipboard");
     }
 }

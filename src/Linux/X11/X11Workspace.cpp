@@ -99,11 +99,18 @@ void X11Workspace::deactivateSelf() {
 
 bool X11Workspace::activate(const RunningApplication& application, unsigned) {
     activated_.reset();
+    if (!bringToFront(application)) {
+        return false;
+    }
+    activated_ = application;
+    return true;
+}
+
+bool X11Workspace::bringToFront(const RunningApplication& application) {
     const auto window = windowToActivate(application);
     if (window == None) {
         return false;
     }
-    activated_ = application;
     if (windows_->managerSupports("_NET_ACTIVE_WINDOW")) {
         askWindowManager(window);
     } else {
@@ -117,17 +124,9 @@ bool X11Workspace::isOwnProgramInFront() const {
     return windows_ && windows_->processIdentifier(windows_->activeWindow()) == ownProcess_;
 }
 
-bool X11Workspace::isActivatedInFront() const {
-    if (!activated_ || windowToActivate(*activated_) == None) {
-        return true;
-    }
-    return windows_->standsFor(windows_->activeWindow(), windowToActivate(*activated_));
-}
-
-void X11Workspace::activateAgain() {
-    if (const auto again = activated_) {
-        activate(*again, 0);
-    }
+bool X11Workspace::isInFront(const RunningApplication& application) const {
+    const auto window = windowToActivate(application);
+    return window == None || windows_->standsFor(windows_->activeWindow(), window);
 }
 
 bool X11Workspace::openUrl(const std::string& address) {

@@ -50,10 +50,13 @@ public:
 
     [[nodiscard]] bool isOwnProgramInFront() const;
 
-    /// Whether the window that was last activated is in front, or can no longer be. A dialog of that window
-    /// counts; another window of the same program does not.
-    [[nodiscard]] bool isActivatedInFront() const;
-    void activateAgain();
+    /// What activate() was last asked for; nothing since this program was hidden.
+    [[nodiscard]] const std::optional<RunningApplication>& activated() const { return activated_; }
+    /// Whether the application's window is in front, or can no longer be. A dialog of that window counts;
+    /// another window of the same program does not.
+    [[nodiscard]] bool isInFront(const RunningApplication& application) const;
+    /// As activate(), but what is remembered as activated stays. False when there is nothing to bring.
+    bool bringToFront(const RunningApplication& application);
 
     bool openUrl(const std::string& address) override;
     bool openFile(const std::string& path) override;

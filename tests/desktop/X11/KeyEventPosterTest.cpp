@@ -6,6 +6,7 @@
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11KeyEventPoster.h"
+#include "Linux/X11/X11Pasteboard.h"
 #include "Platform/Keyboard.h"
 #include "support/EventLoop.h"
 #include "support/ManualTime.h"
@@ -46,14 +47,27 @@ protected:
     }
 
     std::unique_ptr<X11KeyEventPoster> makePoster() {
-        return std::make_unique<X11KeyEventPoster>(
-            X11KeyEventPoster::Services{time_, defaults_, log_, posted_, [this] { return targetInFront_; },
-                                        [this] { ++broughtToFront_; }});
+        return std::make_unique<X11KeyEventPoster>(X11KeyEventPoster::Services{
+            .queue = time_,
+            .defaults = defaults_,
+            .log = log_,
+            .posted = posted_,
+            .pasteboard = pasteboard_,
+            .target = [this] { return target_; },
+            .isInFront = [this](const auto& target) { return target == inFront_; },
+            .bringToFront =
+                [this](const auto& target) { brought_.push_back(target.localizedName.value_or("")); },
+            .isTalkKeyHeldAlone = [this] { return isTalkKeyHeldAlone_; }});
     }
 
     void post() {
         poster_->post({EventSourceState::hidSystem, kVKeyCode, true, kCommandFlag}, EventTap::hid);
         poster_->post({EventSourceState::hidSystem, kVKeyCode, false, kCommandFlag}, EventTap::hid);
+    }
+
+    void post(const std::string& text) {
+        pasteboard_.replaceContents(text);
+        post();
     }
 
     /// The keys that went down in the window since the last call.
@@ -79,8 +93,13 @@ protected:
     MemoryUserDefaults defaults_;
     RecordingLog log_;
     PostedKeys posted_;
-    bool targetInFront_ = true;
-    int broughtToFront_ = 0;
+    X11Pasteboard pasteboard_{log_};
+    const RunningApplication editor_{std::nullopt, 1, "Editor", 0};
+    const RunningApplication mailer_{std::nullopt, 2, "Mailer", 0};
+    std::optional<RunningApplication> target_ = editor_;
+    RunningApplication inFront_ = editor_;
+    std::vector<std::string> brought_;
+    bool isTalkKeyHeldAlone_ = false;
     XUser user_;
     WindowProgram program_{"Editor", "text-editor"};
     std::unique_ptr<X11KeyEventPoster> poster_;
@@ -128,27 +147,34 @@ INSTANTIATE_TEST_SUITE_P(Rows, X11KeyEventPosterHeld,
                                          HeldKey{"altGr", "ISO_Level3_Shift", "de"}),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(X11KeyEventPosterTest, whenAModifierIsNeverReleased_pastesAfterTwoSecondsAllTheSame) {
+TEST_F(X11KeyEventPosterTest, whenAModifierIsNotReleasedForTenSeconds_pastesNothingAndSaysSo) {
+    int givenUp = 0;
+    const auto subscription = poster_->givenUp.add([&] { ++givenUp; });
     user_.press("Alt_L");
     (void)pressed();
-    post();
-    time_.advance(Seconds(1.99));
-    EXPECT_THAT(pressed(), IsEmpty());
+    post("text");
+    time_.advance(Seconds(9.99));
+    EXPECT_TRUE(poster_->isPosting());
+    EXPECT_EQ(givenUp, 0);
     time_.advance(Seconds(0.01));
-    EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x8", "Insert 0x9"));
-    EXPECT_THAT(log_.printed(), ElementsAre("[TovikVoice] Pasting although a modifier key is still held"));
-    EXPECT_TRUE(user_.heldKeys()[user_.keyCode("Alt_L")]) << "what the user holds stays held";
+    EXPECT_FALSE(poster_->isPosting());
+    EXPECT_EQ(givenUp, 1);
+    EXPECT_THAT(log_.printed(),
+                ElementsAre("[TovikVoice] The text was not pasted, since a modifier key was held: "
+                            "it is in the history"));
+    EXPECT_EQ(pasteboard_.contents(), "text");
+    user_.release("Alt_L");
     time_.advance(Seconds(10));
     EXPECT_THAT(pressed(), IsEmpty());
 }
 
-TEST_F(X11KeyEventPosterTest, whenControlIsNeverReleased_pastesAfterTwoSecondsWithWhatItMakesAPaste) {
+TEST_F(X11KeyEventPosterTest, whenControlIsHeldForTwoSeconds_pastesWithWhatItMakesAPaste) {
     user_.press("Control_R");
     (void)pressed();
     post();
-    time_.advance(Seconds(1.99));
+    time_.advance(Seconds(1.9));
     EXPECT_THAT(pressed(), IsEmpty());
-    time_.advance(Seconds(0.01));
+    time_.advance(Seconds(0.1));
     EXPECT_THAT(pressed(), ElementsAre("Control_L 0x4", "v 0x4"));
     EXPECT_TRUE(user_.heldKeys()[user_.keyCode("Control_R")]) << "what the user holds stays held";
     time_.advance(Seconds(10));
@@ -156,63 +182,200 @@ TEST_F(X11KeyEventPosterTest, whenControlIsNeverReleased_pastesAfterTwoSecondsWi
 }
 
 TEST_F(X11KeyEventPosterTest, whenAnotherWindowIsInFront_bringsTheTargetThereAndWaitsForIt) {
-    targetInFront_ = false;
+    inFront_ = mailer_;
     post();
-    EXPECT_EQ(broughtToFront_, 1);
+    EXPECT_THAT(brought_, ElementsAre("Editor"));
     time_.advance(Seconds(0.1));
     EXPECT_THAT(pressed(), IsEmpty());
-    targetInFront_ = true;
+    inFront_ = editor_;
     time_.advance(Seconds(0.02));
     EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
-    EXPECT_EQ(broughtToFront_, 1);
+    EXPECT_THAT(brought_, ElementsAre("Editor"));
     EXPECT_THAT(log_.printed(), IsEmpty());
 }
 
-TEST_F(X11KeyEventPosterTest, whenTheTargetNeverComesToTheFront_pastesAfterTwoSecondsAllTheSame) {
-    targetInFront_ = false;
-    post();
-    time_.advance(Seconds(1.99));
-    EXPECT_THAT(pressed(), IsEmpty());
+TEST_F(X11KeyEventPosterTest, whenTheTargetDoesNotComeToTheFront_itIsAskedForTwoSecondsAndWaitedForTen) {
+    inFront_ = mailer_;
+    post("text");
+    time_.advance(Seconds(2));
+    EXPECT_EQ(brought_.size(), 10U);
+    time_.advance(Seconds(7.99));
+    EXPECT_EQ(brought_.size(), 10U) << "nobody is called back for ever";
+    EXPECT_TRUE(poster_->isPosting());
     time_.advance(Seconds(0.01));
-    EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
+    EXPECT_THAT(pressed(), IsEmpty()) << "it is not for the one that is in front";
     EXPECT_THAT(log_.printed(),
-                ElementsAre("[TovikVoice] Pasting although the target app did not come to the front"));
+                ElementsAre("[TovikVoice] The text was not pasted, since its window did not come to "
+                            "the front: it is in the history"));
+}
+
+TEST_F(X11KeyEventPosterTest, whenTheUserComesBackToTheTarget_itGetsItsText) {
+    inFront_ = mailer_;
+    post("text");
+    time_.advance(Seconds(9));
+    EXPECT_THAT(pressed(), IsEmpty());
+    inFront_ = editor_;
+    time_.advance(Seconds(0.02));
+    EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
+    EXPECT_THAT(log_.printed(), IsEmpty());
+}
+
+TEST_F(X11KeyEventPosterTest, whenTheTalkKeyIsHeldAlone_pastesAtOnceBesideIt) {
+    user_.press("Control_R");
+    (void)pressed();
+    isTalkKeyHeldAlone_ = true;
+    post("text");
+    EXPECT_THAT(pressed(), ElementsAre("Control_L 0x4", "v 0x4"));
+    EXPECT_TRUE(user_.heldKeys()[user_.keyCode("Control_R")]) << "what the user holds stays held";
+}
+
+TEST_F(X11KeyEventPosterTest, whenPastesWaitForDifferentTargets_eachBringsItsOwn) {
+    user_.press("Super_L");
+    (void)pressed();
+    post("to the editor");
+    target_ = mailer_;
+    post("to the mailer");
+    target_.reset();
+    EXPECT_THAT(brought_, IsEmpty());
+    inFront_ = mailer_;
+    user_.release("Super_L");
+    time_.advance(Seconds(0.02));
+    EXPECT_THAT(brought_, ElementsAre("Editor"));
+    inFront_ = editor_;
+    time_.advance(Seconds(0.02));
+    EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
+    time_.advance(Seconds(1));
+    EXPECT_THAT(brought_, ElementsAre("Editor", "Mailer"));
+    EXPECT_THAT(pressed(), IsEmpty());
+    inFront_ = mailer_;
+    time_.advance(Seconds(0.02));
+    EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
 }
 
 TEST_F(X11KeyEventPosterTest, whenAModifierIsLetGoAndThatBringsAnotherWindow_waitsForTheTarget) {
     user_.press("Alt_L");
     (void)pressed();
     post();
-    EXPECT_EQ(broughtToFront_, 0) << "nobody takes the window away from somebody who is choosing one";
-    targetInFront_ = false;
+    EXPECT_THAT(brought_, IsEmpty()) << "nobody takes the window away from somebody who is choosing one";
+    inFront_ = mailer_;
     user_.release("Alt_L");
     time_.advance(Seconds(0.02));
     EXPECT_THAT(pressed(), IsEmpty());
-    EXPECT_EQ(broughtToFront_, 1);
-    targetInFront_ = true;
+    EXPECT_THAT(brought_, ElementsAre("Editor"));
+    inFront_ = editor_;
     time_.advance(Seconds(0.02));
     EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
 }
 
 TEST_F(X11KeyEventPosterTest, whenWhateverIsInFrontIsMeant_noTargetIsWaitedFor) {
-    targetInFront_ = false;
+    inFront_ = mailer_;
     poster_->post({EventSourceState::combinedSession, kVKeyCode, true, kCommandFlag},
                   EventTap::annotatedSession);
     EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
-    EXPECT_EQ(broughtToFront_, 0);
+    EXPECT_THAT(brought_, IsEmpty());
 }
 
-TEST_F(X11KeyEventPosterTest, whenTwoPastesWait_bothFollow) {
+TEST_F(X11KeyEventPosterTest, whenAWindowNeverFetchesItsText_theNextFollowsAfterASecond) {
     user_.press("Alt_L");
     (void)pressed();
-    post();
+    post("first");
     time_.advance(Seconds(0.5));
-    post();
+    post("second");
     EXPECT_THAT(pressed(), IsEmpty());
     user_.release("Alt_L");
     time_.advance(Seconds(0.02));
-    EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1", "Shift_L 0x0", "Insert 0x1"));
+    EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
+    time_.advance(Seconds(0.99));
+    EXPECT_THAT(pressed(), IsEmpty());
+    time_.advance(Seconds(0.01));
+    EXPECT_THAT(pressed(), ElementsAre("Shift_L 0x0", "Insert 0x1"));
+    time_.advance(Seconds(1));
+    EXPECT_FALSE(poster_->isPosting());
+    EXPECT_EQ(time_.pendingCount(), 0U);
 }
+
+/// The keyboard is that of a window that pastes.
+class X11KeyEventPosterFetched : public X11KeyEventPosterTest,
+                                 public testing::WithParamInterface<const char*> {
+protected:
+    X11KeyEventPosterFetched() { user_.focus(window_.window()); }
+
+    /// Until the window shows so many; meanwhile time moves on as fast as texts are fetched.
+    std::vector<std::string> texts(std::size_t count) {
+        EXPECT_TRUE(runUntil([&] {
+            time_.runPending();
+            time_.advance(window_.texts().size() > fetched_ ? Seconds(0.05) : Seconds(0));
+            fetched_ = window_.texts().size();
+            return fetched_ >= count;
+        }));
+        return window_.texts();
+    }
+
+    WindowProgram window_{"Editor", "editor", GetParam()};
+    std::size_t fetched_ = 0;
+};
+
+TEST_P(X11KeyEventPosterFetched, whenTextsArePostedAtOnce_eachArrivesOnceInItsOrder) {
+    for (const auto* const text : {"one", "two", "three"}) {
+        post(text);
+    }
+    pasteboard_.replaceContents("copied meanwhile");
+    EXPECT_THAT(texts(3), ElementsAre("one", "two", "three"));
+    EXPECT_TRUE(runUntil([&] {
+        time_.advance(Seconds(0.01));
+        return !poster_->isPosting();
+    }));
+    post();
+    EXPECT_THAT(texts(4), ElementsAre("one", "two", "three", "copied meanwhile"));
+}
+
+TEST_P(X11KeyEventPosterFetched, whenTextsWaitForAKeyToBeReleased_eachArrivesOnceInItsOrder) {
+    user_.press("Super_L");
+    for (const auto* const text : {"one", "two"}) {
+        post(text);
+        time_.advance(Seconds(0.5));
+    }
+    user_.release("Super_L");
+    time_.advance(Seconds(0.02));
+    EXPECT_THAT(texts(2), ElementsAre("one", "two"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Windows, X11KeyEventPosterFetched, testing::Values("pastes", "pastes-late"),
+                         [](const auto& row) {
+                             return std::string(row.param).substr(0, 6) +
+                                    (row.param == std::string("pastes") ? "AtOnce" : "Late");
+                         });
+
+struct PrimaryRow {
+    friend std::ostream& operator<<(std::ostream& out, const PrimaryRow& row) { return out << row.name; }
+
+    const char* name;
+    const char* className;
+    bool fromPrimary;
+};
+
+class X11KeyEventPosterPrimary : public X11KeyEventPosterTest,
+                                 public testing::WithParamInterface<PrimaryRow> {};
+
+TEST_P(X11KeyEventPosterPrimary, onlyWindowsThatPasteFromIt_changeThePrimarySelection) {
+    defaults_.set("platform.primaryPasters", {"other-paster", 5});
+    const WindowProgram window(GetParam().className);
+    user_.focus(window.window());
+    post("text");
+    QProcess xclip;
+    xclip.start("xclip", {"-o", "-selection", "primary"});
+    EXPECT_TRUE(runUntil([&] { return xclip.state() == QProcess::NotRunning; }));
+    EXPECT_EQ(xclip.readAllStandardOutput().toStdString(), GetParam().fromPrimary ? "text" : "");
+    user_.focus(program_.window());
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, X11KeyEventPosterPrimary,
+                         testing::Values(PrimaryRow{"editor", "Mousepad", false},
+                                         PrimaryRow{"xterm", "XTerm", true},
+                                         PrimaryRow{"vte", "Lxterminal", true},
+                                         PrimaryRow{"pterm", "pterm", true},
+                                         PrimaryRow{"listed", "Other-Paster", true}),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(X11KeyEventPosterTest, whenThePosterGoesWhileItWaits_nothingIsPressed) {
     user_.press("Alt_L");
@@ -408,7 +571,8 @@ TEST(X11Session, whenTheServerLacksXTest_saysThatPastingIsImpossibleAndNoEventIs
     MemoryUserDefaults defaults;
     RecordingLog log;
     PostedKeys posted;
-    X11KeyEventPoster poster({time, defaults, log, posted}, server.display());
+    X11Pasteboard pasteboard(log);
+    X11KeyEventPoster poster({time, defaults, log, posted, pasteboard}, server.display());
     EXPECT_EQ(poster.makeEvent(EventSourceState::hidSystem, kVKeyCode, true), std::nullopt);
     poster.post({EventSourceState::hidSystem, kVKeyCode, true, kCommandFlag}, EventTap::hid);
     EXPECT_EQ(time.pendingCount(), 0U);
@@ -424,7 +588,8 @@ TEST(X11Session, whenThereIsNoDisplay_saysSoAndNoEventIsMade) {
     MemoryUserDefaults defaults;
     RecordingLog log;
     PostedKeys posted;
-    X11KeyEventPoster poster({time, defaults, log, posted}, ":97531");
+    X11Pasteboard pasteboard(log);
+    X11KeyEventPoster poster({time, defaults, log, posted, pasteboard}, ":97531");
     EXPECT_EQ(poster.makeEvent(EventSourceState::hidSystem, kVKeyCode, true), std::nullopt);
 }
 

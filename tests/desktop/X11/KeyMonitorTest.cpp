@@ -6,6 +6,7 @@
 #include "Linux/X11/PostedKeys.h"
 #include "Linux/X11/X11KeyEventPoster.h"
 #include "Linux/X11/X11KeyMonitor.h"
+#include "Linux/X11/X11Pasteboard.h"
 #include "support/EventLoop.h"
 #include "support/ManualTime.h"
 #include "support/MemoryUserDefaults.h"
@@ -399,9 +400,25 @@ TEST_F(X11KeyMonitorTest, whenAKeyboardIsPulledOutWhileItsTalkKeyIsHeld_theTalkE
     EXPECT_THAT(told_, ElementsAre("touched", "talk key: Fn"));
 }
 
+TEST_F(X11KeyMonitorTest, theTalkKeyIsHeldAlone_whileNoOtherKeyIs) {
+    start();
+    EXPECT_FALSE(monitor_->isTalkKeyHeldAlone());
+    press("Control_R");
+    EXPECT_TRUE(monitor_->isTalkKeyHeldAlone());
+    press("c");
+    EXPECT_FALSE(monitor_->isTalkKeyHeldAlone());
+    release("c");
+    EXPECT_TRUE(monitor_->isTalkKeyHeldAlone());
+    release("Control_R");
+    EXPECT_FALSE(monitor_->isTalkKeyHeldAlone());
+    press("Control_L");
+    EXPECT_FALSE(monitor_->isTalkKeyHeldAlone());
+}
+
 TEST_F(X11KeyMonitorTest, whenWePressKeysOurselves_theyAreNotTold) {
     start();
-    X11KeyEventPoster poster({time_, defaults_, log_, posted_});
+    X11Pasteboard pasteboard(log_);
+    X11KeyEventPoster poster({time_, defaults_, log_, posted_, pasteboard});
     defaults_.set("platform.pasteChords", {{"editor", "Ctrl+Shift+V"}});
     press("Control_R");
     passGuardTime();
@@ -422,7 +439,8 @@ TEST_F(X11KeyMonitorTest, whenWePasteWhileTheTalkKeyIsGuarded_ourKeysDoNotDismis
     start();
     defaults_.set("platform.talkKey", "ISO_Level3_Shift");
     user_.setLayout("de");
-    X11KeyEventPoster poster({time_, defaults_, log_, posted_});
+    X11Pasteboard pasteboard(log_);
+    X11KeyEventPoster poster({time_, defaults_, log_, posted_, pasteboard});
     poster.post({EventSourceState::hidSystem, kVKeyCode, true, kCommandFlag}, EventTap::hid);
     press("ISO_Level3_Shift");
     passGuardTime();
@@ -434,7 +452,8 @@ TEST_F(X11KeyMonitorTest, whenOurStrokesNeverArrive_theUsersAreStillTold) {
     // The server drops the press of a key that is held already: the user's Shift is on the same test
     // keyboard.
     press("Shift_L");
-    X11KeyEventPoster poster({time_, defaults_, log_, posted_});
+    X11Pasteboard pasteboard(log_);
+    X11KeyEventPoster poster({time_, defaults_, log_, posted_, pasteboard});
     poster.post({EventSourceState::hidSystem, kVKeyCode, true, kCommandFlag}, EventTap::hid);
     runPendingEvents();
     time_.runPending();

@@ -216,7 +216,7 @@ private:
     std::unique_ptr<X11Connection> connection_ = std::move(X11Connection::open().value());
     X11Workspace workspace_{{queue_, "tovik-record", "Tovik Record", {}}};
     X11Pasteboard pasteboard_{log_};
-    X11KeyEventPoster poster_{{queue_, defaults_, log_, posted_}};
+    X11KeyEventPoster poster_{{queue_, defaults_, log_, posted_, pasteboard_}};
     std::map<std::string, std::unique_ptr<Running>> running_;
 };
 

@@ -22,6 +22,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <ostream>
 #include <stdexcept>
@@ -33,7 +34,10 @@ namespace {
 
 using namespace tovik;
 using namespace tovik::test;
+using testing::_;
 using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::IsSupersetOf;
 
 using Numbers = std::vector<std::uint32_t>;
@@ -259,7 +263,10 @@ private:
 
 class X11PasteboardTest : public testing::Test {
 protected:
+    using From = X11Pasteboard::From;
+
     void offer(const std::string& text) { pasteboard_->replaceContents(text); }
+    void offerInBoth(const std::string& text) { pasteboard_->beginPaste(text, From::clipboardAndPrimary); }
 
     static std::string longText(std::size_t size) {
         std::string text;
@@ -302,7 +309,7 @@ struct Form {
 class X11PasteboardForm : public X11PasteboardTest, public testing::WithParamInterface<Form> {};
 
 TEST_P(X11PasteboardForm, whenAskedFor_isGiven) {
-    offer(GetParam().text);
+    offerInBoth(GetParam().text);
     for (const auto* const selection : {"CLIPBOARD", "PRIMARY"}) {
         EXPECT_EQ(program_.paste(GetParam().target, selection), GetParam().found);
     }
@@ -470,11 +477,11 @@ TEST_F(X11PasteboardTest, whenAProgramTakesNoPieceForLong_isGivenUp) {
 TEST_F(X11PasteboardTest, whenAnotherProgramHasCopiedMeanwhile_oursReplacesTheirs) {
     for (const auto* const selection : {"CLIPBOARD", "PRIMARY"}) {
         for (int n = 0; n < 50; ++n) {
-            offer("ours");
+            offerInBoth("ours");
             program_.own(selection);
             EXPECT_EQ(program_.owner(selection), program_.window());
             const auto text = "ours again " + std::to_string(n);
-            offer(text);
+            offerInBoth(text);
             EXPECT_EQ(program_.text(selection), text);
         }
     }
@@ -482,7 +489,7 @@ TEST_F(X11PasteboardTest, whenAnotherProgramHasCopiedMeanwhile_oursReplacesTheir
 }
 
 TEST_F(X11PasteboardTest, whenAnotherProgramHasTheOneSelection_theOtherIsStillOurs) {
-    offer("ours");
+    offerInBoth("ours");
     program_.own("PRIMARY");
     EXPECT_EQ(program_.text("CLIPBOARD"), "ours");
     EXPECT_EQ(program_.owner("PRIMARY"), program_.window());
@@ -491,10 +498,11 @@ TEST_F(X11PasteboardTest, whenAnotherProgramHasTheOneSelection_theOtherIsStillOu
 TEST_F(X11PasteboardTest, whenTheUsersFieldsPasteAndCopy_itIsTheSameClipboard) {
     auto* const fields = QGuiApplication::clipboard();
     for (const auto& text : {std::string("dictated: größer"), longText(1'000'000)}) {
-        offer(text);
+        offerInBoth(text);
         EXPECT_TRUE(runUntil([&] { return fields->text().toStdString() == text; }));
         EXPECT_TRUE(runUntil([&] { return fields->text(QClipboard::Selection).toStdString() == text; }));
     }
+    pasteboard_->endPaste();
     fields->setText("copied");
     QProcess xclip;
     xclip.start("xclip", {"-o", "-selection", "clipboard"});
@@ -502,6 +510,68 @@ TEST_F(X11PasteboardTest, whenTheUsersFieldsPasteAndCopy_itIsTheSameClipboard) {
     EXPECT_EQ(xclip.readAllStandardOutput().toStdString(), "copied");
     offer("dictated again");
     EXPECT_TRUE(runUntil([&] { return fields->text() == "dictated again"; }));
+}
+
+TEST_F(X11PasteboardTest, whenATextIsPutThere_whatIsMarkedElsewhereStaysMarked) {
+    program_.own("PRIMARY");
+    offer("text");
+    pasteboard_->beginPaste("text", From::clipboard);
+    EXPECT_EQ(program_.owner("PRIMARY"), program_.window());
+    EXPECT_EQ(program_.text("CLIPBOARD"), "text");
+}
+
+TEST_F(X11PasteboardTest, whenATextIsPutThereDuringAPaste_thatPasteGetsItsOwn) {
+    offer("first");
+    pasteboard_->beginPaste("first", From::clipboard);
+    offer("second");
+    EXPECT_EQ(pasteboard_->contents(), "second");
+    EXPECT_EQ(program_.text(), "first");
+    pasteboard_->endPaste();
+    EXPECT_EQ(program_.text(), "second");
+    pasteboard_->beginPaste("first", From::clipboard);
+    EXPECT_EQ(program_.text(), "first");
+    pasteboard_->endPaste();
+    EXPECT_EQ(program_.text(), "second");
+}
+
+TEST_F(X11PasteboardTest, whenNothingElseWasPutThere_theTextOfThePasteStays) {
+    offer("text");
+    pasteboard_->beginPaste("text", From::clipboard);
+    pasteboard_->endPaste();
+    program_.own("CLIPBOARD");
+    pasteboard_->endPaste();
+    EXPECT_EQ(program_.owner("CLIPBOARD"), program_.window());
+}
+
+TEST_F(X11PasteboardTest, whenATextHasBeenFetched_tellsWhichAndByWhom) {
+    std::mutex mutex;
+    std::vector<std::pair<X11Pasteboard::Paste, unsigned long>> fetched;
+    const auto told = [&] {
+        const std::lock_guard lock(mutex);
+        return fetched;
+    };
+    pasteboard_->setOnFetched([&](X11Pasteboard::Paste paste, unsigned long requestor) {
+        const std::lock_guard lock(mutex);
+        fetched.emplace_back(paste, requestor);
+    });
+    offer("no paste");
+    (void)program_.text();
+    const auto first = pasteboard_->beginPaste("short", From::clipboard);
+    (void)program_.paste("TARGETS");
+    EXPECT_THAT(told(), IsEmpty());
+    (void)program_.paste("STRING");
+    EXPECT_THAT(told(), ElementsAre(std::pair(first, program_.window())));
+
+    const auto second = pasteboard_->beginPaste(longText(500'000), From::clipboard);
+    program_.ask(program_.window(), "UTF8_STRING");
+    EXPECT_EQ(program_.answer(program_.window()), "HERE");
+    while (!program_.takePiece(program_.window()).bytes.empty()) {
+        EXPECT_EQ(told().size(), 1U) << "not before the end";
+    }
+    EXPECT_THAT(told(), ElementsAre(_, std::pair(second, program_.window())));
+    pasteboard_->setOnFetched(nullptr);
+    (void)program_.text();
+    EXPECT_EQ(told().size(), 2U);
 }
 
 TEST_F(X11PasteboardTest, whenThereIsNoDisplay_saysSoInTheLog) {

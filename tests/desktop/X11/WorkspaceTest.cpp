@@ -146,10 +146,10 @@ TEST_F(X11WorkspaceTest, whenAnotherWindowOfTheTargetsProgramIsInFront_theTarget
     target.window = editor.window();
     ASSERT_TRUE(workspace_.activate(target, kOptions));
     ASSERT_TRUE(comesToFront(editor.window()));
-    EXPECT_TRUE(workspace_.isActivatedInFront());
+    EXPECT_TRUE(workspace_.isInFront(*workspace_.activated()));
     user_.clickInto(editor.secondWindow());
     ASSERT_TRUE(comesToFront(editor.secondWindow()));
-    EXPECT_FALSE(workspace_.isActivatedInFront());
+    EXPECT_FALSE(workspace_.isInFront(*workspace_.activated()));
 }
 
 TEST_F(X11WorkspaceTest, whenADialogOfTheTargetIsInFront_theTargetIs) {
@@ -160,17 +160,17 @@ TEST_F(X11WorkspaceTest, whenADialogOfTheTargetIsInFront_theTargetIs) {
     ASSERT_TRUE(workspace_.activate(target, kOptions));
     user_.clickInto(editor.secondWindow());
     ASSERT_TRUE(comesToFront(editor.secondWindow()));
-    EXPECT_TRUE(workspace_.isActivatedInFront());
+    EXPECT_TRUE(workspace_.isInFront(*workspace_.activated()));
 }
 
 TEST_F(X11WorkspaceTest, whenAnotherProgramIsInFront_theTargetIsNot) {
     WindowProgram editor("Editor");
     ASSERT_TRUE(comesToFront(editor));
     ASSERT_TRUE(workspace_.activate(*workspace_.frontmostApplication(), kOptions));
-    EXPECT_TRUE(workspace_.isActivatedInFront());
+    EXPECT_TRUE(workspace_.isInFront(*workspace_.activated()));
     WindowProgram other("Terminal");
     ASSERT_TRUE(comesToFront(other));
-    EXPECT_FALSE(workspace_.isActivatedInFront());
+    EXPECT_FALSE(workspace_.isInFront(*workspace_.activated()));
 }
 
 TEST_F(X11WorkspaceTest, whenAProgramIsInFront_itsIdIsItsClassInLowerCase) {
