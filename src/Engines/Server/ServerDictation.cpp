@@ -147,9 +147,8 @@ void ServerDictation::run() {
         job_.utterance->answer(resampler.error());
     }
     job_.server.reset();
-    // It lies about until the next dictation.
-    samples_ = {};
     isOver_ = true;
+    services_.over();
 }
 
 // --------------------------------------------------------------------------------------- the sound

@@ -80,6 +80,8 @@ public:
         std::function<void()> keyWasRefused;
         /// Lets another engine recognise a dictation that the server failed.
         std::function<void(const Job&, std::vector<std::int16_t>)> recogniseElsewhere;
+        /// Told when a dictation is over, which holds its sound as long as it lives.
+        std::function<void()> over;
     };
 
     ServerDictation(Job job, const Services& services);

@@ -105,6 +105,9 @@ ServerDictation::Services SpeechServerService::dictationServices() {
             recogniseElsewhere(job, samples);
         });
     auto lookUp = lifetime_.guard([this] { lookUpKey(); });
+    auto clearUp = lifetime_.guard([this] {
+        dictations_.remove_if([](const ServerDictation& dictation) { return dictation.isOver(); });
+    });
     return {.log = services_.log,
             .failedAudio = failedAudio_,
             .key = [this](const ServerSettings& settings) { return keyFor(settings); },
@@ -115,7 +118,8 @@ ServerDictation::Services SpeechServerService::dictationServices() {
                     queue.async([elsewhere, job, samples = std::move(samples)]() mutable {
                         elsewhere(job, samples);
                     });
-                }};
+                },
+            .over = [&queue, clearUp] { queue.async(clearUp); }};
 }
 
 std::shared_ptr<SpeechRecognizer> SpeechServerService::makeRecognizer(const std::string& localeIdentifier) {
@@ -257,7 +261,6 @@ std::string SpeechServerService::keyFor(const ServerSettings& settings) const {
 }
 
 void SpeechServerService::start(std::shared_ptr<Utterance> utterance, const std::string& locale) {
-    dictations_.remove_if([](const ServerDictation& dictation) { return dictation.isOver(); });
     const auto read = ServerSettings::read(services_.defaults);
     if (!read || !*read || !services_.isAllowed(read->value().address)) {
         refuse(std::move(utterance), whyUnavailable().value_or(""));

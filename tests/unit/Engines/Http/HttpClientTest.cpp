@@ -4,6 +4,7 @@
 #include "unit/Engines/Http/HttpFixture.h"
 
 #include <gmock/gmock.h>
+#include <malloc.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -291,6 +292,8 @@ TEST_F(HttpClientTest, whenItsTokenIsDropped_hangsUpAndSaysNothing) {
 }
 
 TEST_F(HttpClientTest, whenTheClientEnds_hangsUpAndSaysNothing) {
+    // What is freed is overwritten, so that it shows when a transfer is looked at after its end.
+    ::mallopt(M_PERTURB, 0xa5);
     server_.setHandler([](HttpExchange& exchange) { exchange.stall(); });
     std::atomic<int> answers{0};
     Subscription transfer;
@@ -299,6 +302,7 @@ TEST_F(HttpClientTest, whenTheClientEnds_hangsUpAndSaysNothing) {
         transfer = client.send(request(), [&](const HttpOutcome&) { ++answers; });
         ASSERT_TRUE(server_.waitForRequests(1));
     }
+    ::mallopt(M_PERTURB, 0);
     EXPECT_TRUE(comesTrue([this] { return server_.openConnections() == 0; }));
     EXPECT_EQ(answers, 0);
 }

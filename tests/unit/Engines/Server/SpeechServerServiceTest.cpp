@@ -4,6 +4,7 @@
 #include "unit/Engines/Server/SpeechServerFixture.h"
 
 #include <gmock/gmock.h>
+#include <malloc.h>
 #include <sys/stat.h>
 
 #include <atomic>
@@ -388,6 +389,28 @@ TEST_F(SpeechServerServiceTest, whenEndedWhileTheServerThinks_answersAndKeepsThe
     service_.reset();
     EXPECT_EQ(answers.waitForText(), "<Recognition was ended>");
     EXPECT_THAT(keptFiles(), SizeIs(1));
+}
+
+TEST_F(SpeechServerServiceTest, onceADictationIsOver_holdsItsSoundNoLonger) {
+    // What is sent of sound that never changes is next to nothing.
+    defaults_.set("platform.speech.serverFormat", "flac");
+    const auto inUse = [] { return ::mallinfo2().uordblks + ::mallinfo2().hblkhd; };
+    EXPECT_EQ(dictate(), "hello there");
+    time_.runPending();
+    const auto before = inUse();
+    {
+        const auto utterance = request();
+        for (int second = 0; second < 100; ++second) {
+            append(*utterance);
+        }
+        utterance->endAudio();
+        EXPECT_EQ(start(utterance).waitForText(), "hello there");
+    }
+    tasks_.clear();
+    EXPECT_TRUE(comesTrue([&] {
+        time_.runPending();
+        return inUse() < before + 1000000;
+    }));
 }
 
 TEST_F(SpeechServerServiceTest, whenASecondDictationComesBeforeTheFirstIsAnswered_answersBoth) {
