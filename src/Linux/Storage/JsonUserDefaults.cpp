@@ -87,9 +87,10 @@ bool isSame(const JsonDocument::Value& left, const JsonDocument::Value& right) {
 /// once.
 class SettingsView {
 public:
-    explicit SettingsView(std::string path) : path_(path), file_(std::move(path)) {}
+    SettingsView(std::string path, SystemLog& log) : path_(path), log_(log), file_(std::move(path)) {}
 
-    /// Takes in what has changed on the disk. Unreadable content is kept beside the file.
+    /// Takes in what has changed on the disk. Unreadable content is kept beside the file. What the user
+    /// should know of it is logged, once.
     void refresh();
 
     /// The change holds from now on. Null removes the key.
@@ -108,9 +109,6 @@ public:
     /// Fails as long as writing the file could lose what it holds.
     [[nodiscard]] Result<void> mayBeOverwritten();
 
-    /// What the user should know, once.
-    [[nodiscard]] std::vector<std::string> takeComplaints();
-
 private:
     struct Unsaved {
         JsonDocument::Value value;
@@ -121,14 +119,14 @@ private:
     void dropOvertaken();
     void layUnsavedOverFile();
     void keepUnreadableBytes();
-    void complain(std::string complaint);
+    void complain(const std::string& complaint);
 
     const std::string path_;
+    SystemLog& log_;
     JsonFile file_;
     std::map<std::string, Unsaved, std::less<>> unsaved_;
     std::shared_ptr<const JsonDocument> visible_ = std::make_shared<JsonDocument>();
     Result<void> keeping_;
-    std::vector<std::string> complaints_;
     std::string lastComplaint_;
 };
 
@@ -177,10 +175,6 @@ Result<void> SettingsView::mayBeOverwritten() {
     return keeping_;
 }
 
-std::vector<std::string> SettingsView::takeComplaints() {
-    return std::exchange(complaints_, {});
-}
-
 void SettingsView::dropOvertaken() {
     std::erase_if(unsaved_, [this](const auto& item) {
         return !isSame(file_.document()->find(item.first), item.second.replaced);
@@ -224,10 +218,9 @@ void SettingsView::keepUnreadableBytes() {
              keeping_.error().description + ", so nothing is saved until that works.");
 }
 
-void SettingsView::complain(std::string complaint) {
-    if (complaint != lastComplaint_) {
-        lastComplaint_ = complaint;
-        complaints_.push_back(std::move(complaint));
+void SettingsView::complain(const std::string& complaint) {
+    if (std::exchange(lastComplaint_, complaint) != complaint) {
+        log_.printLine("[TovikVoice] " + complaint);
     }
 }
 
@@ -235,7 +228,7 @@ JsonUserDefaults::JsonUserDefaults(std::string path, SystemLog& log, std::functi
     : path_(std::move(path)),
       log_(log),
       onUnsaved_(std::move(onUnsaved)),
-      view_(std::make_unique<SettingsView>(path_)) {}
+      view_(std::make_unique<SettingsView>(path_, log_)) {}
 
 JsonUserDefaults::~JsonUserDefaults() {
     // There is no next time.
@@ -260,28 +253,20 @@ void JsonUserDefaults::remove(std::string_view key) {
 }
 
 std::shared_ptr<const JsonDocument> JsonUserDefaults::newest() const {
-    std::shared_ptr<const JsonDocument> document;
-    std::vector<std::string> complaints;
-    {
-        const std::lock_guard lock(viewing_);
-        view_->refresh();
-        document = view_->document();
-        complaints = view_->takeComplaints();
-    }
-    for (const auto& complaint : complaints) {
-        complain(complaint);
-    }
-    return document;
+    const std::lock_guard lock(viewing_);
+    view_->refresh();
+    return view_->document();
 }
 
 bool JsonUserDefaults::isSaved(std::string_view key) const {
-    (void)newest();
     const std::lock_guard lock(viewing_);
+    view_->refresh();
     return !view_->hasUnsaved(key);
 }
 
 bool JsonUserDefaults::hasUnsaved() const {
     const std::lock_guard lock(viewing_);
+    view_->refresh();
     return view_->hasUnsaved();
 }
 
@@ -302,7 +287,6 @@ void JsonUserDefaults::change(std::string_view key, const JsonDocument::Value& v
 
 bool JsonUserDefaults::saveAgain(Seconds patience) {
     const std::lock_guard lock(writing_);
-    (void)newest();
     if (!hasUnsaved()) {
         return true;
     }
@@ -317,10 +301,10 @@ Result<void> JsonUserDefaults::save(const std::function<void()>& change, Seconds
     auto ready = prepareFolder();
     // Held until this function returns, so that no other process writes between our reading and writing.
     const auto lock = ready ? FileLock::acquire(path_ + ".lock", patience) : Result<FileLock>(ready.error());
-    (void)newest();
     std::shared_ptr<const JsonDocument> document;
     {
         const std::lock_guard viewing(viewing_);
+        view_->refresh();
         change();
         document = view_->document();
         ready = lock ? view_->mayBeOverwritten() : Result<void>(lock.error());

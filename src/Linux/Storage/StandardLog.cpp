@@ -6,7 +6,6 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -14,7 +13,6 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <cstring>
 
 namespace tovik {
 
@@ -58,27 +56,20 @@ std::string timestamp() {
     return {text.data(), ::strftime_l(text.data(), text.size(), "%b %e %H:%M:%S", &local, plain)};
 }
 
-UnixFd connectTo(const std::string& path) {
+sockaddr_un addressOf(const std::string& socketPath) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path) {
-        return {};
-    }
-    std::memcpy(address.sun_path, path.data(), path.size());
-    UnixFd socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    if (!socket ||
-        ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        return {};
-    }
-    return socket;
+    socketPath.copy(address.sun_path, sizeof address.sun_path - 1);
+    return address;
 }
 
 } // namespace
 
 StandardLog::StandardLog() : StandardLog(STDOUT_FILENO, STDERR_FILENO, "/dev/log") {}
 
-StandardLog::StandardLog(int outputFd, int errorFd, std::string syslogSocket)
-    : syslogSocket_(std::move(syslogSocket)),
+StandardLog::StandardLog(int outputFd, int errorFd, const std::string& syslogSocket)
+    : syslogAddress_(addressOf(syslogSocket)),
+      syslog_(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)),
       copiesToError_(::isatty(errorFd) == 1),
       output_{outputFd},
       errors_{errorFd} {
@@ -114,22 +105,15 @@ void StandardLog::logLine(std::string_view line) {
     }
 }
 
-bool StandardLog::sendToSyslog(std::string_view line) {
+bool StandardLog::sendToSyslog(std::string_view line) const {
     auto message = kSyslogPriority + timestamp() + " tovik-record[" + std::to_string(::getpid()) +
                    "]: " + std::string(line);
     // Everything after a NUL would be missing in the log.
     std::replace(message.begin(), message.end(), '\0', ' ');
-    for (const bool isReconnected : {false, true}) {
-        if (!socket_ || isReconnected) {
-            socket_ = connectTo(syslogSocket_);
-        }
-        // A log service that hangs must not hang this program.
-        if (socket_ &&
-            ::send(socket_.get(), message.data(), message.size(), MSG_NOSIGNAL | MSG_DONTWAIT) >= 0) {
-            return true;
-        }
-    }
-    return false;
+    // A log service that hangs must not hang this program. Without a connection to it, one that was started
+    // again is found again.
+    return ::sendto(syslog_.get(), message.data(), message.size(), MSG_NOSIGNAL | MSG_DONTWAIT,
+                    reinterpret_cast<const sockaddr*>(&syslogAddress_), sizeof syslogAddress_) >= 0;
 }
 
 } // namespace tovik

@@ -5,6 +5,8 @@
 #include "Platform/Posix.h"
 #include "Platform/SystemLog.h"
 
+#include <sys/un.h>
+
 #include <cstddef>
 #include <mutex>
 #include <string>
@@ -22,7 +24,7 @@ public:
     StandardLog();
     /// Borrows the descriptors. From now on the program ignores SIGPIPE: a reader that went away is no reason
     /// for it to end.
-    StandardLog(int outputFd, int errorFd, std::string syslogSocket);
+    StandardLog(int outputFd, int errorFd, const std::string& syslogSocket);
 
     void printLine(std::string_view line) override;
     void logLine(std::string_view line) override;
@@ -37,14 +39,14 @@ private:
     };
 
     static void writeLine(Output& output, std::string_view line);
-    [[nodiscard]] bool sendToSyslog(std::string_view line);
+    [[nodiscard]] bool sendToSyslog(std::string_view line) const;
 
-    const std::string syslogSocket_;
+    const sockaddr_un syslogAddress_;
+    const UnixFd syslog_;
     const bool copiesToError_;
     std::mutex mutex_;
     Output output_;
     Output errors_;
-    UnixFd socket_;
 };
 
 } // namespace tovik
