@@ -33,14 +33,29 @@ public:
     [[nodiscard]] std::optional<std::string> deviceName(std::uint32_t) const override { return std::nullopt; }
 };
 
-/// Nothing is ever due: what the audio manager queues is about microphones that come and go.
-class IdleMainQueue : public MainQueue {
+/// Nothing is ever due later: what the audio manager queues is about microphones that come and go.
+class WaitingMainQueue : public MainQueue {
 public:
-    /// At once: there is nothing else that the work could disturb.
-    void async(std::function<void()> work) override { work(); }
+    void async(std::function<void()> work) override {
+        const std::lock_guard lock(mutex_);
+        work_.push_back(std::move(work));
+    }
+    /// Does what was queued before this call.
+    void run() {
+        std::unique_lock lock(mutex_);
+        const auto work = std::exchange(work_, {});
+        lock.unlock();
+        for (const auto& one : work) {
+            one();
+        }
+    }
     void asyncAfter(Seconds, std::function<void()>) override {}
     [[nodiscard]] Subscription after(Seconds, std::function<void()>) override { return {}; }
     [[nodiscard]] Subscription every(Seconds, std::function<void()>) override { return {}; }
+
+private:
+    std::mutex mutex_;
+    std::vector<std::function<void()>> work_;
 };
 
 class WallClock : public Clock {

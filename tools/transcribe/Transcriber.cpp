@@ -81,7 +81,7 @@ Transcript Transcriber::transcribe(SoundFile sound) {
     engine_.waitUntilPlayed();
     const auto endOfSound = std::chrono::steady_clock::now();
     manager_.stop();
-    const auto outcome = watched_.waitForOutcome();
+    const auto outcome = watched_.waitForOutcome([this] { queue_.run(); });
     const auto processorUsed = processorTime() - processorBefore;
 
     if (!outcome) {

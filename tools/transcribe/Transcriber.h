@@ -3,9 +3,9 @@
 #pragma once
 
 #include "Audio/MacAudioManager.h"
+#include "Engines/SpeechEngines.h"
 #include "FileAudioEngine.h"
 #include "FileDesk.h"
-#include "Engines/SpeechEngines.h"
 #include "Linux/Storage/XdgFolders.h"
 #include "OwnSettings.h"
 #include "Speech/Text/FinalTextChain.h"
@@ -54,7 +54,7 @@ private:
     TranscriptionDictionary dictionary_;
     NoCaptureDevices devices_;
     NoAudioHardware hardware_;
-    IdleMainQueue queue_;
+    WaitingMainQueue queue_;
     WallClock clock_;
     const XdgFolders folders_;
     SpeechEngines recognition_;

@@ -10,6 +10,7 @@ namespace tovik {
 
 /// Sound that may wait for the recogniser, in seconds: as much as a microphone has on its way.
 constexpr double kBacklog = 0.1;
+constexpr std::chrono::milliseconds kLookAgain{2};
 
 class WatchedRecognizer : public SpeechRecognizer {
 public:
@@ -67,14 +68,19 @@ void WatchedSpeechService::expectUtterance() {
     state_->outcome.reset();
 }
 
-std::optional<WatchedSpeechService::Outcome> WatchedSpeechService::waitForOutcome() {
+std::optional<WatchedSpeechService::Outcome>
+WatchedSpeechService::waitForOutcome(const std::function<void()>& meanwhile) {
     std::unique_lock lock(state_->mutex);
-    state_->changed.wait(lock, [this] { return !state_->begun || state_->outcome; });
+    while (
+        !state_->changed.wait_for(lock, kLookAgain, [this] { return !state_->begun || state_->outcome; })) {
+        lock.unlock();
+        meanwhile();
+        lock.lock();
+    }
     return state_->outcome;
 }
 
 bool WatchedSpeechService::waitUntilKeptUp(const std::stop_token& stopped) {
-    constexpr std::chrono::milliseconds lookAgain{2};
     std::unique_lock lock(state_->mutex);
     while (!stopped.stop_requested()) {
         const auto request = state_->request.lock();
@@ -82,7 +88,7 @@ bool WatchedSpeechService::waitUntilKeptUp(const std::stop_token& stopped) {
             static_cast<double>(request->waitingFrames()) < kBacklog * request->sampleRate()) {
             return true;
         }
-        state_->changed.wait_for(lock, lookAgain);
+        state_->changed.wait_for(lock, kLookAgain);
     }
     return false;
 }

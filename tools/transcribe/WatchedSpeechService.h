@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -37,8 +38,9 @@ public:
 
     /// Forgets the utterance before; call ahead of each.
     void expectUtterance();
-    /// Waits for the end of the utterance, its handler included. Nothing when no utterance was begun.
-    [[nodiscard]] std::optional<Outcome> waitForOutcome();
+    /// Waits for the end of the utterance, its handler included, and does something again and again
+    /// meanwhile. Nothing when no utterance was begun.
+    [[nodiscard]] std::optional<Outcome> waitForOutcome(const std::function<void()>& meanwhile);
     /// Waits until the recogniser has taken nearly all of the sound so far; false when stopped before.
     [[nodiscard]] bool waitUntilKeptUp(const std::stop_token& stopped);
 
