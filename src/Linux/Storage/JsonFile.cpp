@@ -7,8 +7,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <functional>
 #include <utility>
 
@@ -24,25 +24,19 @@ constexpr int kDeepestNesting = 256;
 bool isNestedTooDeep(std::string_view text) {
     int depth = 0;
     bool inString = false;
-    for (std::size_t at = 0; at < text.size(); ++at) {
+    for (std::size_t at = 0; at < text.size() && depth <= kDeepestNesting; ++at) {
         const char byte = text[at];
-        if (inString) {
-            if (byte == '\\') {
-                ++at;
-            } else if (byte == '"') {
-                inString = false;
-            }
-        } else if (byte == '"') {
-            inString = true;
+        if (byte == '"') {
+            inString = !inString;
+        } else if (inString) {
+            at += byte == '\\' ? 1 : 0;
         } else if (byte == '[' || byte == '{') {
-            if (++depth > kDeepestNesting) {
-                return true;
-            }
+            ++depth;
         } else if (byte == ']' || byte == '}') {
             --depth;
         }
     }
-    return false;
+    return depth > kDeepestNesting;
 }
 
 std::string dump(const Json& value) {
@@ -53,40 +47,27 @@ constexpr off_t kLargestFile = 256 << 20;
 
 /// File times advance in steps of a few milliseconds: a file changed in place within the step in which it
 /// was read keeps its time.
-constexpr std::int64_t kTimeStepNanoseconds = 50'000'000;
-
-std::int64_t nanosecondsNow() {
-    return std::chrono::duration_cast<std::chrono::nanoseconds>(
-               std::chrono::system_clock::now().time_since_epoch())
-        .count();
-}
+constexpr std::chrono::milliseconds kTimeStep(50);
 
 std::size_t hashOf(std::string_view text) {
     return std::hash<std::string_view>()(text);
 }
 
 /// 0 or errno.
-int readAll(int fd, off_t expectedSize, std::string& content) {
-    content.resize(static_cast<std::size_t>(expectedSize) + 1);
-    std::size_t length = 0;
+int readAll(int fd, std::string& content) {
+    std::array<char, 16384> piece{};
     while (true) {
-        const auto got =
-            ::pread(fd, content.data() + length, content.size() - length, static_cast<off_t>(length));
-        if (got < 0 && errno != EINTR) {
-            return errno;
-        }
+        const auto got = ::pread(fd, piece.data(), piece.size(), static_cast<off_t>(content.size()));
         if (got == 0) {
-            content.resize(length);
             return 0;
         }
         if (got > 0) {
-            length += static_cast<std::size_t>(got);
-            if (length > static_cast<std::size_t>(kLargestFile)) {
-                return EFBIG;
-            }
-            if (length == content.size()) {
-                content.resize(length * 2);
-            }
+            content.append(piece.data(), static_cast<std::size_t>(got));
+        } else if (errno != EINTR) {
+            return errno;
+        }
+        if (content.size() > static_cast<std::size_t>(kLargestFile)) {
+            return EFBIG;
         }
     }
 }
@@ -161,9 +142,9 @@ std::optional<JsonFile::Identity> JsonFile::identityOf(const struct stat& status
     if (!S_ISREG(status.st_mode)) {
         return std::nullopt;
     }
-    return Identity{status.st_dev, status.st_ino,
-                    std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec,
-                    status.st_size};
+    const auto modified =
+        std::chrono::seconds(status.st_mtim.tv_sec) + std::chrono::nanoseconds(status.st_mtim.tv_nsec);
+    return Identity{status.st_dev, status.st_ino, Time(modified), status.st_size};
 }
 
 std::optional<JsonFile::Identity> JsonFile::identityOf(int fd) {
@@ -177,13 +158,7 @@ bool JsonFile::isAsLastSeen() const {
 }
 
 bool JsonFile::mayHaveChangedUnnoticed() const {
-    return std::abs(seenAtNanoseconds_ - seen_.modifiedNanoseconds) < kTimeStepNanoseconds;
-}
-
-std::chrono::system_clock::time_point JsonFile::unreadableSince() const {
-    return std::chrono::system_clock::time_point(
-        std::chrono::duration_cast<std::chrono::system_clock::duration>(
-            std::chrono::nanoseconds(seen_.modifiedNanoseconds)));
+    return std::chrono::abs(seenAt_ - seen_.modified) < kTimeStep;
 }
 
 bool JsonFile::refresh() {
@@ -225,16 +200,16 @@ bool JsonFile::readFrom(UnixFd file) {
     if (identity->size > kLargestFile) {
         return becomeUnreachable(EFBIG);
     }
-    const auto readAt = nanosecondsNow();
+    const auto readAt = std::chrono::system_clock::now();
     std::string content;
-    if (const auto code = readAll(file.get(), identity->size, content)) {
+    if (const auto code = readAll(file.get(), content)) {
         return becomeUnreachable(code);
     }
     const auto hash = hashOf(content);
     const bool isKnown = file_ && identity == seen_ && hash == seenHash_;
     file_ = std::move(file);
     seen_ = *identity;
-    seenAtNanoseconds_ = readAt;
+    seenAt_ = readAt;
     seenHash_ = hash;
     if (isKnown) {
         return false;
@@ -259,7 +234,7 @@ void JsonFile::adopt(std::shared_ptr<const JsonDocument> document, std::string_v
         file_ = std::move(file);
         seen_ = *identity;
         // Should somebody have changed the file since, its time is as young as this and it is read again.
-        seenAtNanoseconds_ = nanosecondsNow();
+        seenAt_ = std::chrono::system_clock::now();
         seenHash_ = hashOf(text);
     }
     state_ = State::readable;

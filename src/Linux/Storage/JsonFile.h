@@ -11,7 +11,6 @@
 
 #include <chrono>
 #include <cstddef>
-#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -90,13 +89,15 @@ public:
     [[nodiscard]] const Error& error() const { return *error_; }
     /// Only while unreadable: what is there instead, and since when.
     [[nodiscard]] const std::string& unreadableBytes() const { return unreadableBytes_; }
-    [[nodiscard]] std::chrono::system_clock::time_point unreadableSince() const;
+    [[nodiscard]] std::chrono::system_clock::time_point unreadableSince() const { return seen_.modified; }
 
 private:
+    using Time = std::chrono::system_clock::time_point;
+
     struct Identity {
         dev_t device = 0;
         ino_t inode = 0;
-        std::int64_t modifiedNanoseconds = 0;
+        Time modified;
         off_t size = 0;
 
         bool operator==(const Identity&) const = default;
@@ -119,7 +120,7 @@ private:
     /// Kept open, so that its inode number cannot come back as another file.
     UnixFd file_;
     Identity seen_;
-    std::int64_t seenAtNanoseconds_ = 0;
+    Time seenAt_;
     std::size_t seenHash_ = 0;
 };
 
