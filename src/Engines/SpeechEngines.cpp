@@ -116,16 +116,25 @@ std::shared_ptr<SpeechRecognizer> SpeechEngines::makeRecognizer(const std::strin
         server_.endServer();
     }
     std::shared_ptr<SpeechRecognizer> unavailable;
+    std::optional<std::string> whyServerIsAway;
     for (const auto engine : order()) {
         auto recognizer = make(engine, localeIdentifier);
         if (recognizer && recognizer->isAvailable()) {
+            if (whyServerIsAway) {
+                services_.log.logLine("[TovikVoice] " + *whyServerIsAway +
+                                      " Another engine recognises this dictation");
+            }
             return recognizer;
+        }
+        if (recognizer && engine == Engine::server) {
+            whyServerIsAway = server_.whyAway();
         }
         if (!unavailable) {
             unavailable = std::move(recognizer);
         }
     }
-    return unavailable;
+    // Nobody else knows the language, and whoever asks would take another one next.
+    return whyServerIsAway ? server_.makeRecognizerThatAsksAgain(localeIdentifier) : unavailable;
 }
 
 std::string SpeechEngines::currentLocaleIdentifier() const {

@@ -7,8 +7,12 @@
 #include "Platform/SystemLog.h"
 
 #include <cstdio>
+#include <functional>
+#include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace tovik {
 

@@ -55,7 +55,8 @@ struct HttpRequest {
     /// Redirections are not followed, since they could take what is sent to another place. A file without a
     /// key may be looked for elsewhere.
     bool followsRedirections = false;
-    /// The server is just being started: a connection that is refused is tried again, within limits.total.
+    /// The server is just being started: when the connection is refused, or the answer is that the service is
+    /// not available, it is asked again, within limits.total.
     bool isStarting = false;
     /// Where the body of the answer goes. What an earlier transfer left there is gone on with, if the server
     /// still has the same file; otherwise it is begun anew. The file beside it with ".etag" tells which it

@@ -115,7 +115,9 @@ bool HttpTransfer::isWorthAnother(const HttpOutcome& outcome, Seconds& pause) {
         if (response->status == kRangeNotSatisfiable && attempt_->offset() > 0) {
             return true;
         }
-        pause = retryAfter(*response).value_or(HttpLimits::unlimited);
+        // Servers say so while they load their model.
+        const bool isLoading = request_.isStarting && response->status == kUnavailable;
+        pause = retryAfter(*response).value_or(isLoading ? kStartPause : HttpLimits::unlimited);
         return hasTimeFor(pause);
     }
     const auto kind = std::get<HttpFailure>(outcome).kind;

@@ -42,11 +42,14 @@ std::shared_ptr<RecognitionRequest> requestWith(const RecognitionSettings& setti
 
 class ServerRecognizer : public SpeechRecognizer {
 public:
-    ServerRecognizer(SpeechServerService& service, std::string locale)
+    ServerRecognizer(SpeechServerService& service, std::string locale, bool asksAgain)
         : service_(service),
-          locale_(std::move(locale)) {}
+          locale_(std::move(locale)),
+          asksAgain_(asksAgain) {}
 
-    [[nodiscard]] bool isAvailable() const override { return !service_.whyUnavailable(); }
+    [[nodiscard]] bool isAvailable() const override {
+        return asksAgain_ ? !service_.whyNotToAsk() : !service_.whyUnavailable();
+    }
 
     [[nodiscard]] std::unique_ptr<RecognitionTask> startTask(std::shared_ptr<RecognitionRequest> request,
                                                              RecognitionHandler handler) override {
@@ -58,6 +61,7 @@ public:
 private:
     SpeechServerService& service_;
     const std::string locale_;
+    const bool asksAgain_;
 };
 
 std::optional<std::string> SpeechServerService::Health::whyBad() const {
@@ -123,20 +127,31 @@ ServerDictation::Services SpeechServerService::dictationServices() {
 }
 
 std::shared_ptr<SpeechRecognizer> SpeechServerService::makeRecognizer(const std::string& localeIdentifier) {
+    const auto locale = servedLocale(localeIdentifier);
+    return locale ? std::make_shared<ServerRecognizer>(*this, *locale, false) : nullptr;
+}
+
+std::shared_ptr<SpeechRecognizer>
+SpeechServerService::makeRecognizerThatAsksAgain(const std::string& localeIdentifier) {
+    const auto locale = servedLocale(localeIdentifier);
+    return locale ? std::make_shared<ServerRecognizer>(*this, *locale, true) : nullptr;
+}
+
+std::optional<std::string> SpeechServerService::servedLocale(const std::string& localeIdentifier) {
     const auto settings = ServerSettings::read(services_.defaults);
     if (!settings || !*settings) {
         endServer();
-        return nullptr;
+        return std::nullopt;
     }
     if (localeIdentifier.empty()) {
-        return nullptr;
+        return std::nullopt;
     }
-    const auto locale = canonicalLocaleIdentifier(localeIdentifier);
+    auto locale = canonicalLocaleIdentifier(localeIdentifier);
     const auto& served = settings->value().locales;
     if (std::find(served.begin(), served.end(), locale) == served.end()) {
-        return nullptr;
+        return std::nullopt;
     }
-    return std::make_shared<ServerRecognizer>(*this, locale);
+    return locale;
 }
 
 std::string SpeechServerService::currentLocaleIdentifier() const {
@@ -152,7 +167,7 @@ void SpeechServerService::prepare(const std::vector<std::string>& /*contextualSt
     }
 }
 
-std::optional<std::string> SpeechServerService::whyUnavailable() {
+std::optional<std::string> SpeechServerService::whyNotToAsk() const {
     const auto settings = ServerSettings::read(services_.defaults);
     if (!settings) {
         return "No speech server is set: give its address in \"platform.speech.serverUrl\".";
@@ -163,9 +178,22 @@ std::optional<std::string> SpeechServerService::whyUnavailable() {
     if (!services_.isAllowed(settings->value().address)) {
         return "You have not allowed that your speech is sent to " + settings->value().address.origin() + ".";
     }
+    return std::nullopt;
+}
+
+std::optional<std::string> SpeechServerService::whyAway() const {
+    return whyNotToAsk() ? std::nullopt : health_.whyBad();
+}
+
+std::optional<std::string> SpeechServerService::whyUnavailable() {
+    if (auto why = whyNotToAsk()) {
+        return why;
+    }
     auto why = health_.whyBad();
     if (why && health_.claimCheck()) {
-        check(settings->value());
+        if (const auto settings = ServerSettings::read(services_.defaults); settings && *settings) {
+            check(settings->value());
+        }
     }
     return why;
 }

@@ -50,6 +50,9 @@ public:
     /// They must not outlive the service.
     [[nodiscard]] std::shared_ptr<SpeechRecognizer>
     makeRecognizer(const std::string& localeIdentifier) override;
+    /// As makeRecognizer(), but available also while the server was found away: it is asked all the same.
+    [[nodiscard]] std::shared_ptr<SpeechRecognizer>
+    makeRecognizerThatAsksAgain(const std::string& localeIdentifier);
     [[nodiscard]] std::string currentLocaleIdentifier() const override;
     /// Looks whether the server is there, and starts it when it is ours to start.
     void prepare(const std::vector<std::string>& contextualStrings) override;
@@ -61,6 +64,8 @@ public:
     /// Why the server cannot be used, in a sentence for the user. Nothing while it can, or nobody knows yet.
     /// Looks again now and then, in the background.
     [[nodiscard]] std::optional<std::string> whyUnavailable();
+    /// The same, where the server was asked and it is the server's fault.
+    [[nodiscard]] std::optional<std::string> whyAway() const;
 
 private:
     friend class ServerRecognizer;
@@ -81,6 +86,9 @@ private:
         std::optional<std::chrono::steady_clock::time_point> checked_;
     };
 
+    [[nodiscard]] std::optional<std::string> servedLocale(const std::string& localeIdentifier);
+    /// Why nothing may be sent to the server, wherever it is.
+    [[nodiscard]] std::optional<std::string> whyNotToAsk() const;
     void start(std::shared_ptr<Utterance> utterance, const std::string& locale);
     void refuse(std::shared_ptr<Utterance> utterance, const std::string& why);
     void check(const ServerSettings& settings);

@@ -20,6 +20,7 @@ namespace tovik::test {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -140,6 +141,19 @@ TEST_F(SpeechEnginesTest, whenTheServerIsAway_theNextEngineRecognisesFromThenOn)
     // Nobody knows it yet.
     EXPECT_THAT(dictate(), HasSubstr("cannot be reached"));
     EXPECT_EQ(dictate(), "<No speech detected>");
+    EXPECT_THAT(log_.logged(), Contains(AllOf(HasSubstr("cannot be reached"),
+                                              HasSubstr("Another engine recognises this dictation"))));
+}
+
+TEST_F(SpeechEnginesTest, whenTheServerFailedAndNobodyElseKnowsTheLanguage_itIsAskedAgain) {
+    addPocketSphinx();
+    addServer();
+    server_.setHandler([](HttpExchange& exchange) { exchange.answerJson(500, "{}"); });
+    EXPECT_THAT(dictate("de-DE"), HasSubstr("error 500"));
+    EXPECT_THAT(dictate("de-DE"), HasSubstr("error 500"));
+    server_.setHandler(
+        [](HttpExchange& exchange) { exchange.answerJson(200, R"({"text": "from the server"})"); });
+    EXPECT_EQ(dictate("de-DE"), "from the server");
 }
 
 TEST_F(SpeechEnginesTest, whenNothingIsThere_saysWhatToInstall) {
@@ -158,8 +172,7 @@ TEST_F(SpeechEnginesTest, whenTheServerIsElsewhere_theUserIsAskedFirst) {
     addServerElsewhere();
     EXPECT_TRUE(engines().needsConsent());
     EXPECT_FALSE(engines().isRefused());
-    EXPECT_THAT(engines().consentText(),
-                HasSubstr("would be sent to the speech server https://0.0.0.0:1"));
+    EXPECT_THAT(engines().consentText(), HasSubstr("would be sent to the speech server https://0.0.0.0:1"));
     EXPECT_FALSE(engines().makeRecognizer("en-US")->isAvailable());
 }
 

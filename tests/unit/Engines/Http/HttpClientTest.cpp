@@ -261,6 +261,18 @@ TEST_F(HttpClientTest, aServerThatIsBeingStarted_isWaitedFor) {
     EXPECT_GT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(250));
 }
 
+TEST_F(HttpClientTest, aServerThatIsBeingStartedAndLoadsItsModel_isWaitedFor) {
+    std::atomic<int> questions{0};
+    server_.setHandler([&](HttpExchange& exchange) {
+        const bool isLoading = ++questions < 3;
+        exchange.answer(isLoading ? 503 : 200, "text/plain", isLoading ? "loading" : "ready");
+    });
+    auto question = request();
+    question.isStarting = true;
+    EXPECT_EQ(textOf(ask(question)), "ready");
+    EXPECT_EQ(questions, 3);
+}
+
 // --------------------------------------------------------------------------------- time, and ends
 
 TEST_F(HttpClientTest, aServerThatDoesNotAnswer_isGivenUp) {

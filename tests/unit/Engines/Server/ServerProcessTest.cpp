@@ -155,6 +155,22 @@ TEST_F(OurSpeechServer, whenTheServerIsOursToRun_startsItAndEndsItWithTheService
     EXPECT_NE(::kill(process, 0), 0);
 }
 
+TEST_F(OurSpeechServer, whileItLoadsItsModel_isAvailableAndTheDictationWaits) {
+    std::atomic<bool> isLoaded{false};
+    answerUploads([&](HttpExchange& exchange) { exchange.answerJson(isLoaded ? 200 : 503, kText); });
+    startServerOfOurs();
+    ASSERT_TRUE(server_.waitForRequests(2));
+    EXPECT_EQ(service().whyUnavailable(), std::nullopt);
+    const auto utterance = request();
+    append(*utterance);
+    utterance->endAudio();
+    const auto answers = start(utterance);
+    EXPECT_TRUE(comesTrue([this] { return !uploads().empty(); }));
+    EXPECT_THAT(answers.all(), testing::IsEmpty());
+    isLoaded = true;
+    EXPECT_EQ(answers.waitForText(), "hello there");
+}
+
 TEST_F(OurSpeechServer, whenTheSettingsGo_aServerOfOursEnds) {
     const auto process = startServerOfOurs();
     defaults_.remove("platform.speech.serverUrl");
