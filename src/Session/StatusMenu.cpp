@@ -16,7 +16,7 @@ namespace tovik {
 
 namespace {
 
-constexpr std::size_t kMostTranscripts = 8;
+constexpr std::size_t kMostInTheMenu = 8;
 
 bool looksAlike(const MenuItem& one, const MenuItem& other) {
     return one.title == other.title && one.representedText == other.representedText &&
@@ -195,7 +195,7 @@ TranscriptHistoryMenu::TranscriptHistoryMenu(const TranscriptHistoryStore& histo
 void TranscriptHistoryMenu::reloadTranscriptHistoryMenu() {
     std::vector<MenuItem> items;
     const auto& entries = history_.entries();
-    const auto count = std::min(entries.size(), kMostTranscripts);
+    const auto count = std::min(entries.size(), kMostInTheMenu);
     for (std::size_t i = 0; i < count; ++i) {
         const auto& text = entries[i].text;
         MenuItem item;

@@ -16,7 +16,7 @@ namespace tovik {
 
 namespace {
 
-constexpr std::size_t kMostTranscripts = 25;
+constexpr std::size_t kMostRemembered = 25;
 constexpr std::size_t kLogPreviewLength = 50;
 constexpr Seconds kHideToActivate{0.1};
 constexpr Seconds kActivateToPaste{0.18};
@@ -100,7 +100,7 @@ std::size_t TranscriptDelivery::keepWithoutPasting() {
 void TranscriptDelivery::remember(const std::string& corrected) {
     lastTranscript_ = corrected;
     transcriptHistory_.push_front(corrected);
-    if (transcriptHistory_.size() > kMostTranscripts) {
+    if (transcriptHistory_.size() > kMostRemembered) {
         transcriptHistory_.pop_back();
     }
     // The history keeps what was said, in the language in which it was said.
