@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "Audio/MacAudioManager.h"
 
-#include "Audio/DictationLocales.h"
-#include "Audio/LevelMeter.h"
+#include "Audio/DictationLanguage.h"
 #include "Audio/RecognitionRequest.h"
-#include "Audio/Vocabulary.h"
+#include "Audio/RecordingDisplay.h"
 
 #include <algorithm>
 #include <utility>

@@ -2,11 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Audio/AudioDevice.h"
 #include "Audio/Recorder.h"
 #include "Platform/AudioEngine.h"
 #include "Platform/MainQueue.h"
-#include "Platform/SoundDevices.h"
 #include "Platform/SpeechService.h"
 #include "Platform/Subscription.h"
 #include "Platform/SystemLog.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/SpeechEngines.h"
 
-#include "Audio/DictationLocales.h"
+#include "Audio/DictationLanguage.h"
 #include "Engines/Host/LocaleIdentifier.h"
 
 #include <algorithm>

@@ -6,7 +6,6 @@
 #include "Engines/Server/SpeechServerService.h"
 #include "Engines/Vosk/VoskService.h"
 #include "Platform/MainQueue.h"
-#include "Platform/SecretStore.h"
 #include "Platform/SpeechService.h"
 #include "Platform/UserDefaults.h"
 

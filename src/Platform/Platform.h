@@ -8,7 +8,6 @@
 #include "Platform/Keyboard.h"
 #include "Platform/MainQueue.h"
 #include "Platform/Screens.h"
-#include "Platform/SoundDevices.h"
 #include "Platform/SpeechService.h"
 #include "Platform/SystemLog.h"
 #include "Platform/TranslationService.h"

@@ -2,21 +2,42 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Audio/AudioDevice.h"
+#include "Audio/Recorder.h"
 #include "Platform/MainQueue.h"
-#include "Platform/Menu.h"
 #include "Platform/Subscription.h"
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/UserInterface.h"
+#include "Platform/Workspace.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tovik {
+
+/// The ways to the maker's web site. Main thread.
+class MakerLinks {
+public:
+    static constexpr std::string_view kWebHost = "tovik.example";
+
+    MakerLinks(Workspace& workspace, MainWindow& mainWindow, std::string_view webHost = kWebHost);
+
+    void openTovikVoiceUpdates();
+    /// Tells the user nothing, whether it works or not.
+    void openTovikAIWebsite();
+
+private:
+    /// Nothing when the host is none that an address can name.
+    [[nodiscard]] std::optional<std::string> url(std::string_view pathAndFragment) const;
+
+    Workspace& workspace_;
+    MainWindow& mainWindow_;
+    const std::string webHost_;
+};
 
 class MacAudioManager;
 class PushToTalk;

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/QtUserInterface.h"
 
-#include "UserInterface/Controls/Symbols.h"
-#include "UserInterface/Overlay/QtHintPanels.h"
+#include "UserInterface/Controls/Painting.h"
+#include "UserInterface/Overlay/FloatingPanel.h"
 #include "UserInterface/StatusItem/QtStatusItem.h"
 #include "UserInterface/Window/MainWindowController.h"
 #include "WaveformOverlay.h"

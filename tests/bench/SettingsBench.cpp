@@ -10,6 +10,7 @@
 #include <fcntl.h>
 
 #include <cstdio>
+#include <nlohmann/json.hpp>
 #include <string>
 
 namespace tovik::test {

@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 #include "SpeechServiceContract.h"
 
+#include "Audio/RecognitionRequest.h"
 #include "Engines/PocketSphinx/PocketSphinxService.h"
 #include "Engines/Server/SpeechServerService.h"
 #include "Engines/Vosk/VoskService.h"
-#include "Audio/RecognitionRequest.h"
 #include "support/FakeSpeechService.h"
 #include "support/HttpServer.h"
 #include "support/ManualTime.h"
@@ -19,6 +19,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <span>
 #include <thread>
 

@@ -11,6 +11,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 
 namespace tovik::test {

@@ -7,6 +7,7 @@
 #include "support/RecordingLog.h"
 
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 

@@ -7,6 +7,7 @@
 #include "support/RecordingLog.h"
 
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {

@@ -5,6 +5,7 @@
 #include "support/RecordingLog.h"
 
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <string_view>
 
 // The first byte says which steps are switched on; a line feed parts the filler list from the text.

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/SoundDevices.h"
+#include "Platform/AudioEngine.h"
 #include "Platform/Subscription.h"
 
 #include <cstdint>

@@ -3,11 +3,10 @@
 #pragma once
 
 #include "Audio/MacAudioManager.h"
-#include "UserInterface/StatusItem/QtMenu.h"
 #include "Session/PushToTalk.h"
 #include "Session/StatusMenu.h"
-#include "Session/TargetTracker.h"
 #include "Session/TranscriptDelivery.h"
+#include "UserInterface/StatusItem/QtMenu.h"
 #include "ui/WindowStage.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/Translation/TranslationLanguage.h"
+#include "Speech/Translation/TranslationManager.h"
 #include "UserInterface/Controls/Buttons.h"
 #include "UserInterface/Controls/Theme.h"
 #include "UserInterface/Controls/WindowSystem.h"
@@ -9,7 +9,6 @@
 #include "UserInterface/History/TranscriptHistorySection.h"
 #include "UserInterface/History/TranscriptHistoryTable.h"
 #include "UserInterface/Overlay/FloatingPanel.h"
-#include "UserInterface/Overlay/QtHintPanels.h"
 #include "UserInterface/Window/Accordion.h"
 #include "UserInterface/Window/HeaderView.h"
 #include "UserInterface/Window/MainWindowController.h"
@@ -35,6 +34,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 /// Takes the pictures of docs/screenshots on whatever X server it finds: take-screenshots calls it.

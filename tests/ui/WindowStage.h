@@ -4,10 +4,10 @@
 
 #include "Permissions/PermissionChecklist.h"
 #include "Permissions/PermissionRequests.h"
-#include "Session/MakerLinks.h"
+#include "Session/StatusMenu.h"
 #include "Speech/History/TranscriptHistoryBrowser.h"
 #include "Speech/History/TranscriptHistoryStore.h"
-#include "Speech/Text/FillerWords.h"
+#include "Speech/Text/FinalTextChain.h"
 #include "Speech/Text/TranscriptionDictionary.h"
 #include "UserInterface/Window/MainWindowController.h"
 #include "support/FakePlatform.h"

@@ -3,7 +3,6 @@
 #include "Linux/X11/X11Workspace.h"
 #include "UserInterface/Controls/WindowSystem.h"
 #include "UserInterface/Overlay/FloatingPanel.h"
-#include "UserInterface/Overlay/QtHintPanels.h"
 #include "UserInterface/Window/MainWindowController.h"
 #include "WaveformOverlay.h"
 #include "support/EventLoop.h"

@@ -2,11 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "RequestAnswerer.h"
 
-#include "Audio/LevelMeter.h"
-#include "Audio/Vocabulary.h"
-#include "Audio/WaveformBar.h"
+#include "Audio/DictationLanguage.h"
+#include "Audio/RecordingDisplay.h"
 #include "Speech/History/TranscriptHistoryStore.h"
-#include "Speech/Text/ElapsedTime.h"
 #include "Speech/Text/TranscriptionDictionary.h"
 #include "Speech/Text/Unicode.h"
 
@@ -14,6 +12,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 namespace tovik {

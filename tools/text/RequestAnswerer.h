@@ -7,6 +7,7 @@
 #include "Speech/Text/FinalTextChain.h"
 
 #include <map>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/AudioEngine.h"
 #include "Platform/MainQueue.h"
-#include "Platform/SoundDevices.h"
 #include "Platform/SystemLog.h"
 
 #include <cstdio>

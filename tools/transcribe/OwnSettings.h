@@ -6,6 +6,7 @@
 
 #include <map>
 #include <mutex>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 

@@ -5,7 +5,6 @@
 #include "Engines/Http/HttpClient.h"
 #include "Engines/Http/WebAddress.h"
 #include "Platform/MainQueue.h"
-#include "Platform/SecretStore.h"
 #include "Platform/Subscription.h"
 #include "Platform/SystemLog.h"
 #include "Platform/TranslationService.h"

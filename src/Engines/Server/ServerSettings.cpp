@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/Server/ServerSettings.h"
 
-#include "Audio/DictationLocales.h"
+#include "Audio/DictationLanguage.h"
 #include "Engines/Host/LocaleIdentifier.h"
 #include "Engines/Host/RecognitionError.h"
+
+#include <nlohmann/json.hpp>
 
 namespace tovik {
 

@@ -5,7 +5,6 @@
 #include "Engines/Server/ServerDictation.h"
 #include "Engines/Server/ServerProcess.h"
 #include "Platform/MainQueue.h"
-#include "Platform/SecretStore.h"
 #include "Platform/SpeechService.h"
 #include "Platform/Subscription.h"
 #include "Platform/SystemLog.h"

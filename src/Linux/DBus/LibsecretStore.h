@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Platform/MainQueue.h"
-#include "Platform/SecretStore.h"
+#include "Platform/UserDefaults.h"
 
 #include <memory>
 

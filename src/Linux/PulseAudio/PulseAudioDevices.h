@@ -3,9 +3,9 @@
 #pragma once
 
 #include "Linux/PulseAudio/SoundDirectory.h"
+#include "Platform/AudioEngine.h"
 #include "Platform/Authorization.h"
 #include "Platform/MainQueue.h"
-#include "Platform/SoundDevices.h"
 #include "Platform/Subscription.h"
 #include "Platform/UserDefaults.h"
 

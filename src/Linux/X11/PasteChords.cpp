@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <nlohmann/json.hpp>
 
 namespace tovik {
 namespace {

@@ -6,6 +6,7 @@
 #include "Platform/UserDefaults.h"
 
 #include <cstddef>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>

@@ -2,11 +2,104 @@
 // SPDX-License-Identifier: MIT
 #include "Speech/Text/FinalTextChain.h"
 
+#include "Speech/Text/PhraseReplacer.h"
 #include "Speech/Text/Unicode.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <utility>
+#include <vector>
 
 namespace tovik {
+
+namespace {
+
+/// Default lists of earlier days; whoever has one of them never chose it.
+constexpr std::array<std::string_view, 2> kStaleLists{
+    "you know, I mean, kind of, sort of, um, uh, erm, hmm",
+    "you know, i mean, kind of, sort of, um, uh, erm, hmm",
+};
+
+bool countsAsUnset(std::string_view list) {
+    return list.empty() || std::find(kStaleLists.begin(), kStaleLists.end(), list) != kStaleLists.end();
+}
+
+std::vector<PhraseReplacer::Rule> removalsOf(std::string_view list) {
+    std::vector<PhraseReplacer::Rule> removals;
+    const auto utf16 = toUtf16(list);
+    for (const auto piece : pieces(utf16, u',')) {
+        if (const auto word = trimmed(piece); !word.empty()) {
+            removals.push_back({std::u16string(word), u""});
+        }
+    }
+    return removals;
+}
+
+/// Runs of spaces become one, white space before , . ! ? ; : goes, and so does white space at both ends.
+std::u16string tidied(std::u16string_view text) {
+    constexpr std::u16string_view kMarks = u",.!?;:";
+    const auto single = withSingle(u' ', text);
+    std::u16string result;
+    for (const auto unit : single) {
+        if (kMarks.find(unit) != std::u16string_view::npos) {
+            while (!result.empty() && isWhiteSpace(result.back())) {
+                result.pop_back();
+            }
+        }
+        result += unit;
+    }
+    return std::u16string(trimmed(std::u16string_view(result)));
+}
+
+} // namespace
+
+FillerWords::FillerWords(UserDefaults& defaults) : defaults_(defaults) {}
+
+bool FillerWords::cleanupEnabled() const {
+    return defaults_.boolean(removeKey).value_or(false);
+}
+
+std::string FillerWords::fillerWords() {
+    const auto stored = defaults_.string(listKey);
+    if (stored && countsAsUnset(trimmed(std::string_view(*stored)))) {
+        defaults_.set(listKey, std::string(defaultList));
+    }
+    return effectiveList();
+}
+
+std::string FillerWords::saveFillerWords(std::string_view typed) {
+    const auto list = trimmed(typed);
+    defaults_.set(listKey, toUtf8(toUtf16(list.empty() ? defaultList : list)));
+    return fillerWords();
+}
+
+std::string FillerWords::removeConfiguredFillerWords(std::string_view text) const {
+    if (!cleanupEnabled()) {
+        return std::string(text);
+    }
+    auto utf16 = toUtf16(text);
+    removeConfiguredFillerWords(utf16);
+    return toUtf8(utf16);
+}
+
+void FillerWords::removeConfiguredFillerWords(std::u16string& text) const {
+    if (!cleanupEnabled()) {
+        return;
+    }
+    auto removals = removalsOf(effectiveList());
+    // Removing makes no text grow, so it always succeeds.
+    if (!removals.empty() && PhraseReplacer(std::move(removals)).apply(text)) {
+        text = tidied(text);
+    }
+}
+
+std::string FillerWords::effectiveList() const {
+    const auto stored = defaults_.string(listKey).value_or("");
+    const auto list = trimmed(std::string_view(stored));
+    return std::string(countsAsUnset(list) ? defaultList : list);
+}
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include "Speech/Text/Unicode.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
 

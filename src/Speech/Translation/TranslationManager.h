@@ -5,10 +5,8 @@
 #include "Platform/MainQueue.h"
 #include "Platform/Subscription.h"
 #include "Platform/SystemLog.h"
-#include "Platform/TextTranslator.h"
 #include "Platform/TranslationService.h"
 #include "Platform/UserDefaults.h"
-#include "Speech/Translation/TranslationLanguage.h"
 
 #include <deque>
 #include <functional>
@@ -17,6 +15,50 @@
 #include <vector>
 
 namespace tovik {
+
+/// A language to translate from or into.
+struct TranslationLanguage {
+    /// As translation services know it.
+    std::string id;
+    /// As the user reads it.
+    std::string name;
+
+    bool operator==(const TranslationLanguage&) const = default;
+};
+
+/// The languages that the user can choose, by name.
+[[nodiscard]] inline const std::vector<TranslationLanguage>& availableTranslationLanguages() {
+    static const std::vector<TranslationLanguage> languages{
+        {"ar", "Arabic"},
+        {"zh-Hans", "Chinese (Simplified)"},
+        {"zh-Hant", "Chinese (Traditional)"},
+        {"nl", "Dutch"},
+        {"en", "English"},
+        {"fr", "French"},
+        {"de", "German"},
+        {"hi", "Hindi"},
+        {"id", "Indonesian"},
+        {"it", "Italian"},
+        {"ja", "Japanese"},
+        {"ko", "Korean"},
+        {"pl", "Polish"},
+        {"pt-BR", "Portuguese (Brazil)"},
+        {"ru", "Russian"},
+        {"es", "Spanish"},
+        {"th", "Thai"},
+        {"tr", "Turkish"},
+        {"uk", "Ukrainian"},
+        {"vi", "Vietnamese"},
+    };
+    return languages;
+}
+
+inline constexpr const char* kTranslationEnabledKey = "TranslationEnabled";
+inline constexpr const char* kTranslationSourceLanguageKey = "TranslationSourceLanguage";
+inline constexpr const char* kTranslationTargetLanguageKey = "TranslationTargetLanguage";
+/// What counts while the user has chosen no language.
+inline constexpr const char* kDefaultSourceLanguage = "en";
+inline constexpr const char* kDefaultTargetLanguage = "es";
 
 /// Has transcripts translated between the languages that the user chose. A failure costs the translation and
 /// never the text: the completion gets no result, and the log says why. Main thread.

@@ -2,10 +2,11 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Corrections/CorrectionsEditor.h"
 
-#include "Audio/Vocabulary.h"
+#include "Audio/DictationLanguage.h"
 #include "Speech/Text/Unicode.h"
 
 #include <map>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace tovik {

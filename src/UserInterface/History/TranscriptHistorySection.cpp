@@ -6,7 +6,6 @@
 #include "UserInterface/Controls/Buttons.h"
 #include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/Painting.h"
-#include "UserInterface/Controls/Symbols.h"
 #include "UserInterface/Controls/Theme.h"
 #include "UserInterface/History/TranscriptHistoryTable.h"
 

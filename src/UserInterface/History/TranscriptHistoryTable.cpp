@@ -3,7 +3,6 @@
 #include "UserInterface/History/TranscriptHistoryTable.h"
 
 #include "UserInterface/Controls/Buttons.h"
-#include "UserInterface/Controls/OverlayScrollBar.h"
 #include "UserInterface/Controls/Painting.h"
 #include "UserInterface/Controls/Theme.h"
 

@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/MainQueue.h"
 #include "Platform/Screens.h"
+#include "Platform/UserInterface.h"
 #include "UserInterface/Controls/Theme.h"
 #include "UserInterface/Controls/WindowSystem.h"
 
@@ -64,6 +66,19 @@ private:
     QWidget* content_;
     ScaleEffect* scaleEffect_;
     std::unique_ptr<Shadow> shadow_;
+};
+
+/// Hint panels as windows of this desktop.
+class QtHintPanels : public HintPanels {
+public:
+    QtHintPanels(const Clock& clock, MainQueue& queue, const Compositing& compositing);
+
+    [[nodiscard]] std::unique_ptr<HintPanel> makePanel(const HintDescription& description) override;
+
+private:
+    const Clock& clock_;
+    MainQueue& queue_;
+    const Compositing& compositing_;
 };
 
 } // namespace tovik

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Permissions/TovikVoicePermission.h"
+#include "Permissions/PermissionChecklist.h"
 
 #include <QColor>
 #include <QWidget>

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace tovik {

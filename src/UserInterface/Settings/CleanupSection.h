@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Platform/UserDefaults.h"
-#include "Speech/Text/FillerWords.h"
+#include "Speech/Text/FinalTextChain.h"
 
 #include <QWidget>
 

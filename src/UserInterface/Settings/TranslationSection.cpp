@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Settings/TranslationSection.h"
 
-#include "Speech/Translation/TranslationLanguage.h"
+#include "Speech/Translation/TranslationManager.h"
 #include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/Painting.h"
-#include "UserInterface/Controls/Symbols.h"
 #include "UserInterface/Controls/Theme.h"
 
 #include <QGuiApplication>
@@ -16,6 +15,7 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace tovik {

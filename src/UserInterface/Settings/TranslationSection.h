@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/TextTranslator.h"
+#include "Platform/TranslationService.h"
 #include "Platform/UserDefaults.h"
 
 #include <QComboBox>

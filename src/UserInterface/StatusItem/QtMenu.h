@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Platform/Menu.h"
 #include "Platform/Subscription.h"
+#include "Platform/UserInterface.h"
 
 #include <map>
 #include <memory>

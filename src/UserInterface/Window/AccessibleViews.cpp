@@ -3,12 +3,12 @@
 #include "UserInterface/Window/AccessibleViews.h"
 
 #include "UserInterface/Controls/Buttons.h"
-#include "UserInterface/Controls/Symbols.h"
+#include "UserInterface/Controls/Painting.h"
 #include "UserInterface/History/TranscriptHistoryCell.h"
 #include "UserInterface/History/TranscriptHistoryTable.h"
 #include "UserInterface/Settings/TranslationSection.h"
-#include "UserInterface/Window/FixedWidthWindow.h"
 #include "UserInterface/Window/HeaderView.h"
+#include "UserInterface/Window/MainWindowLayout.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>

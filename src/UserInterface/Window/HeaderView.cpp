@@ -3,7 +3,7 @@
 #include "UserInterface/Window/HeaderView.h"
 
 #include "UserInterface/Controls/Buttons.h"
-#include "UserInterface/Controls/Symbols.h"
+#include "UserInterface/Controls/Painting.h"
 #include "UserInterface/Controls/Theme.h"
 #include "UserInterface/Window/MainWindowLayout.h"
 

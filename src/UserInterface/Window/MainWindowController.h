@@ -8,7 +8,7 @@
 #include "Platform/UserInterface.h"
 #include "Platform/Workspace.h"
 #include "UserInterface/Window/Accordion.h"
-#include "UserInterface/Window/FixedWidthWindow.h"
+#include "UserInterface/Window/MainWindowLayout.h"
 
 #include <functional>
 #include <memory>

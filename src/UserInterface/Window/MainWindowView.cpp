@@ -3,7 +3,6 @@
 #include "UserInterface/Window/MainWindowView.h"
 
 #include "UserInterface/Controls/Buttons.h"
-#include "UserInterface/Controls/OverlayScrollBar.h"
 #include "UserInterface/Controls/Painting.h"
 #include "UserInterface/Controls/Theme.h"
 #include "UserInterface/Window/HeaderView.h"

@@ -3,7 +3,6 @@
 #include "UserInterface/Window/ToastView.h"
 
 #include "UserInterface/Controls/Painting.h"
-#include "UserInterface/Controls/Symbols.h"
 #include "UserInterface/Controls/Theme.h"
 
 #include <QAccessible>

@@ -3,7 +3,7 @@
 #include "UserInterface/Window/Accordion.h"
 
 #include "UserInterface/Controls/Buttons.h"
-#include "UserInterface/Controls/Symbols.h"
+#include "UserInterface/Controls/Painting.h"
 #include "support/EventLoop.h"
 #include "support/ManualTime.h"
 
@@ -94,8 +94,8 @@ TEST_F(FadeEffectTest, ofATallView_showsThePartThatIsScrolledTo) {
     EXPECT_NEAR(colorAt(50).blue(), 228, 2);
 }
 
-const SectionHeader kHeader{
-    "Cleanup", "Remove filler words, pauses, and more", "paintbrush.fill", theme::rgb(0.15, 0.66, 0.28)};
+const SectionHeader kHeader{"Cleanup", "Remove filler words, pauses, and more", "paintbrush.fill",
+                            theme::rgb(0.15, 0.66, 0.28)};
 
 struct AccordionTest : testing::Test {
     test::ManualTime time;

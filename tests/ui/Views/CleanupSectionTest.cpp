@@ -14,6 +14,7 @@
 
 #include <gmock/gmock.h>
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 

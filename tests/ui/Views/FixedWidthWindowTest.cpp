@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/Window/FixedWidthWindow.h"
-
+#include "UserInterface/Window/MainWindowLayout.h"
 #include "support/ManualTime.h"
 
 #include <QCoreApplication>

@@ -4,7 +4,6 @@
 
 #include "UserInterface/Controls/Buttons.h"
 #include "UserInterface/Controls/Fields.h"
-#include "UserInterface/Controls/OverlayScrollBar.h"
 #include "UserInterface/Corrections/CorrectionsSection.h"
 #include "UserInterface/Permissions/PermissionsSection.h"
 #include "UserInterface/Settings/CleanupSection.h"
@@ -24,6 +23,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 namespace tovik {
 namespace {

@@ -3,7 +3,7 @@
 #include "UserInterface/Permissions/PermissionsSection.h"
 
 #include "UserInterface/Controls/Buttons.h"
-#include "UserInterface/Controls/Symbols.h"
+#include "UserInterface/Controls/Painting.h"
 #include "ui/WindowStage.h"
 
 #include <QImage>

@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/Overlay/QtHintPanels.h"
-
 #include "UserInterface/Overlay/FloatingPanel.h"
 #include "support/ManualTime.h"
 #include "ui/Views/FakeCompositing.h"

@@ -4,7 +4,7 @@
 #include "UserInterface/Controls/Theme.h"
 #include "UserInterface/Permissions/PermissionsSection.h"
 #include "UserInterface/Window/Accordion.h"
-#include "UserInterface/Window/FixedWidthWindow.h"
+#include "UserInterface/Window/MainWindowLayout.h"
 #include "UserInterface/Window/MainWindowView.h"
 #include "UserInterface/Window/ToastView.h"
 #include "ui/WindowStage.h"

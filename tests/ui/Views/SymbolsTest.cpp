@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/Controls/Symbols.h"
+#include "UserInterface/Controls/Painting.h"
 
 #include <QImage>
 

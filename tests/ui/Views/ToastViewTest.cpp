@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Window/ToastView.h"
 
-#include "UserInterface/Controls/Symbols.h"
+#include "UserInterface/Controls/Painting.h"
 #include "support/ManualTime.h"
 
 #include <QImage>

@@ -3,7 +3,6 @@
 #include "WaveformOverlay.h"
 
 #include "UserInterface/Overlay/FloatingPanel.h"
-#include "UserInterface/Overlay/WaveformView.h"
 #include "support/EventLoop.h"
 #include "support/FakeScreens.h"
 #include "support/FakeWorkspace.h"

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "UserInterface/Overlay/WaveformView.h"
-
+#include "WaveformOverlay.h"
 #include "support/EventLoop.h"
 #include "support/ProcessorTime.h"
 

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Audio/DictationLocales.h"
-#include "Audio/Vocabulary.h"
+#include "Audio/DictationLanguage.h"
 #include "AudioManagerFixture.h"
 
+#include <nlohmann/json.hpp>
 #include <numeric>
 
 namespace tovik::test {

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Audio/Vocabulary.h"
-
+#include "Audio/DictationLanguage.h"
 #include "support/MemoryUserDefaults.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
 #include <set>
 
 namespace tovik::test {

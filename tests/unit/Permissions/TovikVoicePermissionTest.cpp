@@ -1,7 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Permissions/TovikVoicePermission.h"
-
 #include "Permissions/PermissionChecklist.h"
 
 #include <gmock/gmock.h>

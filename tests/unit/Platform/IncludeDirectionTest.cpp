@@ -152,12 +152,12 @@ TEST(IncludeDirection, whenALowerLayerIncludesAHigherOne_isReported) {
 TEST(IncludeDirection, whenTheLogicIncludesAMechanismOrQt_isReported) {
     const SourceTree tree;
     tree.add("AppDelegate.cpp", "#include \"Linux/X11/X11KeyMonitor.h\"");
-    tree.add("Audio/LevelMeter.h", "#include <QString>");
+    tree.add("Audio/Recorder.h", "#include <QString>");
     tree.add("Session/DebugLog.cpp", "#include <QtCore/qstring.h>");
     tree.add("UserInterface/Theme.h", "#include <QColor>");
     EXPECT_THAT(
         wrongIncludes(tree.root()),
-        ElementsAre(HasSubstr("AppDelegate.cpp"), HasSubstr("LevelMeter.h"), HasSubstr("DebugLog.cpp")));
+        ElementsAre(HasSubstr("AppDelegate.cpp"), HasSubstr("Recorder.h"), HasSubstr("DebugLog.cpp")));
 }
 
 TEST(IncludeDirection, whenOneMechanismIncludesAnother_isReported) {

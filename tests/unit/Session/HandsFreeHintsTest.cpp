@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Session/HandsFreeHints.h"
-
+#include "Session/PushToTalk.h"
 #include "support/FakeScreens.h"
 #include "support/FakeUserInterface.h"
 #include "support/ManualTime.h"

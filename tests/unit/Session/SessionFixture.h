@@ -4,7 +4,6 @@
 
 #include "Permissions/PermissionChecklist.h"
 #include "Permissions/PermissionRequests.h"
-#include "Session/TargetTracker.h"
 #include "Session/TranscriptDelivery.h"
 #include "Speech/History/TranscriptHistoryStore.h"
 #include "Speech/Text/TranscriptionDictionary.h"

@@ -3,12 +3,13 @@
 #include "Session/StatusMenu.h"
 
 #include "Audio/MacAudioManager.h"
-#include "Session/MakerLinks.h"
 #include "Session/PushToTalk.h"
 #include "unit/Session/SessionFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
 
 namespace tovik {
 namespace {

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Session/TargetTracker.h"
-
+#include "Session/TranscriptDelivery.h"
 #include "support/FakeWorkspace.h"
 
 #include <gtest/gtest.h>

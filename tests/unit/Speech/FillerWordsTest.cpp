@@ -1,11 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Speech/Text/FillerWords.h"
-
 #include "Rows.h"
+#include "Speech/Text/FinalTextChain.h"
 #include "support/MemoryUserDefaults.h"
 
 #include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
 
 namespace tovik::test {
 

@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include <nlohmann/json.hpp>
 #include <thread>
 #include <vector>
 

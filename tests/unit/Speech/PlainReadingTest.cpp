@@ -11,6 +11,7 @@
 #include <unicode/unistr.h>
 #include <unicode/utf16.h>
 
+#include <nlohmann/json.hpp>
 #include <random>
 #include <string>
 #include <vector>

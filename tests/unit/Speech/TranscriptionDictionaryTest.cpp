@@ -8,6 +8,8 @@
 
 #include <gmock/gmock.h>
 
+#include <nlohmann/json.hpp>
+
 namespace tovik::test {
 
 namespace {

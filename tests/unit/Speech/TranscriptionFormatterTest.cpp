@@ -9,6 +9,8 @@
 
 #include <gmock/gmock.h>
 
+#include <nlohmann/json.hpp>
+
 namespace tovik::test {
 
 namespace {

@@ -10,6 +10,8 @@
 
 #include <gmock/gmock.h>
 
+#include <nlohmann/json.hpp>
+
 namespace tovik {
 namespace {
 

@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: MIT
 #include "RequestAnswerer.h"
 
-#include "unit/Speech/Rows.h"
 #include "support/RecordingLog.h"
+#include "unit/Speech/Rows.h"
 
 #include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
 
 namespace tovik::test {
 

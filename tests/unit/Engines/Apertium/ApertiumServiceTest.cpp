@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/Apertium/ApertiumService.h"
 
-#include "Speech/Translation/TranslationLanguage.h"
+#include "Speech/Translation/TranslationManager.h"
 #include "support/ManualTime.h"
 #include "support/TemporaryFolder.h"
 

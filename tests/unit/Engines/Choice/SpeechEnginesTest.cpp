@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/SpeechEngines.h"
 
-#include "Audio/DictationLocales.h"
+#include "Audio/DictationLanguage.h"
 #include "Audio/RecognitionRequest.h"
 #include "support/HttpServer.h"
 #include "support/ManualTime.h"
@@ -15,6 +15,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 namespace tovik::test {
 namespace {

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <optional>
 
 namespace tovik::test {

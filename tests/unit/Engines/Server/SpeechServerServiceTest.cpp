@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Audio/DictationLocales.h"
+#include "Audio/DictationLanguage.h"
 #include "unit/Engines/Server/SpeechServerFixture.h"
 
 #include <gmock/gmock.h>

@@ -15,6 +15,7 @@
 #include <array>
 #include <chrono>
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <random>
 
 namespace tovik::test {

@@ -19,6 +19,7 @@
 #include <atomic>
 #include <climits>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <thread>
 
 namespace tovik::test {

@@ -8,6 +8,7 @@
 #include <X11/keysym.h>
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
