@@ -3,6 +3,7 @@
 #include "WaveformOverlay.h"
 
 #include "Audio/RecordingDisplay.h"
+#include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/Theme.h"
 #include "UserInterface/Overlay/FloatingPanel.h"
 
@@ -187,9 +188,7 @@ void WaveformOverlay::makeWindow() {
 
     elapsedLabel_ = new TabularDigitsLabel(QStringLiteral("0:00"), &window_->content());
     elapsedLabel_->setFont(theme::font(theme::kPillTextSize, FontWeight::medium));
-    QPalette palette = elapsedLabel_->palette();
-    palette.setColor(QPalette::WindowText, theme::kPillText);
-    elapsedLabel_->setPalette(palette);
+    setInk(*elapsedLabel_, theme::kPillText);
     elapsedLabel_->setAccessibleName(QStringLiteral("Elapsed recording time"));
 
     waveformView_ = new WaveformView(&window_->content());

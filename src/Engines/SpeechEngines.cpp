@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace tovik {

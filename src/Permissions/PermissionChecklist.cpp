@@ -36,6 +36,7 @@ struct Look {
     RgbColor tint;
 };
 
+constexpr RgbColor kButtonTint{0.33, 0.3, 0.92};
 constexpr RgbColor kGreen{0.12, 0.55, 0.24};
 constexpr RgbColor kAmber{0.95, 0.56, 0.12};
 constexpr RgbColor kRed{0.78, 0.18, 0.16};
@@ -52,6 +53,22 @@ constexpr std::array<Look, 6> kLooks{{
 
 const Look& lookOf(TovikVoicePermissionState state) {
     return kLooks[static_cast<std::size_t>(state)];
+}
+
+template <typename Status>
+TovikVoicePermissionState stateOf(Status status) {
+    switch (status) {
+    case Status::notDetermined:
+        return TovikVoicePermissionState::notDetermined;
+    case Status::restricted:
+        return TovikVoicePermissionState::restricted;
+    case Status::denied:
+        return TovikVoicePermissionState::denied;
+    case Status::authorized:
+        return TovikVoicePermissionState::granted;
+    default:
+        return TovikVoicePermissionState::unknown;
+    }
 }
 
 } // namespace
@@ -84,40 +101,12 @@ RgbColor tint(TovikVoicePermissionState state) {
     return lookOf(state).tint;
 }
 
-namespace {
-
-constexpr RgbColor kButtonTint{0.33, 0.3, 0.92};
-
-} // namespace
-
 TovikVoicePermissionState microphoneState(MicrophoneStatus status) {
-    switch (status) {
-    case MicrophoneStatus::notDetermined:
-        return TovikVoicePermissionState::notDetermined;
-    case MicrophoneStatus::restricted:
-        return TovikVoicePermissionState::restricted;
-    case MicrophoneStatus::denied:
-        return TovikVoicePermissionState::denied;
-    case MicrophoneStatus::authorized:
-        return TovikVoicePermissionState::granted;
-    case MicrophoneStatus::unknown:
-        break;
-    }
-    return TovikVoicePermissionState::unknown;
+    return stateOf(status);
 }
 
 TovikVoicePermissionState speechState(SpeechStatus status) {
-    switch (status) {
-    case SpeechStatus::notDetermined:
-        return TovikVoicePermissionState::notDetermined;
-    case SpeechStatus::restricted:
-        return TovikVoicePermissionState::restricted;
-    case SpeechStatus::denied:
-        return TovikVoicePermissionState::denied;
-    case SpeechStatus::authorized:
-        return TovikVoicePermissionState::granted;
-    }
-    return TovikVoicePermissionState::unknown;
+    return stateOf(status);
 }
 
 std::string detailText(TovikVoicePermission permission, TovikVoicePermissionState state) {
@@ -181,8 +170,7 @@ bool PermissionChecklist::hasPendingPermissions() const {
 std::string PermissionChecklist::hintText() const {
     if (authorization_.isProcessTrusted()) {
         return "Grant these once so Tovik Record can listen, transcribe, and paste back into the app you "
-               "were "
-               "using.";
+               "were using.";
     }
     if (isRunningFromUninstalledLocation()) {
         return "Accessibility setup: 1. Open installer  2. Drag Tovik Record into Applications  3. Quit this "

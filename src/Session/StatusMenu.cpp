@@ -22,6 +22,40 @@ bool isHostCharacter(char character) {
            (character >= '0' && character <= '9') || character == '.' || character == '-';
 }
 
+constexpr std::size_t kMostInTheMenu = 8;
+
+bool looksAlike(const MenuItem& one, const MenuItem& other) {
+    return one.title == other.title && one.representedText == other.representedText &&
+           one.isChecked == other.isChecked;
+}
+
+/// Checks the items for which isChecked says so, and leaves a menu alone that says so already.
+template <typename Predicate>
+void checkItems(Menu& menu, Predicate isChecked) {
+    auto items = menu.items();
+    for (auto& item : items) {
+        item.isChecked = isChecked(item);
+    }
+    if (!std::ranges::equal(items, menu.items(), looksAlike)) {
+        menu.setItems(std::move(items));
+    }
+}
+
+MenuItem submenuItem(const char* title, std::shared_ptr<Menu> submenu) {
+    MenuItem item;
+    item.title = title;
+    item.submenu = std::move(submenu);
+    return item;
+}
+
+MenuItem actionItem(const char* title, std::function<void()> action, const char* keyEquivalent = "") {
+    MenuItem item;
+    item.title = title;
+    item.action = std::move(action);
+    item.keyEquivalent = keyEquivalent;
+    return item;
+}
+
 } // namespace
 
 MakerLinks::MakerLinks(Workspace& workspace, MainWindow& mainWindow, std::string_view webHost)
@@ -49,32 +83,6 @@ std::optional<std::string> MakerLinks::url(std::string_view pathAndFragment) con
     const bool isHost = !webHost_.empty() && std::all_of(webHost_.begin(), webHost_.end(), isHostCharacter);
     return isHost ? std::optional("https://" + webHost_ + std::string(pathAndFragment)) : std::nullopt;
 }
-
-namespace {
-
-constexpr std::size_t kMostInTheMenu = 8;
-
-bool looksAlike(const MenuItem& one, const MenuItem& other) {
-    return one.title == other.title && one.representedText == other.representedText &&
-           one.isChecked == other.isChecked;
-}
-
-MenuItem submenuItem(const char* title, std::shared_ptr<Menu> submenu) {
-    MenuItem item;
-    item.title = title;
-    item.submenu = std::move(submenu);
-    return item;
-}
-
-MenuItem actionItem(const char* title, std::function<void()> action, const char* keyEquivalent = "") {
-    MenuItem item;
-    item.title = title;
-    item.action = std::move(action);
-    item.keyEquivalent = keyEquivalent;
-    return item;
-}
-
-} // namespace
 
 StatusMenu::StatusMenu(const Platform& platform, MainWindow& mainWindow, MacAudioManager& recorder,
                        PushToTalk& pushToTalk, TranscriptDelivery& delivery,
@@ -141,16 +149,7 @@ void InputDeviceMenu::showDevices(const std::vector<AudioDevice>& devices) {
 }
 
 void InputDeviceMenu::checkDevice(const AudioDevice& device) {
-    auto items = menu_->items();
-    bool changed = false;
-    for (auto& item : items) {
-        const bool isChecked = item.representedText == device.id;
-        changed = changed || isChecked != item.isChecked;
-        item.isChecked = isChecked;
-    }
-    if (changed) {
-        menu_->setItems(std::move(items));
-    }
+    checkItems(*menu_, [&device](const MenuItem& item) { return item.representedText == device.id; });
 }
 
 void InputDeviceMenu::selectAudioDevice(const AudioDevice& device) {
@@ -202,19 +201,10 @@ void LanguageMenu::languageMenuSelected(std::optional<std::string> localeIdentif
 }
 
 void LanguageMenu::showStoredChoice() {
-    const auto chosen = defaults_.string(kSelectedDictationLocaleKey);
-    auto items = menu_->items();
-    bool changed = false;
-    for (auto& item : items) {
+    checkItems(*menu_, [chosen = defaults_.string(kSelectedDictationLocaleKey)](const MenuItem& item) {
         // Only the first item, which detects the language, stands for no identifier.
-        const bool isChecked =
-            !item.isSeparator && (item.representedText.empty() ? !chosen : item.representedText == chosen);
-        changed = changed || isChecked != item.isChecked;
-        item.isChecked = isChecked;
-    }
-    if (changed) {
-        menu_->setItems(std::move(items));
-    }
+        return !item.isSeparator && (item.representedText.empty() ? !chosen : item.representedText == chosen);
+    });
 }
 
 // ------------------------------------------------------------------------------------- history

@@ -155,12 +155,8 @@ void HoverFillButton::paintGround(QPainter& painter) {
     if (alpha <= 0) {
         return;
     }
-    QColor fill = contentTint();
-    fill.setAlphaF(static_cast<float>(alpha));
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(fill);
-    const double radius = std::min<double>(kLargestRadius, std::min(width(), height()) / 2.0);
-    painter.drawRoundedRect(rect(), radius, radius);
+    fillRounded(painter, rect(), theme::withAlpha(contentTint(), alpha),
+                std::min<double>(kLargestRadius, std::min(width(), height()) / 2.0));
 }
 
 void HoverLinkButton::setHasGround(bool hasGround) {
@@ -188,12 +184,8 @@ void HoverLinkButton::paintGround(QPainter& painter) {
     if (!hasGround_) {
         return;
     }
-    QColor ground = contentTint();
     const double alpha = isDown() ? kPressedGroundAlpha : isHovered() ? kHoverGroundAlpha : kGroundAlpha;
-    ground.setAlphaF(static_cast<float>(alpha));
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(ground);
-    painter.drawRoundedRect(rect(), kGroundRadius, kGroundRadius);
+    fillRounded(painter, rect(), theme::withAlpha(contentTint(), alpha), kGroundRadius);
 }
 
 namespace {
@@ -235,15 +227,12 @@ void OverlayScrollBar::paintEvent(QPaintEvent* /*event*/) {
     const double length = std::max<double>(kShortestHandle, height() * pageStep() / whole);
     const double travel = height() - length;
     const double begin = maximum() > minimum() ? travel * (value() - minimum()) / (maximum() - minimum()) : 0;
-    QColor ink = palette().color(QPalette::WindowText);
-    ink.setAlphaF(static_cast<float>(underMouse() || isSliderDown() ? kHandleHoverAlpha : kHandleAlpha));
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(ink);
+    const double alpha = underMouse() || isSliderDown() ? kHandleHoverAlpha : kHandleAlpha;
     const QRectF handle(kHandleInset, begin + kHandleInset, width() - 2 * kHandleInset,
                         length - 2 * kHandleInset);
-    painter.drawRoundedRect(handle, handle.width() / 2, handle.width() / 2);
+    QPainter painter(this);
+    fillRounded(painter, handle, theme::withAlpha(palette().color(QPalette::WindowText), alpha),
+                handle.width() / 2);
 }
 
 } // namespace tovik

@@ -14,6 +14,15 @@ class QPainter;
 
 namespace tovik {
 
+/// Lays out what is in a view, without room around it.
+template <typename Layout>
+[[nodiscard]] Layout* makeTightLayout(QWidget* view, int spacing) {
+    auto* layout = new Layout(view);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing);
+    return layout;
+}
+
 /// Draws the texts of a view in this colour.
 void setInk(QWidget& view, const QColor& ink);
 

@@ -26,9 +26,9 @@ inline const QEasingCurve easeInEaseOut = cubic(0.42, 0, 0.58, 1);
 /// being animated it costs nothing.
 ///
 /// Not a QVariantAnimation: Qt's animations begin only when the event loop comes to them and run on a clock
-/// of their own. This one runs on the program's clock and queue, so that an animation and the timers beside
-/// it (a toast that goes again, a recording that ends during a fade) keep their order, in tests on a clock
-/// that is moved by hand too.
+/// of their own; with a QAnimationDriver, too, nothing moves before the loop has run. This one runs on the
+/// program's clock and queue, so that an animation and the timers beside it (a toast that goes again, a
+/// recording that ends during a fade) keep their order, in tests on a clock that is moved by hand too.
 class FrameAnimation {
 public:
     FrameAnimation(const Clock& clock, MainQueue& queue);

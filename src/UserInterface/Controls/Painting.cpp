@@ -67,10 +67,7 @@ QImage smallestShadow(int edge, const QRectF& shape, double cornerRadius, double
     QImage mask(edge, edge, QImage::Format_Alpha8);
     mask.fill(0);
     QPainter painter(&mask);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Qt::black);
-    painter.drawRoundedRect(shape, cornerRadius, cornerRadius);
+    fillRounded(painter, shape, Qt::black, cornerRadius);
     painter.end();
 
     Plane plane(static_cast<std::size_t>(edge) * edge);
@@ -123,6 +120,13 @@ QPixmap shadowPixmap(double cornerRadius, const theme::Shadow& shadow, double ra
 }
 
 } // namespace
+
+void fillRounded(QPainter& painter, const QRectF& place, const QColor& fill, double cornerRadius) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(fill);
+    painter.drawRoundedRect(place, cornerRadius, cornerRadius);
+}
 
 void paintBox(QPainter& painter, const QRectF& place, const QColor& fill, const QColor& border,
               double borderWidth, double cornerRadius) {
@@ -300,11 +304,8 @@ void SymbolView::setGround(const QColor& color, double cornerRadius) {
 
 void SymbolView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     if (ground_.alpha() > 0) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(ground_);
-        painter.drawRoundedRect(rect(), groundRadius_, groundRadius_);
+        fillRounded(painter, rect(), ground_, groundRadius_);
     }
     QRectF target(QPointF(0, 0), QSizeF(symbolSize_));
     target.moveCenter(QRectF(rect()).center());

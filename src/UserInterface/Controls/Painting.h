@@ -16,6 +16,9 @@ class QRectF;
 
 namespace tovik {
 
+/// Paints a rounded shape in one colour.
+void fillRounded(QPainter& painter, const QRectF& place, const QColor& fill, double cornerRadius);
+
 /// Paints a rounded box with a border that lies within its place.
 void paintBox(QPainter& painter, const QRectF& place, const QColor& fill, const QColor& border,
               double borderWidth, double cornerRadius);

@@ -7,7 +7,6 @@
 #include <xcb/xcb.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 
 namespace tovik {
@@ -17,6 +16,8 @@ namespace {
 struct Free {
     void operator()(void* memory) const { std::free(memory); }
 };
+template <typename Reply>
+using Owned = std::unique_ptr<Reply, Free>;
 
 } // namespace
 
@@ -32,21 +33,30 @@ void waitForWindowRequests() {
     }
 }
 
-bool DesktopCompositing::isActive() const {
-    xcb_connection_t* const connection = x11Connection();
+std::uint32_t x11Atom(const std::string& name) {
+    auto* const connection = x11Connection();
     if (!connection) {
-        return true;
+        return 0;
     }
-    // The owner of this selection is the compositing manager of the first screen; Qt uses no other.
-    constexpr char name[] = "_NET_WM_CM_S0";
-    const std::unique_ptr<xcb_intern_atom_reply_t, Free> atom(
-        xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 0, std::strlen(name), name), nullptr));
-    if (!atom) {
+    const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
+    const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
+    return reply ? reply->atom : 0;
+}
+
+bool isX11SelectionOwned(std::uint32_t selection) {
+    auto* const connection = x11Connection();
+    if (!connection || selection == 0) {
         return false;
     }
-    const std::unique_ptr<xcb_get_selection_owner_reply_t, Free> owner(
-        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom->atom), nullptr));
-    return owner && owner->owner != XCB_WINDOW_NONE;
+    const auto cookie = xcb_get_selection_owner(connection, selection);
+    const Owned<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(connection, cookie, nullptr));
+    return reply && reply->owner != XCB_WINDOW_NONE;
+}
+
+bool DesktopCompositing::isActive() const {
+    // The owner of this selection is the compositing manager of the first screen; Qt uses no other.
+    return !x11Connection() || isX11SelectionOwned(x11Atom("_NET_WM_CM_S0"));
 }
 
 } // namespace tovik

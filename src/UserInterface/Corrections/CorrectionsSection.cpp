@@ -35,9 +35,7 @@ CorrectionsSection::CorrectionsSection(TranscriptionDictionary& dictionary, User
     connect(list_, &CorrectionsListView::focusLeft, addButton_,
             [this] { addButton_->setFocus(Qt::OtherFocusReason); });
 
-    auto* stack = new QVBoxLayout(this);
-    stack->setContentsMargins(0, 0, 0, 0);
-    stack->setSpacing(theme::kCorrectionsSpacing);
+    auto* stack = makeTightLayout<QVBoxLayout>(this, theme::kCorrectionsSpacing);
     stack->addWidget(buildCorrectionsHeaderRow());
     stack->addWidget(list_);
     stack->addWidget(addButton_, 0, Qt::AlignLeading);
@@ -47,9 +45,7 @@ CorrectionsSection::CorrectionsSection(TranscriptionDictionary& dictionary, User
 QWidget* CorrectionsSection::buildCorrectionsHeaderRow() {
     auto* view = new QWidget;
     view->setFixedHeight(theme::kCaptionHeight);
-    auto* row = new QHBoxLayout(view);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(theme::kCorrectionGap);
+    auto* row = makeTightLayout<QHBoxLayout>(view, theme::kCorrectionGap);
     for (const char* caption : {"Incorrect", "Correct"}) {
         row->addWidget(makeReadableLabel(QString::fromLatin1(caption), theme::kCaptionTextSize,
                                          theme::kCaptionAlpha, FontWeight::semibold),

@@ -121,9 +121,7 @@ void HighlightView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (alpha_ > 0) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(theme::withAlpha(color_, color_.alphaF() * alpha_));
-        painter.drawRoundedRect(rect(), cornerRadius_, cornerRadius_);
+        fillRounded(painter, rect(), theme::withAlpha(color_, color_.alphaF() * alpha_), cornerRadius_);
     }
     if (hasRing_) {
         paintFocusRing(painter, rect(), cornerRadius_ - theme::kFocusRingWidth / 2);
@@ -276,11 +274,9 @@ void TranscriptHistoryCell::paintEvent(QPaintEvent* /*event*/) {
         return;
     }
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(theme::withAlpha(theme::kAccent, theme::kHistorySelectionAlpha));
-    painter.drawRoundedRect(highlight_->geometry().translated(content_->pos()),
-                            theme::kHistoryHighlightRadius, theme::kHistoryHighlightRadius);
+    fillRounded(painter, highlight_->geometry().translated(content_->pos()),
+                theme::withAlpha(theme::kAccent, theme::kHistorySelectionAlpha),
+                theme::kHistoryHighlightRadius);
 }
 
 } // namespace tovik

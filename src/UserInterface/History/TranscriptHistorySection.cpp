@@ -136,9 +136,7 @@ TranscriptHistorySection::TranscriptHistorySection(const Clock& clock, MainQueue
     searchRow->setSpacing(theme::kRowGap);
     searchRow->addWidget(historySearchField_, 1);
     searchRow->addWidget(historyCountLabel_);
-    auto* stack = new QVBoxLayout(this);
-    stack->setContentsMargins(0, 0, 0, 0);
-    stack->setSpacing(theme::kHistorySpacing);
+    auto* stack = makeTightLayout<QVBoxLayout>(this, theme::kHistorySpacing);
     stack->addLayout(searchRow);
     stack->addWidget(historyTableView_);
     stack->addWidget(makeNote(hint));

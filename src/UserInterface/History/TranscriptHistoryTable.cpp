@@ -30,11 +30,6 @@ constexpr int kBarInset = 4;
 constexpr double kPixelsPerNotch = 60;
 constexpr double kNotch = 120;
 
-QRectF frameOf(const QWidget& view) {
-    constexpr double inset = theme::kRowBorderWidth / 2;
-    return QRectF(view.rect()).adjusted(inset, inset, -inset, -inset);
-}
-
 } // namespace
 
 TranscriptHistoryTable::TranscriptHistoryTable(const Clock& clock, MainQueue& queue,
@@ -331,10 +326,8 @@ void TranscriptHistoryTable::resizeEvent(QResizeEvent* event) {
 
 void TranscriptHistoryTable::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(theme::kRowBorder, theme::kRowBorderWidth));
-    painter.setBrush(theme::kRowBackground);
-    painter.drawRoundedRect(frameOf(*this), theme::kRowCornerRadius, theme::kRowCornerRadius);
+    paintBox(painter, rect(), theme::kRowBackground, theme::kRowBorder, theme::kRowBorderWidth,
+             theme::kRowCornerRadius);
     for (int row = rows_.firstVisible() + 1; row < rows_.endVisible(); ++row) {
         const double y = rows_.topOf(row) - theme::kRowBorderWidth / 2;
         painter.drawLine(QPointF(theme::kHistoryRowSide, y), QPointF(width() - theme::kHistoryRowSide, y));

@@ -23,10 +23,12 @@ class OverlayScrollBar;
 /// scrolls. A row is copied by double-click, Return or its button, deleted by the Delete key or by swiping it
 /// aside, and has a context menu; the list only reports that. Rows are counted from 0.
 ///
-/// Not a QListView with a delegate: that paints pictures of rows, and to assistive programs its rows can be
-/// selected and no more. Here a row in sight is a live view: its copy button has a tool tip, a name, a look
-/// for the pointer over it and a place in the order of the Tab key; the button beside a row drawn aside is
-/// pressed like any other; and pressing the row itself copies it.
+/// Not a QListView with a delegate: that paints pictures of rows. To assistive programs its rows can be
+/// toggled and no more, and a button set into one (setIndexWidget) is not there at all. Nor a QScrollArea
+/// with a view for each row: each new transcript would lay out a hundred of them. Here a row in sight is a
+/// live view: its copy button has a tool tip, a name, a look for the pointer over it and a place in the order
+/// of the Tab key; the button beside a row drawn aside is pressed like any other; and pressing the row itself
+/// copies it.
 class TranscriptHistoryTable : public QWidget {
     Q_OBJECT
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Overlay/FloatingPanel.h"
 
+#include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/FrameAnimation.h"
 #include "UserInterface/Controls/Painting.h"
 
@@ -45,10 +46,7 @@ public:
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(style_.background);
-        painter.drawRoundedRect(rect(), style_.cornerRadius, style_.cornerRadius);
+        fillRounded(painter, rect(), style_.background, style_.cornerRadius);
         if (style_.borderWidth > 0) {
             const double inset = style_.borderWidth / 2;
             const double radius = style_.cornerRadius - inset;
@@ -221,9 +219,7 @@ public:
         panel_.setObjectName(QStringLiteral("hintPanel"));
         auto* label = new QLabel(QString::fromStdString(description.text), &panel_.content());
         label->setFont(fontThatFits(label->text(), description));
-        QPalette palette = label->palette();
-        palette.setColor(QPalette::WindowText, theme::white(description.textWhite));
-        label->setPalette(palette);
+        setInk(*label, theme::white(description.textWhite));
         label->setAlignment(Qt::AlignCenter);
         label->setGeometry(panel_.content().rect());
     }

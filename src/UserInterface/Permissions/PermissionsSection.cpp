@@ -79,9 +79,7 @@ PermissionRowView::PermissionRowView(TovikVoicePermission permission, QWidget* p
     actionButton_->setFixedSize(theme::kRowButtonWidth, theme::kRowButtonHeight);
     actionButton_->setHasGround(true);
 
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(0);
+    auto* row = makeTightLayout<QHBoxLayout>(this, 0);
     // Spaces are mirrored for languages that run from right to left; margins would not be.
     row->addSpacing(theme::kRowSide);
     row->addWidget(icon);
@@ -103,9 +101,7 @@ QWidget* PermissionRowView::makeTextColumn() {
     setInk(*detailLabel_, theme::kRowDetail);
 
     auto* view = new QWidget;
-    auto* column = new QVBoxLayout(view);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(1);
+    auto* column = makeTightLayout<QVBoxLayout>(view, 1);
     column->addStretch();
     column->addWidget(titleLabel);
     column->addWidget(detailLabel_);
@@ -116,9 +112,7 @@ QWidget* PermissionRowView::makeTextColumn() {
 QWidget* PermissionRowView::makeStatusGroup() {
     statusLabel_->setFont(theme::font(theme::kRowTextSize, FontWeight::medium));
     auto* view = new QWidget;
-    auto* group = new QHBoxLayout(view);
-    group->setContentsMargins(0, 0, 0, 0);
-    group->setSpacing(theme::kRowStatusSpacing);
+    auto* group = makeTightLayout<QHBoxLayout>(view, theme::kRowStatusSpacing);
     group->addWidget(statusDot_);
     group->addWidget(statusLabel_);
     return view;
@@ -152,9 +146,7 @@ PermissionsSection::PermissionsSection(const PermissionChecklist& checklist,
     : QWidget(parent),
       checklist_(checklist),
       hint_(new QLabel) {
-    auto* stack = new QVBoxLayout(this);
-    stack->setContentsMargins(0, 0, 0, 0);
-    stack->setSpacing(theme::kRowSpacing);
+    auto* stack = makeTightLayout<QVBoxLayout>(this, theme::kRowSpacing);
     int index = 0;
     for (const TovikVoicePermission permission : kAllPermissions) {
         auto* row = new PermissionRowView(permission);

@@ -46,9 +46,7 @@ CleanupSection::CleanupSection(CleanupSettings settings, QWidget* parent)
                      QStringLiteral("Comma-separated filler words to remove after dictation"));
     connect(field_, &FieldShell::editingEnded, this, &CleanupSection::fillerWordsChanged);
 
-    auto* stack = new QVBoxLayout(this);
-    stack->setContentsMargins(0, 0, 0, 0);
-    stack->setSpacing(theme::kCleanupSpacing);
+    auto* stack = makeTightLayout<QVBoxLayout>(this, theme::kCleanupSpacing);
     stack->addWidget(toggle_, 0, Qt::AlignLeading);
     stack->addWidget(field_);
     stack->addWidget(makeSettingLabel(QStringLiteral("Comma-separated. Clear to restore defaults."),

@@ -151,9 +151,7 @@ TranslationSection::TranslationSection(TranslationSettings settings, QWidget* pa
     explanation_->setWordWrap(true);
     explanation_->hide();
 
-    auto* stack = new QVBoxLayout(this);
-    stack->setContentsMargins(0, 0, 0, 0);
-    stack->setSpacing(theme::kLanguageRowSpacing);
+    auto* stack = makeTightLayout<QVBoxLayout>(this, theme::kLanguageRowSpacing);
     stack->addWidget(toggle_, 0, Qt::AlignLeading);
     stack->addWidget(explanation_);
     stack->addWidget(makeRow(QStringLiteral("From:"), *source_));
@@ -166,9 +164,7 @@ QWidget* TranslationSection::makeRow(const QString& label, LanguagePopUp& popUp)
     caption->setFixedWidth(theme::kLanguageLabelWidth);
     auto* view = new QWidget;
     view->setFixedHeight(theme::kLanguageRowHeight);
-    auto* row = new QHBoxLayout(view);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(0);
+    auto* row = makeTightLayout<QHBoxLayout>(view, 0);
     row->addWidget(caption);
     row->addWidget(&popUp);
     row->addStretch();

@@ -20,7 +20,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <utility>
 
@@ -39,18 +38,6 @@ constexpr auto kWatcher = "org.kde.StatusNotifierWatcher";
 constexpr auto kWatcherPath = "/StatusNotifierWatcher";
 /// A bus that hangs must not make the program hang.
 constexpr int kBusPatienceMilliseconds = 500;
-
-struct FreeReply {
-    void operator()(void* reply) const { std::free(reply); }
-};
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, FreeReply>;
-
-std::uint32_t atomNamed(xcb_connection_t* connection, const std::string& name) {
-    const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
-    const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-    return reply ? reply->atom : 0;
-}
 
 /// Where there is no session bus, asking for it could start one for us alone.
 bool hasSessionBus() {
@@ -116,13 +103,11 @@ void TrayWatch::watchBus() {
 }
 
 void TrayWatch::watchDisplay() {
-    auto* const connection = x11Connection();
-    if (!connection) {
-        return;
+    if (x11Connection()) {
+        managerMessage_ = x11Atom("MANAGER");
+        traySelection_ = x11Atom("_NET_SYSTEM_TRAY_S0");
+        qGuiApp->installNativeEventFilter(this);
     }
-    managerMessage_ = atomNamed(connection, "MANAGER");
-    traySelection_ = atomNamed(connection, "_NET_SYSTEM_TRAY_S0");
-    qGuiApp->installNativeEventFilter(this);
 }
 
 void TrayWatch::notifierHostRegistered() {
@@ -144,14 +129,7 @@ bool TrayWatch::hasNotifierHost() const {
 }
 
 bool TrayWatch::hasWindowTray() const {
-    auto* const connection = x11Connection();
-    if (!connection || traySelection_ == 0) {
-        return false;
-    }
-    const auto cookie = xcb_get_selection_owner(connection, traySelection_);
-    const Owned<xcb_get_selection_owner_reply_t> reply(
-        xcb_get_selection_owner_reply(connection, cookie, nullptr));
-    return reply && reply->owner != XCB_NONE;
+    return isX11SelectionOwned(traySelection_);
 }
 
 bool TrayWatch::nativeEventFilter(const QByteArray& eventType, void* message, qintptr* /*result*/) {

@@ -71,9 +71,7 @@ AccordionCard::AccordionCard(const SectionHeader& header, QWidget* content, QWid
     setPalette(theme::cardPalette(QGuiApplication::palette()));
     setObjectName(QString::fromStdString(header.title));
 
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
+    auto* layout = makeTightLayout<QVBoxLayout>(this, 0);
     layout->addWidget(makeHeader(header));
 
     contentPlace_ = new QWidget;

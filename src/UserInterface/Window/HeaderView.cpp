@@ -3,6 +3,7 @@
 #include "UserInterface/Window/HeaderView.h"
 
 #include "UserInterface/Controls/Buttons.h"
+#include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/Painting.h"
 #include "UserInterface/Controls/Theme.h"
 #include "UserInterface/Window/MainWindowLayout.h"
@@ -114,9 +115,7 @@ ShortcutRowView::ShortcutRowView(const QString& symbolName, const QString& label
     symbol_->setFixedSize(kBadgeSize, kBadgeSize);
     label_->setFont(theme::font(kShortcutTextSize, FontWeight::medium));
 
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(0);
+    auto* row = makeTightLayout<QHBoxLayout>(this, 0);
     row->addWidget(symbol_);
     row->addSpacing(kBadgeToLabel);
     row->addWidget(label_);
@@ -230,9 +229,7 @@ QWidget* HeaderView::makeStatusLine(MainQueue& queue) {
     waveform_ = new TovikTinyWaveformView(queue);
     waveform_->setFixedSize(kWaveformWidth, kWaveformHeight);
     auto* line = new QWidget;
-    auto* row = new QHBoxLayout(line);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(8);
+    auto* row = makeTightLayout<QHBoxLayout>(line, 8);
     row->addWidget(status_);
     row->addWidget(waveform_);
     return line;
@@ -241,9 +238,7 @@ QWidget* HeaderView::makeStatusLine(MainQueue& queue) {
 QWidget* HeaderView::makeShortcutRows() {
     auto* rows = new QWidget;
     rows->setFixedWidth(kShortcutsWidth);
-    auto* column = new QVBoxLayout(rows);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(kShortcutSpacing);
+    auto* column = makeTightLayout<QVBoxLayout>(rows, kShortcutSpacing);
     column->addWidget(new ShortcutRowView(QStringLiteral("mic.fill"), QStringLiteral("Dictate"),
                                           QStringLiteral("Hold Fn")));
     column->addWidget(new ShortcutRowView(QStringLiteral("lock.open"), QStringLiteral("Hands-Free Record"),

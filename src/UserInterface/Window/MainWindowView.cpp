@@ -3,6 +3,7 @@
 #include "UserInterface/Window/MainWindowView.h"
 
 #include "UserInterface/Controls/Buttons.h"
+#include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/Painting.h"
 #include "UserInterface/Controls/Theme.h"
 #include "UserInterface/Window/HeaderView.h"
@@ -121,9 +122,7 @@ FooterView::FooterView(const QString& version, QWidget* parent)
     website_->setSymbol(QStringLiteral("waveform"), kFooterSymbolSize);
     website_->describe(QStringLiteral("Tovik AI website"), QStringLiteral("Open tovik.example"));
 
-    auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(kFooterSpacing);
+    auto* row = makeTightLayout<QHBoxLayout>(this, kFooterSpacing);
     row->addStretch();
     row->addWidget(version_);
     for (HoverLinkButton* link : {updates_, website_}) {

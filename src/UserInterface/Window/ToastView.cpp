@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "UserInterface/Window/ToastView.h"
 
+#include "UserInterface/Controls/Fields.h"
 #include "UserInterface/Controls/Painting.h"
 #include "UserInterface/Controls/Theme.h"
 
@@ -72,9 +73,7 @@ ToastView::ToastView(const Clock& clock, MainQueue& queue, QWidget* host)
 
     label_->setObjectName(QStringLiteral("toastLabel"));
     label_->setFont(theme::font(theme::kToastTextSize, FontWeight::semibold));
-    QPalette palette = label_->palette();
-    palette.setColor(QPalette::WindowText, theme::kToastText);
-    label_->setPalette(palette);
+    setInk(*label_, theme::kToastText);
     label_->setTextFormat(Qt::PlainText);
 
     auto* row = new QHBoxLayout(this);
@@ -153,10 +152,7 @@ bool ToastView::eventFilter(QObject* watched, QEvent* event) {
 
 void ToastView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(theme::kToastBackground);
-    painter.drawRoundedRect(rect(), theme::kToastCornerRadius, theme::kToastCornerRadius);
+    fillRounded(painter, rect(), theme::kToastBackground, theme::kToastCornerRadius);
     if (theme::isDark(QGuiApplication::palette())) {
         // Dark on dark: a faint edge shows where the pill ends.
         painter.setPen(theme::kToastEdgeOnDark);
