@@ -142,7 +142,7 @@ void AppDelegate::Program::startKeyMonitor(const Platform& platform) {
     const auto started = platform.keyMonitor.start({
         .flagsChanged =
             lifetime.guard([this](const FlagsChangedEvent& event) { pushToTalk.handleFlagsChanged(event); }),
-        .talkKeyTouched = lifetime.guard([this] { pushToTalk.talkKeyTouched(); }),
+        .talkKeyTouched = lifetime.guard([this](Seconds ago) { pushToTalk.talkKeyTouched(ago); }),
         .talkKeyDismissed = lifetime.guard([this] { pushToTalk.talkKeyDismissed(); }),
     });
     if (!started) {

@@ -15,6 +15,8 @@ namespace {
 
 constexpr std::size_t kTapFrames = 1024;
 constexpr Seconds kPauseAfterStop{0.1};
+/// A key that was pressed during the pause is told within it.
+constexpr Seconds kListenOn{0.2};
 constexpr Seconds kDeviceCheckInterval{5.0};
 constexpr Seconds kDeviceChangeCooldown{1.5};
 constexpr Seconds kRecoveryDelay{1.0};
@@ -47,7 +49,7 @@ MacAudioManager::~MacAudioManager() {
     // The engine lives on: nothing of this dictation may stay in it. The recogniser is told as well, since
     // it waits for the end of the sound.
     if (request_) {
-        endDictation();
+        endDictation(&AudioEngine::stop);
     }
     ports_.engine.closeAhead();
 }
@@ -62,6 +64,7 @@ Result<void> MacAudioManager::start() {
     if (ports_.engine.isRunning()) {
         return {};
     }
+    closing_.end();
     logDeviceInUse();
     request_ = makeRequest();
     speechRecognizer_ = chooseRecognizer();
@@ -196,17 +199,26 @@ void MacAudioManager::installTap() {
 }
 
 void MacAudioManager::stop() {
-    endDictation();
+    const bool wasRunning = ports_.engine.isRunning();
+    endDictation(wasRunning ? &AudioEngine::listenOn : &AudioEngine::stop);
     ports_.clock.pause(kPauseAfterStop);
+    if (wasRunning) {
+        closing_ = ports_.mainQueue.after(kListenOn, [this] { endClosing(); });
+    }
 }
 
-void MacAudioManager::endDictation() {
+void MacAudioManager::endClosing() {
+    closing_.end();
+    ports_.engine.closeAhead();
+}
+
+void MacAudioManager::endDictation(void (AudioEngine::*stopEngine)()) {
     if (request_) {
         // Up to a buffer of sound waits for its remainder; it is the end of the user's last word.
         ports_.engine.flush();
         request_->endAudio();
     }
-    ports_.engine.stop();
+    (ports_.engine.*stopEngine)();
     if (tappedRequest_) {
         ports_.engine.removeTap();
         // Not the current request when a tap was left over by a start that failed: what was spoken since
@@ -224,18 +236,28 @@ void MacAudioManager::endDictation() {
 }
 
 void MacAudioManager::stopAndListenOn() {
-    endDictation();
+    endDictation(&AudioEngine::listenOn);
+    ports_.clock.pause(kPauseAfterStop);
+}
+
+void MacAudioManager::stopForAnotherDevice() {
+    endDictation(&AudioEngine::stop);
     // The user goes on speaking during the pause.
     ports_.engine.openAhead();
     ports_.clock.pause(kPauseAfterStop);
 }
 
-void MacAudioManager::openAhead() {
+void MacAudioManager::openAhead(Seconds ago) {
+    closing_.end();
     ports_.engine.openAhead();
+    ports_.engine.keepOnly(ago);
 }
 
 void MacAudioManager::closeAhead() {
-    ports_.engine.closeAhead();
+    // Nobody has opened it since the last dictation: that one still listens on.
+    if (!closing_) {
+        ports_.engine.closeAhead();
+    }
 }
 
 // -------------------------------------------------------------------------------------- devices
@@ -305,7 +327,7 @@ void MacAudioManager::handleDeviceChange(DeviceChange change, const CaptureDevic
     // recording goes on undisturbed.
     if (change == DeviceChange::disconnected && selectedDevice_ && selectedDevice_->id == device.uniqueId &&
         ports_.engine.isRunning()) {
-        stopAndListenOn();
+        stopForAnotherDevice();
         if (const auto restarted = start(); !restarted) {
             print("Failed to restart recording after device disconnect: " + restarted.error().description);
         }
@@ -326,7 +348,7 @@ Result<void> MacAudioManager::selectDevice(const AudioDevice& device) {
     if (!ports_.engine.isRunning()) {
         return {};
     }
-    stopAndListenOn();
+    stopForAnotherDevice();
     return start();
 }
 
@@ -364,7 +386,7 @@ bool MacAudioManager::recoverWith(const std::string& deviceName) {
         return false;
     }
     print("Attempting to recover with AirPods/Bluetooth device: " + device->localizedName);
-    stopAndListenOn();
+    stopForAnotherDevice();
     selectedDevice_ = recordOf(*device);
     const auto restarted = start();
     if (!restarted) {

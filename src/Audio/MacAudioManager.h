@@ -65,11 +65,12 @@ public:
 
     /// When starting the microphone fails, what was prepared stays until the next stop().
     Result<void> start() override;
-    /// Blocks for 0.1 s.
+    /// Blocks for 0.1 s. The microphone stays open a little longer, since the user may press the talk key for
+    /// the next dictation while this thread cannot hear of it.
     void stop() override;
     /// Blocks for 0.1 s.
     void stopAndListenOn() override;
-    void openAhead() override;
+    void openAhead(Seconds ago) override;
     void closeAhead() override;
     [[nodiscard]] bool isRecognising() const override { return dictationsWithoutText_ > 0; }
     /// Once it is true, onTranscription has been called with every text.
@@ -107,7 +108,9 @@ private:
     [[nodiscard]] std::shared_ptr<SpeechRecognizer> availableRecognizer(const std::string& locale);
     void startTask();
     void installTap();
-    void endDictation();
+    void endDictation(void (AudioEngine::*stopEngine)());
+    void stopForAnotherDevice();
+    void endClosing();
     void handleResult(const std::optional<RecognitionResult>& result, const std::optional<Error>& error);
     void countAnswer();
 
@@ -133,6 +136,8 @@ private:
     AudioDeviceSelectionDelegate* deviceDelegate_ = nullptr;
     std::optional<Date> deviceChangeCooldownUntil_;
     Subscription deviceCheckTimer_;
+    /// Closes the microphone that listens on after a dictation.
+    Subscription closing_;
     Subscription connected_;
     Subscription disconnected_;
 

@@ -48,8 +48,9 @@ public:
     /// start(), as after openAhead().
     virtual void stopAndListenOn() = 0;
 
-    /// The user may have begun to speak: what the microphone hears from here on belongs to the next start().
-    virtual void openAhead() = 0;
+    /// The user may have begun to speak, so long ago: what the microphone has heard since, as far as it was
+    /// open, and what it hears from here on belongs to the next start().
+    virtual void openAhead(Seconds ago) = 0;
     /// The user has not begun to speak after all. Harmless while a dictation runs.
     virtual void closeAhead() = 0;
 

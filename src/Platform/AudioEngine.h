@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/MainQueue.h"
 #include "Platform/Result.h"
 #include "Platform/Subscription.h"
 
@@ -58,7 +59,11 @@ public:
     /// Opens the microphone and keeps what it hears, without a tap: the user may have begun to speak. The
     /// next start() hands the kept sound to the tap first, without a gap. Harmless while running.
     virtual void openAhead() = 0;
-    /// Drops what openAhead() kept and closes the microphone. Harmless otherwise.
+    /// As stop(), but goes on listening, as after openAhead(), without a gap.
+    virtual void listenOn() = 0;
+    /// Forgets what was kept without a tap, save for the newest.
+    virtual void keepOnly(Seconds newest) = 0;
+    /// Drops what was kept and closes the microphone. Harmless otherwise.
     virtual void closeAhead() = 0;
 
     /// Hands the tap what has been captured up to now and does not fill a whole buffer yet, so that nothing

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Platform/MainQueue.h"
 #include "Platform/Result.h"
 #include "Platform/Subscription.h"
 
@@ -38,8 +39,9 @@ public:
         std::function<void(const FlagsChangedEvent&)> flagsChanged;
 
         /// The talk key went down, perhaps as the beginning of another shortcut: flagsChanged follows later,
-        /// or talkKeyDismissed does. The moment at which the user may begin to speak.
-        std::function<void()> talkKeyTouched;
+        /// or talkKeyDismissed does. The moment at which the user may begin to speak, and how long ago that
+        /// was: the main thread may have been busy.
+        std::function<void(Seconds ago)> talkKeyTouched;
 
         /// The talk key turned out to belong to another shortcut; no flagsChanged will come of it.
         std::function<void()> talkKeyDismissed;

@@ -167,10 +167,10 @@ void PushToTalk::lockOrStop() {
     hints_.showLockConfirmation();
 }
 
-void PushToTalk::talkKeyTouched() {
+void PushToTalk::talkKeyTouched(Seconds ago) {
     if (!isClosed_ && !isRecording() &&
         platform_.authorization.microphoneStatus() == MicrophoneStatus::authorized) {
-        recorder_.openAhead();
+        recorder_.openAhead(ago);
     }
 }
 

@@ -67,7 +67,7 @@ public:
 
     /// The talk key went down, and whether that is a dictation is not known yet: the microphone listens
     /// already, so that a word spoken meanwhile is part of the recording.
-    void talkKeyTouched();
+    void talkKeyTouched(Seconds ago);
     /// It was not.
     void talkKeyDismissed();
 

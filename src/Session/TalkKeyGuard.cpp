@@ -14,7 +14,7 @@ void TalkKeyGuard::setHandlers(KeyMonitor::Handlers handlers) {
     handlers_ = std::move(handlers);
 }
 
-void TalkKeyGuard::talkKeyPressed(Seconds guardTime) {
+void TalkKeyGuard::talkKeyPressed(Seconds guardTime, Seconds ago) {
     if (isTalkKeyHeld()) {
         return;
     }
@@ -30,7 +30,7 @@ void TalkKeyGuard::talkKeyPressed(Seconds guardTime) {
         guardTimer_ = queue_.after(guardTime, [this] { guardTimePassed(); });
     }
     if (handlers_.talkKeyTouched) {
-        handlers_.talkKeyTouched();
+        handlers_.talkKeyTouched(ago);
     }
     if (guardTime <= Seconds::zero()) {
         settle();

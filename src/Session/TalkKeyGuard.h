@@ -31,8 +31,8 @@ public:
 
     void setHandlers(KeyMonitor::Handlers handlers);
 
-    /// The talk key went down. Without a guard time the press is told at once.
-    void talkKeyPressed(Seconds guardTime);
+    /// The talk key went down, so long ago. Without a guard time the press is told at once.
+    void talkKeyPressed(Seconds guardTime, Seconds ago = Seconds::zero());
     void talkKeyReleased();
     /// Whether either Shift is held now; the same answer twice counts once.
     void setShiftHeld(bool held);

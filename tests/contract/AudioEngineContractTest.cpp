@@ -215,6 +215,48 @@ TEST_P(AudioEngineContract, whenStoppedWhileAhead_whatWasKeptIsForgotten) {
     EXPECT_FALSE(listener.heard(words(3000)));
 }
 
+TEST_P(AudioEngineContract, whenItListensOn_noSampleIsMissingInTheNextRecording) {
+    listen();
+    start();
+    std::thread speaker([this] { world->hear(words(24000)); });
+    EXPECT_TRUE(eventually([this] { return listener.samples().size() > 8000; }));
+    engine->flush();
+    engine->listenOn();
+    EXPECT_FALSE(engine->isRunning());
+    engine->removeTap();
+    speaker.join();
+    listen();
+    start();
+    engine->flush();
+    EXPECT_TRUE(listener.heard(words(24000)));
+}
+
+TEST_P(AudioEngineContract, whenItListensOnAndIsClosed_whatWasKeptIsForgotten) {
+    listen();
+    start();
+    engine->flush();
+    engine->listenOn();
+    world->hear(words(3000));
+    engine->closeAhead();
+    start();
+    engine->flush();
+    EXPECT_FALSE(listener.heard(words(3000)));
+}
+
+TEST_P(AudioEngineContract, whenNothingOfWhatWasKeptIsWanted_itIsForgotten) {
+    engine->openAhead();
+    world->waitUntilOpen();
+    world->hear(words(3000));
+    engine->keepOnly(Seconds(0));
+    world->hear(words(3000, 1));
+    engine->keepOnly(Seconds(10));
+    listen();
+    start();
+    engine->flush();
+    EXPECT_FALSE(listener.heard(words(3000)));
+    EXPECT_TRUE(listener.heard(words(3000, 1)));
+}
+
 TEST_P(AudioEngineContract, whileRunning_openingAndClosingAheadChangeNothing) {
     listen();
     start();

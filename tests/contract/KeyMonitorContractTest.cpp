@@ -123,7 +123,7 @@ protected:
                      told_.push_back((event.keyCode == kFunctionKeyCode ? "talk key:" : "shift:") +
                                      nameOf(event.modifierFlags));
                  },
-             .talkKeyTouched = [this] { told_.emplace_back("touched"); },
+             .talkKeyTouched = [this](Seconds) { told_.emplace_back("touched"); },
              .talkKeyDismissed = [this] { told_.emplace_back("dismissed"); }});
         ASSERT_TRUE(started) << started.error().description;
     }

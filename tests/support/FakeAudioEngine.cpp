@@ -65,6 +65,21 @@ void FakeAudioEngine::openAhead() {
     openAhead_ = !running_;
 }
 
+void FakeAudioEngine::listenOn() {
+    note("listenOn");
+    const std::lock_guard lock(mutex_);
+    running_ = false;
+    openAhead_ = true;
+}
+
+void FakeAudioEngine::keepOnly(Seconds newest) {
+    const std::lock_guard lock(mutex_);
+    const auto wanted = static_cast<std::size_t>(newest.count() * format_.sampleRate);
+    if (openAhead_ && pending_.size() > wanted) {
+        pending_.erase(pending_.begin(), pending_.end() - static_cast<std::ptrdiff_t>(wanted));
+    }
+}
+
 void FakeAudioEngine::closeAhead() {
     note("closeAhead");
     const std::lock_guard lock(mutex_);

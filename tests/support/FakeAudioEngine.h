@@ -27,6 +27,8 @@ public:
     Result<void> start() override;
     void stop() override;
     void openAhead() override;
+    void listenOn() override;
+    void keepOnly(Seconds newest) override;
     void closeAhead() override;
     void flush() override;
 
@@ -43,8 +45,8 @@ public:
     /// The microphone goes away: no more buffers, not running.
     void loseMicrophone();
 
-    /// "installTap(1024)", "removeTap", "prepare", "start", "stop", "openAhead", "closeAhead", "flush", in
-    /// the order of the calls.
+    /// "installTap(1024)", "removeTap", "prepare", "start", "stop", "openAhead", "listenOn", "closeAhead",
+    /// "flush", in the order of the calls.
     [[nodiscard]] const std::vector<std::string>& calls() const { return calls_; }
     void forgetCalls() { calls_.clear(); }
     /// Called at the beginning of each of these operations, with the text that calls() gets. To join the

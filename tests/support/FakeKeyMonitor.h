@@ -35,7 +35,7 @@ public:
     /// The talk key goes down; whether it counts is still open.
     void touchTalkKey() {
         if (handlers_.talkKeyTouched) {
-            handlers_.talkKeyTouched();
+            handlers_.talkKeyTouched(Seconds::zero());
         }
     }
 

@@ -28,7 +28,7 @@ public:
         waits.push_back(patience);
         return !recognises;
     }
-    void openAhead() override { note("openAhead"); }
+    void openAhead(Seconds) override { note("openAhead"); }
     void closeAhead() override { note("closeAhead"); }
 
     /// What the next starts come to.

@@ -47,6 +47,24 @@ void CaptureRelay::startDelivering() {
     }
 }
 
+bool CaptureRelay::stopDelivering() {
+    const std::lock_guard lock(mutex_);
+    if (phase_ != Phase::delivering) {
+        return false;
+    }
+    phase_ = Phase::ahead;
+    return true;
+}
+
+void CaptureRelay::keepOnly(Seconds newest) {
+    const std::lock_guard lock(mutex_);
+    const auto wanted = static_cast<std::size_t>(std::max(newest.count(), 0.0) * sampleRate_);
+    if (phase_ == Phase::ahead && count_ > wanted) {
+        first_ = (first_ + count_ - wanted) % ring_.size();
+        count_ = wanted;
+    }
+}
+
 void CaptureRelay::flush() {
     while (true) {
         const std::lock_guard lock(mutex_);

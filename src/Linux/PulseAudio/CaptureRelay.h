@@ -32,6 +32,10 @@ public:
     /// From now on the tap gets what comes, and before it what was kept: with the next samples, or earlier
     /// when deliver() or flush() is called.
     void startDelivering();
+    /// The opposite: what comes from now on is kept. False when nothing was delivered.
+    bool stopDelivering();
+    /// Forgets what was kept, save for the newest.
+    void keepOnly(Seconds newest);
     /// Hands everything to the tap, the last buffer perhaps shorter than the others.
     void flush();
 

@@ -353,6 +353,17 @@ void PulseAudioEngine::openAhead() {
     }
 }
 
+void PulseAudioEngine::listenOn() {
+    if (!microphone_->relay.stopDelivering()) {
+        stop();
+        openAhead();
+    }
+}
+
+void PulseAudioEngine::keepOnly(Seconds newest) {
+    microphone_->relay.keepOnly(newest);
+}
+
 void PulseAudioEngine::closeAhead() {
     if (microphone_->relay.isAhead()) {
         close();

@@ -35,6 +35,8 @@ public:
     void stop() override;
 
     void openAhead() override;
+    void listenOn() override;
+    void keepOnly(Seconds newest) override;
     void closeAhead() override;
 
     void flush() override;

@@ -12,6 +12,7 @@
 #include <utility>
 
 // After Qt: Xlib defines macros with everyday names.
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/extensions/XInput2.h>
 #include <X11/extensions/XTest.h>
@@ -156,6 +157,25 @@ void X11Connection::sync() {
     if (!broken_) {
         XSync(display_, False);
     }
+}
+
+unsigned long X11Connection::serverTime() {
+    if (broken_) {
+        return CurrentTime;
+    }
+    if (clockWindow_ == None) {
+        clockWindow_ = XCreateSimpleWindow(display_, root_, -1, -1, 1, 1, 0, 0, 0);
+        XSelectInput(display_, clockWindow_, PropertyChangeMask);
+    }
+    const unsigned char nothing = 0;
+    XChangeProperty(display_, clockWindow_, XA_WM_NAME, XA_STRING, 8, PropModeAppend, &nothing, 0);
+    sync();
+    Time time = CurrentTime;
+    XEvent event;
+    while (XCheckTypedWindowEvent(display_, clockWindow_, PropertyNotify, &event) != False) {
+        time = event.xproperty.time;
+    }
+    return time;
 }
 
 X11EventWatch::X11EventWatch(X11Connection& connection, std::function<void(XEvent&)> handler)

@@ -52,6 +52,9 @@ public:
     /// Waits until the server has carried out all that was asked on this connection.
     void sync();
 
+    /// The server's time of now, in the milliseconds of its events. Not on a connection that is watched.
+    [[nodiscard]] unsigned long serverTime();
+
 private:
     explicit X11Connection(_XDisplay* display);
 
@@ -59,6 +62,8 @@ private:
     unsigned long root_ = 0;
     bool broken_ = false;
     std::map<std::string, unsigned long> atoms_;
+    /// A window of ours that is never shown; changing a property of it tells the server's time.
+    unsigned long clockWindow_ = 0;
 };
 
 /// Hands over the events of a connection as they come, on the main thread. The connection must carry no

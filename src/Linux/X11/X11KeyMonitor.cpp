@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <nlohmann/json.hpp>
 
 namespace tovik {
@@ -237,13 +238,13 @@ void X11KeyMonitor::handle(XEvent& event) {
     if (services_.posted.expects(stroke) && keyboard_->isTestKeyboard(raw->sourceid)) {
         services_.posted.take(stroke);
     } else if (press) {
-        keyPressed(key, raw->sourceid);
+        keyPressed(key, raw->sourceid, raw->time);
     } else {
         keyReleased(key);
     }
 }
 
-void X11KeyMonitor::keyPressed(const PhysicalKey& key, int device) {
+void X11KeyMonitor::keyPressed(const PhysicalKey& key, int device, unsigned long time) {
     if (key == talkKey_ && !releasedUnseen_) {
         doubtfulRelease_.end(); // repeats itself
         return;
@@ -255,7 +256,7 @@ void X11KeyMonitor::keyPressed(const PhysicalKey& key, int device) {
     // Each keyboard may have a layout of its own, and any layout may have changed since the last key.
     const auto keysyms = keyboard_->keysyms(device, key.second);
     if (const auto talkKeysym = setting_->match(keysyms)) {
-        talkKeyPressed(key, *talkKeysym);
+        talkKeyPressed(key, *talkKeysym, time);
     } else if (isShift(keysyms)) {
         shiftKeys_.insert(key);
         guard_->setShiftHeld(true);
@@ -283,7 +284,7 @@ void X11KeyMonitor::keyReleased(const PhysicalKey& key) {
     }
 }
 
-void X11KeyMonitor::talkKeyPressed(const PhysicalKey& key, unsigned long keysym) {
+void X11KeyMonitor::talkKeyPressed(const PhysicalKey& key, unsigned long keysym, unsigned long time) {
     if (talkKey_) {
         return; // a second key of the same meaning
     }
@@ -293,7 +294,14 @@ void X11KeyMonitor::talkKeyPressed(const PhysicalKey& key, unsigned long keysym)
     releasedUnseen_ = false;
     talkKeyRepeats_ = !IsModifierKey(keysym);
     releaseCheck_ = services_.queue.every(kReleaseCheckInterval, [this] { forgetMissedReleases(); });
-    guard_->talkKeyPressed(setting_->guardTime(keysym));
+    guard_->talkKeyPressed(setting_->guardTime(keysym), since(time));
+}
+
+/// Times of the server are in milliseconds and begin anew every 49 days.
+Seconds X11KeyMonitor::since(unsigned long time) {
+    const auto milliseconds =
+        static_cast<std::int32_t>(static_cast<std::uint32_t>(queries_->serverTime() - time));
+    return std::max(Seconds::zero(), Seconds(milliseconds / 1000.0));
 }
 
 void X11KeyMonitor::talkKeyReleased() {

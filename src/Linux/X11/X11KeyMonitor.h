@@ -53,9 +53,10 @@ private:
     using PhysicalKey = std::pair<int, unsigned>;
 
     void handle(_XEvent& event);
-    void keyPressed(const PhysicalKey& key, int device);
+    void keyPressed(const PhysicalKey& key, int device, unsigned long time);
     void keyReleased(const PhysicalKey& key);
-    void talkKeyPressed(const PhysicalKey& key, unsigned long keysym);
+    void talkKeyPressed(const PhysicalKey& key, unsigned long keysym, unsigned long time);
+    [[nodiscard]] Seconds since(unsigned long time);
     void talkKeyReleased();
     void settleRelease();
     void devicesChanged();

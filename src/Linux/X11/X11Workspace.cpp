@@ -6,7 +6,6 @@
 #include "Linux/X11/X11Windows.h"
 #include "Platform/MainQueue.h"
 
-#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <unistd.h>
@@ -45,11 +44,11 @@ X11Workspace::X11Workspace(Services services, const std::string& displayName)
     queries_ = std::move(queries.value());
     events_ = std::move(events.value());
     windows_ = std::make_unique<X11Windows>(*queries_);
-    clockWindow_ = XCreateSimpleWindow(queries_->display(), queries_->root(), -1, -1, 1, 1, 0, 0, 0);
-    XSelectInput(queries_->display(), clockWindow_, PropertyChangeMask);
-    if (const auto known = windows_->processIdentifier(clockWindow_); known > 0) {
+    const auto own = XCreateSimpleWindow(queries_->display(), queries_->root(), -1, -1, 1, 1, 0, 0, 0);
+    if (const auto known = windows_->processIdentifier(own); known > 0) {
         ownProcess_ = known;
     }
+    XDestroyWindow(queries_->display(), own);
 
     // Focus changes matter only where no window manager tells of the active window.
     XSelectInput(events_->display(), events_->root(), PropertyChangeMask | FocusChangeMask);
@@ -197,7 +196,7 @@ void X11Workspace::askWindowManager(unsigned long window) {
     // As a pager asks, for the user, with the time of now: window managers refuse programs that push
     // themselves to the front, and requests from the past.
     constexpr unsigned long kSourcePager = 2;
-    const auto now = serverTime();
+    const auto now = queries_->serverTime();
     // Some activate no window of another desktop (openbox).
     if (const auto desktop = windows_->otherDesktop(window)) {
         tellWindowManager(queries_->root(), "_NET_CURRENT_DESKTOP", *desktop, now);
@@ -220,7 +219,7 @@ void X11Workspace::tellWindowManager(unsigned long window, const char* message, 
 
 void X11Workspace::takeFocus(unsigned long window) {
     Display* const display = queries_->display();
-    const auto now = serverTime();
+    const auto now = queries_->serverTime();
     XMapRaised(display, window);
     queries_->sync();
     if (!windows_->isViewable(window)) {
@@ -237,19 +236,6 @@ void X11Workspace::takeFocus(unsigned long window) {
         event.xclient.data.l[1] = static_cast<long>(now);
         XSendEvent(display, window, False, NoEventMask, &event);
     }
-}
-
-unsigned long X11Workspace::serverTime() {
-    Display* const display = queries_->display();
-    const unsigned char nothing = 0;
-    XChangeProperty(display, clockWindow_, XA_WM_NAME, XA_STRING, 8, PropModeAppend, &nothing, 0);
-    queries_->sync();
-    Time time = CurrentTime;
-    XEvent event;
-    while (XCheckTypedWindowEvent(display, clockWindow_, PropertyNotify, &event) != False) {
-        time = event.xproperty.time;
-    }
-    return time;
 }
 
 } // namespace tovik

@@ -71,7 +71,6 @@ private:
     void tellWindowManager(unsigned long window, const char* message, unsigned long first,
                            unsigned long second);
     void takeFocus(unsigned long window);
-    [[nodiscard]] unsigned long serverTime();
 
     Services services_;
     /// As the X server knows it: in a container this process has another number than outside, where those of
@@ -81,8 +80,6 @@ private:
     std::unique_ptr<X11Connection> events_;
     std::unique_ptr<X11Windows> windows_;
     std::unique_ptr<X11EventWatch> watch_;
-    /// A window of ours that is never shown; changing a property of it tells the server's time.
-    unsigned long clockWindow_ = 0;
     /// The last that was told of. Numbers of windows are used again, so the window alone does not tell.
     std::optional<RunningApplication> front_;
     std::optional<RunningApplication> activated_;

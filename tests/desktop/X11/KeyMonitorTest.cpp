@@ -4,6 +4,7 @@
 // The key monitor on a real X server: what a keyboard does beyond going down and up.
 #include "Linux/Desktop/QtMainQueue.h"
 #include "Linux/X11/PostedKeys.h"
+#include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11KeyEventPoster.h"
 #include "Linux/X11/X11KeyMonitor.h"
 #include "Linux/X11/X11Pasteboard.h"
@@ -51,7 +52,11 @@ protected:
             display);
         const auto started = monitor_->start(
             {.flagsChanged = [this](const FlagsChangedEvent& event) { told_.push_back(nameOf(event)); },
-             .talkKeyTouched = [this] { told_.emplace_back("touched"); },
+             .talkKeyTouched =
+                 [this](Seconds ago) {
+                     told_.emplace_back("touched");
+                     touchedAgo_ = ago;
+                 },
              .talkKeyDismissed = [this] { told_.emplace_back("dismissed"); }});
         ASSERT_TRUE(started) << started.error().description;
     }
@@ -80,6 +85,7 @@ protected:
     XUser user_;
     bool ownProgramInFront_ = false;
     std::vector<std::string> told_;
+    Seconds touchedAgo_{-1};
     std::unique_ptr<NestedServer> nested_; // outlives its clients
     std::unique_ptr<X11KeyMonitor> monitor_;
 };
@@ -399,6 +405,22 @@ TEST_F(X11KeyMonitorTest, whenAKeyboardIsPulledOutWhileItsTalkKeyIsHeld_theTalkE
     press("Control_R");
     passGuardTime();
     EXPECT_THAT(told_, ElementsAre("touched", "talk key: Fn"));
+}
+
+TEST_F(X11KeyMonitorTest, whenThisProgramWasBusy_tellsHowLongAgoTheTalkKeyWentDown) {
+    start();
+    press("Control_R");
+    EXPECT_LT(touchedAgo_, Seconds(0.5));
+    release("Control_R");
+    told_.clear();
+    const auto server = std::move(X11Connection::open().value());
+    user_.press("Control_R");
+    const auto pressed = server->serverTime();
+    while (server->serverTime() < pressed + 600) {
+    }
+    EXPECT_THAT(told_, IsEmpty());
+    runPendingEvents();
+    EXPECT_GE(touchedAgo_, Seconds(0.6));
 }
 
 TEST_F(X11KeyMonitorTest, theTalkKeyIsHeldAlone_whileNoOtherKeyIs) {

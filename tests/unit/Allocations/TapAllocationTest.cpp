@@ -30,6 +30,8 @@ public:
     }
     void stop() override { running_ = false; }
     void openAhead() override {}
+    void listenOn() override { stop(); }
+    void keepOnly(Seconds) override {}
     void closeAhead() override {}
     void flush() override {}
 

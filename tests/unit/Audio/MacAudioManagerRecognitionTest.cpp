@@ -246,7 +246,7 @@ TEST_F(MacAudioManagerRecognition, whenTheEngineDoesNotStart_leavesTaskAndTapToT
 }
 
 TEST_F(MacAudioManagerRecognition, whenTheEngineDoesNotStart_closesTheMicrophoneThatWasOpenedAhead) {
-    manager().openAhead();
+    manager().openAhead(Seconds(0));
     engine.failStarts({"Sound", 5, "no"});
     EXPECT_FALSE(manager().start().ok());
     EXPECT_FALSE(engine.isOpenAhead());
@@ -334,7 +334,7 @@ TEST_F(MacAudioManagerRecognition, whenDictatingAgain_theSoundGoesToTheNewReques
 // ------------------------------------------------------------------- the early microphone
 
 TEST_F(MacAudioManagerRecognition, whenOpenedAhead_whatWasHeardBeforeTheStartIsRecognised) {
-    manager().openAhead();
+    manager().openAhead(Seconds(0));
     engine.hear(ramp(1500));
     EXPECT_TRUE(manager().start().ok());
     engine.hear(ramp(1500, 1500));
@@ -343,7 +343,7 @@ TEST_F(MacAudioManagerRecognition, whenOpenedAhead_whatWasHeardBeforeTheStartIsR
 }
 
 TEST_F(MacAudioManagerRecognition, whenClosedAhead_whatWasHeardIsForgotten) {
-    manager().openAhead();
+    manager().openAhead(Seconds(0));
     engine.hear(ramp(1500));
     manager().closeAhead();
     EXPECT_TRUE(manager().start().ok());
@@ -367,7 +367,7 @@ TEST_F(MacAudioManagerRecognition, whenStopped_endsTheAudioThenTheEngineThenTheT
     manager().stop();
     engine.onCall(nullptr);
     EXPECT_THAT(taskStates,
-                ElementsAre("flush before finish", "stop before finish", "removeTap before finish"));
+                ElementsAre("flush before finish", "listenOn before finish", "removeTap before finish"));
     EXPECT_TRUE(utterance->finished());
     EXPECT_EQ(utterance->readSound(), ramp(100));
 }
@@ -407,6 +407,40 @@ TEST_F(MacAudioManagerRecognition, whenStoppedTwice_theSecondIsHarmless) {
     manager().stop();
     EXPECT_THAT(engine.calls(), ElementsAre("stop"));
     EXPECT_THAT(time.pauses(), SizeIs(2));
+}
+
+TEST_F(MacAudioManagerRecognition, whenTheTalkKeyGoesDownDuringThePauseOfTheStop_nothingSpokenSinceIsLost) {
+    startRecording();
+    manager().stop();
+    // The main thread pauses; the key goes down in the middle of that.
+    engine.hear(ramp(800));
+    engine.hear(ramp(800, 800));
+    manager().closeAhead(); // the release of the key has begun no recording
+    time.advance(Seconds(0.01));
+    manager().openAhead(Seconds(0.05));
+    engine.hear(ramp(800, 1600));
+    time.advance(Seconds(1));
+    startRecording();
+    manager().stop();
+    EXPECT_EQ(speech.lastUtterance()->readSound(), ramp(1600, 800));
+}
+
+TEST_F(MacAudioManagerRecognition, whenStoppedForGood_theMicrophoneClosesSoon) {
+    startRecording();
+    manager().stop();
+    time.advance(Seconds(0.19));
+    EXPECT_TRUE(engine.isOpenAhead());
+    time.advance(Seconds(0.01));
+    EXPECT_FALSE(engine.isOpenAhead());
+    EXPECT_FALSE(engine.isRunning());
+}
+
+TEST_F(MacAudioManagerRecognition, whenTheTalkKeyBelongedToAnotherShortcut_theMicrophoneClosesAtOnce) {
+    startRecording();
+    manager().stop();
+    manager().openAhead(Seconds(0));
+    manager().closeAhead();
+    EXPECT_FALSE(engine.isOpenAhead());
 }
 
 TEST_F(MacAudioManagerRecognition, whenStopped_theTapIsGone) {

@@ -164,7 +164,7 @@ TEST_F(MacAudioManagerResults, whenDestroyedWhileRecording_letsGoOfTheMicrophone
 }
 
 TEST_F(MacAudioManagerResults, whenDestroyedWithTheMicrophoneOpenAhead_closesIt) {
-    manager().openAhead();
+    manager().openAhead(Seconds(0));
     destroyManager();
     EXPECT_FALSE(engine.isOpenAhead());
 }

@@ -365,13 +365,13 @@ TEST_F(PushToTalkTest, whenStoppedWhileTheTipShows_theTipFadesOut) {
 // The early microphone.
 
 TEST_F(PushToTalkTest, whenTheTalkKeyIsTouched_theMicrophoneOpensBeforeTheRecordingBegins) {
-    pushToTalk.talkKeyTouched();
+    pushToTalk.talkKeyTouched(Seconds(0));
     send({fnDown});
     EXPECT_THAT(recorder.calls, ElementsAre("openAhead", "start"));
 }
 
 TEST_F(PushToTalkTest, whenTheTalkKeyBelongsToAnotherShortcut_theMicrophoneClosesAndNothingIsRecorded) {
-    pushToTalk.talkKeyTouched();
+    pushToTalk.talkKeyTouched(Seconds(0));
     pushToTalk.talkKeyDismissed();
     EXPECT_THAT(recorder.calls, ElementsAre("openAhead", "closeAhead"));
     EXPECT_FALSE(pushToTalk.isRecording());
@@ -379,20 +379,20 @@ TEST_F(PushToTalkTest, whenTheTalkKeyBelongsToAnotherShortcut_theMicrophoneClose
 
 TEST_F(PushToTalkTest, withoutTheMicrophonePermission_aTouchOpensNothing) {
     authorization.setMicrophoneStatus(2);
-    pushToTalk.talkKeyTouched();
+    pushToTalk.talkKeyTouched(Seconds(0));
     EXPECT_THAT(recorder.calls, IsEmpty());
 }
 
 TEST_F(PushToTalkTest, whenTheTouchLeadsToNoRecording_theMicrophoneIsClosed) {
     authorization.setSpeechStatus(0);
-    pushToTalk.talkKeyTouched();
+    pushToTalk.talkKeyTouched(Seconds(0));
     send({fnDown});
     EXPECT_THAT(recorder.calls, ElementsAre("openAhead", "closeAhead"));
 }
 
 TEST_F(PushToTalkTest, duringALockedRecording_touchingAndDismissingLeaveTheMicrophoneAlone) {
     send({fnDown, shiftDownWithFn, fnUp});
-    pushToTalk.talkKeyTouched();
+    pushToTalk.talkKeyTouched(Seconds(0));
     pushToTalk.talkKeyDismissed();
     EXPECT_THAT(recorder.calls, ElementsAre("start"));
 }

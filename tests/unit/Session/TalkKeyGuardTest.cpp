@@ -36,7 +36,7 @@ class Keyboard {
 public:
     explicit Keyboard(Seconds guardTime = kGuardTime) : guardTime_(guardTime) {
         guard_.setHandlers({.flagsChanged = [this](const FlagsChangedEvent& event) { note(nameOf(event)); },
-                            .talkKeyTouched = [this] { note("touched"); },
+                            .talkKeyTouched = [this](Seconds) { note("touched"); },
                             .talkKeyDismissed = [this] { note("dismissed"); }});
     }
 

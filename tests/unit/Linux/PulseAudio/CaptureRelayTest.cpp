@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
 #include "Linux/PulseAudio/CaptureRelay.h"
+
 #include "support/Allocations.h"
 
 #include <gtest/gtest.h>
@@ -90,6 +91,37 @@ TEST_F(CaptureRelayTest, whileAhead_keepsTheNewestTenSeconds) {
     EXPECT_EQ(heard.size(), 80000U);
     EXPECT_EQ(heard.back(), 199999.0F);
     EXPECT_EQ(heard.front(), 120000.0F);
+}
+
+TEST_F(CaptureRelayTest, whenDeliveringStops_whatComesIsKeptForTheNextTap) {
+    listen(100);
+    const auto session = open(false);
+    hear(session, counted(130));
+    relay.flush();
+    EXPECT_TRUE(relay.stopDelivering());
+    EXPECT_FALSE(relay.isDelivering());
+    relay.removeTap();
+    hear(session, counted(250, 130));
+    EXPECT_EQ(heard, counted(130));
+    listen(100);
+    relay.startDelivering();
+    relay.flush();
+    EXPECT_EQ(heard, counted(380));
+    relay.close();
+    EXPECT_FALSE(relay.stopDelivering());
+}
+
+TEST_F(CaptureRelayTest, ofWhatIsKept_onlyTheNewestMayBeWanted) {
+    listen(100);
+    const auto session = open(true);
+    hear(session, counted(1000));
+    relay.keepOnly(Seconds(1));
+    relay.keepOnly(Seconds(400 / kRate));
+    hear(session, counted(100, 1000));
+    relay.startDelivering();
+    relay.keepOnly(Seconds(0));
+    relay.flush();
+    EXPECT_EQ(heard, counted(500, 600));
 }
 
 TEST_F(CaptureRelayTest, whatComesUnderAnOlderNumber_isDropped) {
