@@ -3,7 +3,6 @@
 #pragma once
 
 #include "Engines/Http/HttpMessages.h"
-#include "Engines/Http/PartialFile.h"
 
 #include <curl/curl.h>
 

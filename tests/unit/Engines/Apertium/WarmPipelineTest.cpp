@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/Apertium/WarmPipeline.h"
 
+#include "support/ComesTrue.h"
 #include "support/ManualTime.h"
 #include "support/TemporaryFolder.h"
 
@@ -9,9 +10,7 @@
 #include <sys/wait.h>
 
 #include <algorithm>
-#include <chrono>
 #include <optional>
-#include <thread>
 
 namespace tovik {
 namespace {
@@ -44,12 +43,10 @@ protected:
     }
     /// The worker's answers come from a thread of its own, while the clock stands still.
     bool waitUntil(const std::function<bool()>& holds) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(15);
-        while (!holds() && std::chrono::steady_clock::now() < deadline) {
+        return test::comesTrue([&] {
             time.runPending();
-            std::this_thread::yield();
-        }
-        return holds();
+            return holds();
+        });
     }
     Result<std::string> translate(const std::string& text) {
         begin(text);

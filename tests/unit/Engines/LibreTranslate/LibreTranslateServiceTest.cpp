@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/LibreTranslate/LibreTranslateService.h"
 
+#include "support/ComesTrue.h"
 #include "support/FakeSecretStore.h"
 #include "support/HttpServer.h"
 #include "support/ManualTime.h"
@@ -13,7 +14,6 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace tovik {
@@ -46,12 +46,10 @@ protected:
 
     /// Runs the queue, while the clock stands still.
     bool waitUntil(const std::function<bool()>& holds) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(15);
-        while (!holds() && std::chrono::steady_clock::now() < deadline) {
+        return test::comesTrue([&] {
             time.runPending();
-            std::this_thread::yield();
-        }
-        return holds();
+            return holds();
+        });
     }
 
     void beginTranslating(const std::string& text, const TranslationPair& pair = {"en", "es"}) {

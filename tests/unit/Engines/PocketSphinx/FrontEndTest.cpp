@@ -17,139 +17,114 @@ std::vector<Cepstrum> levels(std::size_t count, float value) {
     return std::vector<Cepstrum>(count, level(value));
 }
 
-TEST(CepstralMean, untilEnoughWasHeard_holdsEverythingBack) {
-    CepstralMean mean;
-    mean.begin();
-    CepstralMean::Output output;
-    mean.process(levels(CepstralMean::framesForEstimate - 1, 3), output);
-    EXPECT_TRUE(output.frames.empty());
+/// In an utterance.
+class CepstralMeanTest : public testing::Test {
+protected:
+    CepstralMeanTest() { mean_.begin(); }
+
+    void hear(const std::vector<Cepstrum>& frames) { mean_.process(frames, output_); }
+
+    CepstralMean mean_;
+    CepstralMean::Output output_;
+};
+
+TEST_F(CepstralMeanTest, untilEnoughWasHeard_holdsEverythingBack) {
+    hear(levels(CepstralMean::framesForEstimate - 1, 3));
+    EXPECT_TRUE(output_.frames.empty());
 }
 
-TEST(CepstralMean, onceEnoughWasHeard_givesAllOfItWithTheMeanTakenOff) {
-    CepstralMean mean;
-    mean.begin();
-    CepstralMean::Output output;
-    mean.process(levels(CepstralMean::framesForEstimate / 2, 2), output);
-    mean.process(levels(CepstralMean::framesForEstimate / 2, 4), output);
-    ASSERT_EQ(output.frames.size(), CepstralMean::framesForEstimate);
-    EXPECT_FALSE(output.startsOver);
-    EXPECT_EQ(output.frames.front(), level(-1));
-    EXPECT_EQ(output.frames.back(), level(1));
+TEST_F(CepstralMeanTest, onceEnoughWasHeard_givesAllOfItWithTheMeanTakenOff) {
+    hear(levels(CepstralMean::framesForEstimate / 2, 2));
+    hear(levels(CepstralMean::framesForEstimate / 2, 4));
+    ASSERT_EQ(output_.frames.size(), CepstralMean::framesForEstimate);
+    EXPECT_FALSE(output_.startsOver);
+    EXPECT_EQ(output_.frames.front(), level(-1));
+    EXPECT_EQ(output_.frames.back(), level(1));
 }
 
-TEST(CepstralMean, betweenEstimateAndMean_givesEveryFrameAtOnce) {
-    CepstralMean mean;
-    mean.begin();
-    CepstralMean::Output output;
-    mean.process(levels(CepstralMean::framesForEstimate, 2), output);
-    mean.process(levels(3, 5), output);
-    ASSERT_EQ(output.frames.size(), 3U);
-    EXPECT_FALSE(output.startsOver);
-    EXPECT_EQ(output.frames.front(), level(3));
+TEST_F(CepstralMeanTest, betweenEstimateAndMean_givesEveryFrameAtOnce) {
+    hear(levels(CepstralMean::framesForEstimate, 2));
+    hear(levels(3, 5));
+    ASSERT_EQ(output_.frames.size(), 3U);
+    EXPECT_FALSE(output_.startsOver);
+    EXPECT_EQ(output_.frames.front(), level(3));
 }
 
-TEST(CepstralMean, onceABetterEstimateIsThere_startsOverWithIt) {
-    CepstralMean mean;
-    mean.begin();
-    CepstralMean::Output output;
-    mean.process(levels(CepstralMean::framesForEstimate, 2), output);
-    EXPECT_FALSE(output.startsOver);
-    EXPECT_EQ(output.frames.front(), level(0));
-    mean.process(levels(CepstralMean::framesForBetter - CepstralMean::framesForEstimate, 4), output);
-    EXPECT_TRUE(output.startsOver);
-    ASSERT_EQ(output.frames.size(), CepstralMean::framesForBetter);
-    EXPECT_EQ(output.frames.front(), level(-1));
+TEST_F(CepstralMeanTest, onceABetterEstimateIsThere_startsOverWithIt) {
+    hear(levels(CepstralMean::framesForEstimate, 2));
+    EXPECT_FALSE(output_.startsOver);
+    EXPECT_EQ(output_.frames.front(), level(0));
+    hear(levels(CepstralMean::framesForBetter - CepstralMean::framesForEstimate, 4));
+    EXPECT_TRUE(output_.startsOver);
+    ASSERT_EQ(output_.frames.size(), CepstralMean::framesForBetter);
+    EXPECT_EQ(output_.frames.front(), level(-1));
 }
 
-TEST(CepstralMean, onceTheMeanIsGood_startsOverWithIt) {
-    CepstralMean mean;
-    mean.begin();
-    CepstralMean::Output output;
-    mean.process(levels(CepstralMean::framesForMean / 2, 2), output);
-    mean.process(levels(CepstralMean::framesForMean / 2 + 1, 4), output);
-    EXPECT_TRUE(output.startsOver);
-    ASSERT_EQ(output.frames.size(), CepstralMean::framesForMean + 1);
-    EXPECT_EQ(output.frames.front(), level(-1));
-    EXPECT_EQ(output.frames.back(), level(1));
+TEST_F(CepstralMeanTest, onceTheMeanIsGood_startsOverWithIt) {
+    hear(levels(CepstralMean::framesForMean / 2, 2));
+    hear(levels(CepstralMean::framesForMean / 2 + 1, 4));
+    EXPECT_TRUE(output_.startsOver);
+    ASSERT_EQ(output_.frames.size(), CepstralMean::framesForMean + 1);
+    EXPECT_EQ(output_.frames.front(), level(-1));
+    EXPECT_EQ(output_.frames.back(), level(1));
 }
 
-TEST(CepstralMean, afterThat_theMeanStays) {
-    CepstralMean mean;
-    mean.begin();
-    CepstralMean::Output output;
-    mean.process(levels(CepstralMean::framesForMean, 2), output);
-    mean.process(levels(1000, 10), output);
-    EXPECT_FALSE(output.startsOver);
-    ASSERT_EQ(output.frames.size(), 1000U);
-    EXPECT_EQ(output.frames.back(), level(8));
-    mean.finish(output);
-    EXPECT_TRUE(output.frames.empty());
+TEST_F(CepstralMeanTest, afterThat_theMeanStays) {
+    hear(levels(CepstralMean::framesForMean, 2));
+    hear(levels(1000, 10));
+    EXPECT_FALSE(output_.startsOver);
+    ASSERT_EQ(output_.frames.size(), 1000U);
+    EXPECT_EQ(output_.frames.back(), level(8));
+    mean_.finish(output_);
+    EXPECT_TRUE(output_.frames.empty());
 }
 
-TEST(CepstralMean, whenItAllComesAtOnce_givesItOnce) {
-    CepstralMean mean;
-    mean.begin();
-    CepstralMean::Output output;
-    mean.process(levels(CepstralMean::framesForMean * 2, 2), output);
-    EXPECT_EQ(output.frames.size(), CepstralMean::framesForMean * 2);
+TEST_F(CepstralMeanTest, whenItAllComesAtOnce_givesItOnce) {
+    hear(levels(CepstralMean::framesForMean * 2, 2));
+    EXPECT_EQ(output_.frames.size(), CepstralMean::framesForMean * 2);
 }
 
-TEST(CepstralMean, whenTheUtteranceIsShort_usesTheMeanOfAllOfIt) {
-    CepstralMean mean;
-    mean.begin();
-    CepstralMean::Output output;
-    mean.process(levels(5, 1), output);
-    mean.process(levels(5, 2), output);
-    mean.finish(output);
-    ASSERT_EQ(output.frames.size(), 10U);
-    EXPECT_EQ(output.frames.front(), level(-0.5));
-    EXPECT_EQ(output.frames.back(), level(0.5));
+TEST_F(CepstralMeanTest, whenTheUtteranceIsShort_usesTheMeanOfAllOfIt) {
+    hear(levels(5, 1));
+    hear(levels(5, 2));
+    mean_.finish(output_);
+    ASSERT_EQ(output_.frames.size(), 10U);
+    EXPECT_EQ(output_.frames.front(), level(-0.5));
+    EXPECT_EQ(output_.frames.back(), level(0.5));
 }
 
-TEST(CepstralMean, whenNothingWasHeard_givesNothing) {
-    CepstralMean mean;
-    mean.begin();
-    CepstralMean::Output output;
-    mean.finish(output);
-    EXPECT_TRUE(output.frames.empty());
+TEST_F(CepstralMeanTest, whenNothingWasHeard_givesNothing) {
+    mean_.finish(output_);
+    EXPECT_TRUE(output_.frames.empty());
 }
 
-TEST(CepstralMean, inTheNextUtterance_remembersTheOneBefore) {
-    CepstralMean mean;
-    CepstralMean::Output output;
-    mean.begin();
-    mean.process(levels(CepstralMean::framesToRemember, 6), output);
-    mean.finish(output);
-    mean.begin();
-    mean.process(levels(1, 2), output);
-    mean.finish(output);
-    ASSERT_EQ(output.frames.size(), 1U);
+TEST_F(CepstralMeanTest, inTheNextUtterance_remembersTheOneBefore) {
+    hear(levels(CepstralMean::framesToRemember, 6));
+    mean_.finish(output_);
+    mean_.begin();
+    hear(levels(1, 2));
+    mean_.finish(output_);
+    ASSERT_EQ(output_.frames.size(), 1U);
     // Nearly all of the mean is of the utterance before.
-    EXPECT_NEAR(output.frames.front()[0], 2 - 6, 0.1);
+    EXPECT_NEAR(output_.frames.front()[0], 2 - 6, 0.1);
 }
 
-TEST(CepstralMean, theMoreIsHeard_theLessTheUtteranceBeforeCounts) {
-    CepstralMean mean;
-    CepstralMean::Output output;
-    mean.begin();
-    mean.process(levels(CepstralMean::framesToRemember, 6), output);
-    mean.finish(output);
-    mean.begin();
-    mean.process(levels(CepstralMean::framesForMean, 2), output);
-    EXPECT_EQ(output.frames.front(), level(0));
+TEST_F(CepstralMeanTest, theMoreIsHeard_theLessTheUtteranceBeforeCounts) {
+    hear(levels(CepstralMean::framesToRemember, 6));
+    mean_.finish(output_);
+    mean_.begin();
+    hear(levels(CepstralMean::framesForMean, 2));
+    EXPECT_EQ(output_.frames.front(), level(0));
 }
 
-TEST(CepstralMean, afterAnUtteranceOfAFewFrames_doesNotRememberIt) {
-    CepstralMean mean;
-    CepstralMean::Output output;
-    mean.begin();
-    mean.process(levels(CepstralMean::framesToRemember - 1, 100), output);
-    mean.finish(output);
-    mean.begin();
-    mean.process(levels(10, 2), output);
-    mean.finish(output);
-    ASSERT_EQ(output.frames.size(), 10U);
-    EXPECT_EQ(output.frames.front(), level(0));
+TEST_F(CepstralMeanTest, afterAnUtteranceOfAFewFrames_doesNotRememberIt) {
+    hear(levels(CepstralMean::framesToRemember - 1, 100));
+    mean_.finish(output_);
+    mean_.begin();
+    hear(levels(10, 2));
+    mean_.finish(output_);
+    ASSERT_EQ(output_.frames.size(), 10U);
+    EXPECT_EQ(output_.frames.front(), level(0));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Tovik Record authors
 // SPDX-License-Identifier: MIT
-#include "Engines/PocketSphinx/TermPronouncer.h"
+#include "Engines/PocketSphinx/ContextualVocabulary.h"
 
 #include <gmock/gmock.h>
 
