@@ -4,7 +4,6 @@
 
 #include "Permissions/PermissionRequests.h"
 #include "Platform/Platform.h"
-#include "Platform/TranslationService.h"
 #include "Speech/History/TranscriptHistoryStore.h"
 #include "Speech/Text/TranscriptionDictionary.h"
 #include "Speech/Text/Unicode.h"
@@ -78,11 +77,17 @@ void TranscriptDelivery::receive(std::string text) {
         const std::lock_guard lock(receivedMutex_);
         received_.push_back(std::move(text));
     }
-    platform_.mainQueue.async(lifetime_.guard([this] {
-        if (const auto next = takeReceived()) {
-            handleTranscription(*next);
+    platform_.mainQueue.async(lifetime_.guard([this] { handleReceived(); }));
+}
+
+void TranscriptDelivery::handleReceived() {
+    while (pasting_ == 0) {
+        const auto next = takeReceived();
+        if (!next) {
+            return;
         }
-    }));
+        handleTranscription(*next);
+    }
 }
 
 std::optional<std::string> TranscriptDelivery::takeReceived() {
@@ -96,7 +101,8 @@ std::optional<std::string> TranscriptDelivery::takeReceived() {
 }
 
 bool TranscriptDelivery::isUnderWay() const {
-    return underWay_ > 0 || platform_.keyEventPoster.isPosting();
+    const std::lock_guard lock(receivedMutex_);
+    return !received_.empty() || !spoken_.empty() || pasting_ > 0 || platform_.keyEventPoster.isPosting();
 }
 
 void TranscriptDelivery::tellWhenDelivered() {
@@ -117,7 +123,9 @@ void TranscriptDelivery::handleTranscription(const std::string& text) {
     }
     remember(corrected);
     if (platform_.defaults.boolean("TranslationEnabled").value_or(false)) {
-        translateAndPaste(corrected);
+        translate(corrected);
+    } else if (!spoken_.empty()) {
+        spoken_.push_back({corrected, true});
     } else {
         pasteTextToTarget(corrected);
     }
@@ -145,25 +153,37 @@ void TranscriptDelivery::remember(const std::string& corrected) {
     mainWindow_.reloadHistoryTable();
 }
 
-void TranscriptDelivery::translateAndPaste(const std::string& corrected) {
-    ++underWay_;
-    translator_.translate(
-        corrected, lifetime_.guard([this, corrected](const std::optional<TranslationResult>& translation) {
-            --underWay_;
-            if (!translation) {
-                pasteTextToTarget(corrected);
-                return;
-            }
-            platform_.log.printLine("[TovikVoice] Translation: '" +
-                                    firstCharacters(translation->originalText, kLogPreviewLength) + "' → '" +
-                                    firstCharacters(translation->translatedText, kLogPreviewLength) + "'");
-            lastTranscript_ = translation->translatedText + "\n[" + translation->originalText + "]";
-            pasteTextToTarget(translation->translatedText);
-        }));
+// All begin at once, and one may take longer than the next.
+void TranscriptDelivery::translate(const std::string& corrected) {
+    const auto entry = spoken_.insert(spoken_.end(), {corrected});
+    translator_.translate(corrected,
+                          lifetime_.guard([this, entry](const std::optional<TranslationResult>& translation) {
+                              entry->translation = translation;
+                              entry->isReady = true;
+                              pasteNextSpoken();
+                          }));
+}
+
+void TranscriptDelivery::pasteNextSpoken() {
+    if (pasting_ > 0 || spoken_.empty() || !spoken_.front().isReady) {
+        return;
+    }
+    const auto next = std::move(spoken_.front());
+    spoken_.pop_front();
+    if (!next.translation) {
+        pasteTextToTarget(next.corrected);
+        return;
+    }
+    const auto& original = next.translation->originalText;
+    const auto& translated = next.translation->translatedText;
+    platform_.log.printLine("[TovikVoice] Translation: '" + firstCharacters(original, kLogPreviewLength) +
+                            "' → '" + firstCharacters(translated, kLogPreviewLength) + "'");
+    lastTranscript_ = translated + "\n[" + original + "]";
+    pasteTextToTarget(translated);
 }
 
 void TranscriptDelivery::pasteTextToTarget(const std::string& text) {
-    ++underWay_;
+    ++pasting_;
     platform_.pasteboard.replaceContents(text);
     platform_.workspace.hideSelf();
     platform_.mainQueue.asyncAfter(kHideToActivate, lifetime_.guard([this] { restoreFocus(); }));
@@ -194,7 +214,9 @@ void TranscriptDelivery::postPasteToTarget() {
     } else {
         platform_.log.printLine("[TovikVoice] Failed to create paste events");
     }
-    --underWay_;
+    --pasting_;
+    pasteNextSpoken();
+    handleReceived();
     tellWhenDelivered();
 }
 

@@ -3,9 +3,11 @@
 #pragma once
 
 #include "Platform/Subscription.h"
+#include "Platform/TranslationService.h"
 #include "Platform/Workspace.h"
 
 #include <deque>
+#include <list>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -44,7 +46,6 @@ private:
 
 class PermissionRequests;
 class TargetTracker;
-class TextTranslator;
 class TranscriptHistoryStore;
 class TranscriptionDictionary;
 struct MainWindow;
@@ -60,7 +61,7 @@ public:
                        TextTranslator& translator);
 
     /// A final text on its way from the recogniser; any thread. It is handled on the main thread, in its
-    /// order.
+    /// order, and not before the text of the one before it is safe from being replaced on the pasteboard.
     void receive(std::string text);
 
     /// Takes every final text, also an empty one. Without the permission to press keys the text is dropped.
@@ -90,10 +91,19 @@ public:
     [[nodiscard]] const std::deque<std::string>& transcriptHistory() const { return transcriptHistory_; }
 
 private:
+    /// A text that is being translated, or waits for one that was spoken before it.
+    struct Spoken {
+        std::string corrected;
+        bool isReady = false;
+        std::optional<TranslationResult> translation = std::nullopt;
+    };
+
     [[nodiscard]] std::optional<std::string> takeReceived();
     void tellWhenDelivered();
     void remember(const std::string& corrected);
-    void translateAndPaste(const std::string& corrected);
+    void handleReceived();
+    void translate(const std::string& corrected);
+    void pasteNextSpoken();
     void restoreFocus();
     void postPasteToTarget();
     void postPasteToFrontmost();
@@ -106,9 +116,11 @@ private:
     TranscriptHistoryStore& history_;
     TextTranslator& translator_;
 
-    std::mutex receivedMutex_;
+    mutable std::mutex receivedMutex_;
     std::deque<std::string> received_;
-    int underWay_ = 0;
+    std::list<Spoken> spoken_;
+    /// Texts on the pasteboard whose paste keys have not been posted yet.
+    int pasting_ = 0;
     std::optional<std::string> lastTranscript_;
     std::deque<std::string> transcriptHistory_;
     Subscription pressed_;

@@ -30,6 +30,12 @@ public:
         completion(result);
     }
 
+    void answerNewest(const std::optional<TranslationResult>& result) {
+        const auto completion = std::move(completions_.back());
+        completions_.pop_back();
+        completion(result);
+    }
+
     /// Set: there is no translation service, for this reason.
     std::optional<std::string> missing;
     /// What was to be translated, in order.

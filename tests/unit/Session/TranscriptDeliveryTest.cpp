@@ -209,8 +209,27 @@ TEST_F(TranscriptDeliveryTest, textsFromOtherThreads_areHandledOnTheMainThreadIn
         delivery.receive("two");
     }).join();
     EXPECT_THAT(pasteboard.texts(), IsEmpty());
+    EXPECT_TRUE(delivery.isUnderWay());
     time.runPending();
+    EXPECT_THAT(pasteboard.texts(), ElementsAre("one"));
+    time.advance(Seconds(0.28));
     EXPECT_THAT(pasteboard.texts(), ElementsAre("one", "two"));
+}
+
+TEST_F(TranscriptDeliveryTest, aTextThatIsReceivedDuringTheDelaysOfAnother_leavesItItsPaste) {
+    std::vector<std::string> pasted;
+    poster.onPost = [&](const test::FakeKeyEventPoster::Posted& posted) {
+        if (posted.event.keyDown) {
+            pasted.push_back(pasteboard.contents().value_or(""));
+        }
+    };
+    delivery.receive("one");
+    time.advance(Seconds(0.15));
+    delivery.receive("two");
+    delivery.receive("three");
+    finishPaste();
+    EXPECT_THAT(pasted, ElementsAre("one", "two", "three"));
+    EXPECT_FALSE(delivery.isUnderWay());
 }
 
 TEST_F(TranscriptDeliveryTest, tellsWhenNothingIsUnderWayAnyMore) {
@@ -258,6 +277,34 @@ TEST_F(TranslatedDeliveryTest, withoutAResult_theCorrectedTextIsPasted) {
     EXPECT_THAT(pasteboard.texts(), ElementsAre("Tovik Record"));
     EXPECT_EQ(delivery.lastTranscript(), "Tovik Record");
     EXPECT_THAT(mainWindow.toasts(), IsEmpty());
+}
+
+TEST_F(TranslatedDeliveryTest, translationsThatComeInAnotherOrder_arePastedInTheOrderOfTheirTexts) {
+    std::vector<std::string> pasted;
+    poster.onPost = [&](const test::FakeKeyEventPoster::Posted& posted) {
+        if (posted.event.keyDown) {
+            pasted.push_back(pasteboard.contents().value_or(""));
+        }
+    };
+    delivery.receive("one");
+    delivery.receive("two");
+    delivery.receive("three");
+    time.runPending();
+    EXPECT_THAT(translator.texts, ElementsAre("one", "two", "three")) << "none waits for another";
+    defaults.set("TranslationEnabled", false);
+    delivery.receive("four");
+    time.runPending();
+    translator.answerNewest(TranslationResult{"three", "tres", "en", "es"});
+    translator.answerNewest(std::nullopt);
+    finishPaste();
+    EXPECT_THAT(pasteboard.texts(), IsEmpty());
+    EXPECT_TRUE(delivery.isUnderWay());
+    translator.answer(TranslationResult{"one", "uno", "en", "es"});
+    EXPECT_THAT(pasteboard.texts(), ElementsAre("uno"));
+    time.advance(Seconds(4 * 0.28));
+    EXPECT_THAT(pasted, ElementsAre("uno", "two", "tres", "four"));
+    EXPECT_EQ(delivery.lastTranscript(), "tres\n[three]");
+    EXPECT_FALSE(delivery.isUnderWay());
 }
 
 TEST_F(TranslatedDeliveryTest, theLogLine_cutsEachSideTo50Characters) {
