@@ -319,13 +319,13 @@ bool ContextualVocabulary::add(ps_decoder_s* decoder, const std::vector<NewWord>
     std::size_t term = termOfWord_.size();
     for (const auto& word : words) {
         term += word.isVariant ? 0 : 1;
-        auto& class_ = classes[term % classes.size()];
-        class_.names.push_back(const_cast<char*>(word.name.c_str()));
-        class_.weights.push_back(word.isVariant ? kNoWeight : 1);
+        auto& wordClass = classes[term % classes.size()];
+        wordClass.names.push_back(const_cast<char*>(word.name.c_str()));
+        wordClass.weights.push_back(word.isVariant ? kNoWeight : 1);
     }
-    for (auto& class_ : classes) {
-        const auto sum = std::accumulate(class_.weights.begin(), class_.weights.end(), 0.0F);
-        for (auto& weight : class_.weights) {
+    for (auto& wordClass : classes) {
+        const auto sum = std::accumulate(wordClass.weights.begin(), wordClass.weights.end(), 0.0F);
+        for (auto& weight : wordClass.weights) {
             weight /= sum;
         }
     }

@@ -81,7 +81,7 @@ std::string promptOf(const std::vector<std::string>& contextualStrings) {
         if (prompt.size() + term->size() + 2 > kLongestPrompt) {
             break;
         }
-        prompt = prompt.empty() ? *term : *term + ", " + prompt;
+        prompt.insert(0, prompt.empty() ? *term : *term + ", ");
     }
     return prompt;
 }

@@ -128,7 +128,8 @@ Result<std::unique_ptr<const VoskLibrary>> VoskLibrary::load(const std::vector<s
             library->setLogLevel(-1);
             return std::unique_ptr<const VoskLibrary>(std::move(library));
         }
-        why = candidate + " has no " + missing;
+        why = candidate;
+        why.append(" has no ").append(missing);
     }
     return voskUnusable(why);
 }

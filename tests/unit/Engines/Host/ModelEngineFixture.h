@@ -103,7 +103,7 @@ protected:
 
     /// Starts a task on the request; the answers tell what becomes of it.
     RecognitionAnswers start(const std::shared_ptr<RecognitionRequest>& request) {
-        const RecognitionAnswers answers;
+        RecognitionAnswers answers;
         tasks_.push_back(engine_->makeRecognizer()->startTask(request, answers.handler()));
         return answers;
     }

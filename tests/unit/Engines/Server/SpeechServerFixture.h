@@ -72,7 +72,7 @@ protected:
 
     RecognitionAnswers start(const std::shared_ptr<RecognitionRequest>& request,
                              const std::string& locale = "en-US") {
-        const RecognitionAnswers answers;
+        RecognitionAnswers answers;
         tasks_.push_back(service().makeRecognizer(locale)->startTask(request, answers.handler()));
         return answers;
     }
