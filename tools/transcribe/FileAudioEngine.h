@@ -35,6 +35,8 @@ public:
     Result<void> start() override;
     void stop() override;
     void openAhead() override {}
+    void listenOn() override {}
+    void keepOnly(Seconds) override {}
     void closeAhead() override {}
     void flush() override {}
 
