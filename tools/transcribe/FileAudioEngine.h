@@ -35,7 +35,7 @@ public:
     Result<void> start() override;
     void stop() override;
     void openAhead() override {}
-    void listenOn() override {}
+    void listenOn() override { stop(); }
     void keepOnly(Seconds) override {}
     void closeAhead() override {}
     void flush() override {}
