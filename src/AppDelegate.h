@@ -28,7 +28,7 @@ public:
     void quitApp();
     /// The same, when it is not the user who waits: in less time.
     void sessionWillEnd();
-    /// The process ends because its windows have lost the desktop: saves what was being recognised.
+    /// The process ends because its windows have lost the desktop: saves what was being recognized.
     void displayLost();
 
 private:

@@ -23,7 +23,7 @@ struct DictationLocale {
 /// In the order of the menu.
 [[nodiscard]] const std::vector<DictationLocale>& localeDisplay();
 
-/// Identifiers in the order in which a recogniser is looked for when neither the user nor the system names
+/// Identifiers in the order in which a recognizer is looked for when neither the user nor the system names
 /// a usable one.
 [[nodiscard]] const std::vector<std::string>& supportedLocales();
 
@@ -33,7 +33,7 @@ inline constexpr std::string_view kAutoDetectTitle = "🌐 Auto-detect";
 /// User default: the identifier of the user's dictation language (string), absent for auto-detect.
 inline constexpr std::string_view kSelectedDictationLocaleKey = "SelectedDictationLocale";
 
-/// Terms that every recogniser is asked to favour: names that people say and no dictionary holds.
+/// Terms that every recognizer is asked to favour: names that people say and no dictionary holds.
 inline constexpr std::array<std::string_view, 15> kBuiltinVocabulary{
     "Tovik",   "Tovik Record", "GitHub", "Slack",  "Zoom",    "Notion",  "Figma",   "Jira",
     "Dropbox", "Salesforce",   "Stripe", "Trello", "Spotify", "Discord", "LinkedIn"};
@@ -41,7 +41,7 @@ inline constexpr std::array<std::string_view, 15> kBuiltinVocabulary{
 /// The built-in terms and then the user's own, each once.
 [[nodiscard]] std::vector<std::string> contextualStrings(const std::vector<std::string>& customTerms);
 
-/// The words that the user wants the recogniser to favour. Any thread.
+/// The words that the user wants the recognizer to favour. Any thread.
 class CustomVocabulary {
 public:
     static constexpr std::string_view vocabularyKey = "CustomVocabulary";

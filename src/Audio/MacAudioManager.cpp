@@ -46,7 +46,7 @@ MacAudioManager::~MacAudioManager() {
         const std::lock_guard lock(link_->mutex);
         link_->manager = nullptr;
     }
-    // The engine lives on: nothing of this dictation may stay in it. The recogniser is told as well, since
+    // The engine lives on: nothing of this dictation may stay in it. The recognizer is told as well, since
     // it waits for the end of the sound.
     if (request_) {
         endDictation(&AudioEngine::stop);
@@ -151,19 +151,19 @@ void MacAudioManager::startTask() {
         });
 }
 
-/// On the recogniser's thread, with the link locked.
+/// On the recognizer's thread, with the link locked.
 void MacAudioManager::countAnswer() {
     --link_->unanswered;
     link_->answered.notify_all();
     // Behind whatever the callback of the text has queued.
     ports_.mainQueue.async(lifetime_.guard([this] {
         if (--dictationsWithoutText_ == 0) {
-            recognised.tell();
+            recognized.tell();
         }
     }));
 }
 
-bool MacAudioManager::waitUntilRecognised(Seconds patience) {
+bool MacAudioManager::waitUntilRecognized(Seconds patience) {
     std::unique_lock lock(link_->mutex);
     return link_->answered.wait_for(lock, patience, [this] { return link_->unanswered == 0; });
 }
@@ -222,13 +222,13 @@ void MacAudioManager::endDictation(void (AudioEngine::*stopEngine)()) {
     if (tappedRequest_) {
         ports_.engine.removeTap();
         // Not the current request when a tap was left over by a start that failed: what was spoken since
-        // went to the earlier request, whose recogniser still waits for the end.
+        // went to the earlier request, whose recognizer still waits for the end.
         std::exchange(tappedRequest_, nullptr)->endAudio();
     }
     if (recognitionTask_) {
         recognitionTask_->finish();
         if (const auto lost = request_->droppedFrames(); lost > 0) {
-            print("The recogniser fell behind: " + std::to_string(lost) + " frames of sound are lost");
+            print("The recognizer fell behind: " + std::to_string(lost) + " frames of sound are lost");
         }
     }
     recognitionTask_.reset();

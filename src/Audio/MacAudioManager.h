@@ -21,7 +21,7 @@
 
 namespace tovik {
 
-/// Owns the microphone and the recogniser for one dictation at a time, and keeps the list of microphones.
+/// Owns the microphone and the recognizer for one dictation at a time, and keeps the list of microphones.
 /// Made, used and destroyed on the main thread; its callbacks arrive on others.
 ///
 /// The recording always comes from the system's default input. The chosen device is remembered and named in
@@ -40,7 +40,7 @@ public:
         SpeechService& speechService;
     };
 
-    /// They run on the thread of the recogniser or of the microphone, must not block, and must not call the
+    /// They run on the thread of the recognizer or of the microphone, must not block, and must not call the
     /// manager. Each but the first may be absent.
     struct Callbacks {
         /// The clean-up of final texts.
@@ -48,7 +48,7 @@ public:
         /// The final text of a dictation, cleaned up; may come long after stop(). Not called for a dictation
         /// that ends in an error.
         std::function<void(const std::string& text)> onTranscription;
-        /// Every hypothesis on the way to it, as the recogniser gave it.
+        /// Every hypothesis on the way to it, as the recognizer gave it.
         std::function<void(const std::string& text)> onPartialUpdate;
         /// How loud the newest buffer is, 0...1.
         std::function<void(float level)> onLevel;
@@ -56,7 +56,7 @@ public:
 
     static constexpr std::string_view kAudioDeviceBluetooth = "AppleBluetoothAudio";
 
-    /// Reads the device list and follows it from then on; lets the recognisers learn the vocabulary.
+    /// Reads the device list and follows it from then on; lets the recognizers learn the vocabulary.
     MacAudioManager(const Ports& ports, Callbacks callbacks);
     /// Waits for a callback that is under way; none begins afterwards. A dictation that runs is given up.
     ~MacAudioManager() override;
@@ -72,9 +72,9 @@ public:
     void stopAndListenOn() override;
     void openAhead(Seconds ago) override;
     void closeAhead() override;
-    [[nodiscard]] bool isRecognising() const override { return dictationsWithoutText_ > 0; }
+    [[nodiscard]] bool isRecognizing() const override { return dictationsWithoutText_ > 0; }
     /// Once it is true, onTranscription has been called with every text.
-    [[nodiscard]] bool waitUntilRecognised(Seconds patience) override;
+    [[nodiscard]] bool waitUntilRecognized(Seconds patience) override;
 
     /// Remembers the device, and restarts a running recording. Fails with "Device not found" when it is not
     /// in audioDevices(), or as start() does.
@@ -92,7 +92,7 @@ public:
     [[nodiscard]] Subscription reportDevicesTo(AudioDeviceSelectionDelegate& delegate);
 
 private:
-    /// The way from the recogniser's thread back to the manager, and the lock that keeps the manager alive
+    /// The way from the recognizer's thread back to the manager, and the lock that keeps the manager alive
     /// while a result is handled.
     struct Link {
         std::mutex mutex;

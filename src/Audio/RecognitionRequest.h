@@ -16,7 +16,7 @@
 
 namespace tovik {
 
-/// What a recogniser is told of an utterance besides its sound.
+/// What a recognizer is told of an utterance besides its sound.
 struct RecognitionSettings {
     bool reportPartialResults = false;
     /// Words and phrases to favour; no duplicates, order without meaning.
@@ -28,7 +28,7 @@ struct RecognitionSettings {
     bool operator==(const RecognitionSettings&) const = default;
 };
 
-/// The sound of one utterance on its way from the microphone to a recogniser: one thread appends, another
+/// The sound of one utterance on its way from the microphone to a recognizer: one thread appends, another
 /// reads. Whatever was not read yet is kept, as when a model takes its time to load: 230 MB for an hour at
 /// 16 kHz. More than that is dropped and counted, never waited for.
 class RecognitionRequest {
@@ -57,7 +57,7 @@ public:
     /// No more sound will come. Any thread; again is harmless.
     void endAudio();
 
-    /// From the recogniser's thread: waits until there is sound or the end, then fills as much of `out` as
+    /// From the recognizer's thread: waits until there is sound or the end, then fills as much of `out` as
     /// there is. Returns the number of frames, 0 only at the end; nothing when the time is over.
     std::optional<std::size_t> readWithin(std::span<float> out, std::chrono::milliseconds timeout);
 

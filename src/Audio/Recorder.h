@@ -55,13 +55,13 @@ public:
     virtual void closeAhead() = 0;
 
     /// Whether a dictation runs, or one that has ended is still without the text or error that it ends in.
-    [[nodiscard]] virtual bool isRecognising() const = 0;
-    /// Told on the main queue each time that isRecognising() has become false; what the recogniser's thread
+    [[nodiscard]] virtual bool isRecognizing() const = 0;
+    /// Told on the main queue each time that isRecognizing() has become false; what the recognizer's thread
     /// queued with the last text has run by then.
-    Observers<> recognised;
-    /// For when the main queue runs no more: blocks until the recogniser has answered every dictation. False
+    Observers<> recognized;
+    /// For when the main queue runs no more: blocks until the recognizer has answered every dictation. False
     /// when that takes longer than the patience.
-    [[nodiscard]] virtual bool waitUntilRecognised(Seconds patience) = 0;
+    [[nodiscard]] virtual bool waitUntilRecognized(Seconds patience) = 0;
 };
 
 } // namespace tovik

@@ -48,8 +48,8 @@ void SpeechConsent::setAnswer(const ServerAddress& server, bool isAllowed) {
 
 std::string SpeechConsent::question(const ServerAddress& server) {
     return "What you dictate would be sent to the speech server " + server.origin() +
-           " and recognised there" +
-           (server.isEncrypted ? "." : ", over a connection that others may listen to.");
+           " and recognized there" +
+           (server.isEncrypted ? "." : ", over a connection that is not encrypted.");
 }
 
 SpeechEngines::SpeechEngines(Services services)
@@ -123,7 +123,7 @@ std::shared_ptr<SpeechRecognizer> SpeechEngines::makeRecognizer(const std::strin
         if (recognizer && recognizer->isAvailable()) {
             if (whyServerIsAway) {
                 services_.log.logLine("[TovikVoice] " + *whyServerIsAway +
-                                      " Another engine recognises this dictation");
+                                      " Another engine recognizes this dictation");
             }
             return recognizer;
         }

@@ -35,7 +35,7 @@ private:
     UserDefaults& defaults_;
 };
 
-/// All speech engines of this program, as one: a locale is recognised by the first engine that can, in an
+/// All speech engines of this program, as one: a locale is recognized by the first engine that can, in an
 /// order that the user default "platform.speech.engine" chooses: "vosk", "server" or "pocketsphinx" alone, or
 /// "auto", which tries them in that order. Main thread.
 class SpeechEngines : public SpeechService {
@@ -59,7 +59,7 @@ public:
     /// Also loads what the next dictation will need.
     void prepare(const std::vector<std::string>& contextualStrings) override;
 
-    /// Why no speech can be recognised at all and how to mend it, in a sentence for the user; nothing while
+    /// Why no speech can be recognized at all and how to mend it, in a sentence for the user; nothing while
     /// some can.
     [[nodiscard]] std::optional<std::string> whyUnavailable();
 
@@ -83,7 +83,7 @@ private:
     [[nodiscard]] std::string why(Engine engine);
     /// The locales in which a dictation is tried, in order.
     [[nodiscard]] std::vector<std::string> wantedLocales() const;
-    /// The first of these that an engine recognises now, and by which one.
+    /// The first of these that an engine recognizes now, and by which one.
     struct Choice {
         Engine engine;
         std::string locale;

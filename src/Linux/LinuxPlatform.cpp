@@ -153,7 +153,7 @@ LinuxPlatform::Adapters::Adapters(SystemLog& programLog, std::function<void()> t
       soundServer(log),
       devices(soundServer, queue, defaults),
       engine(soundServer, devices.directory()),
-      microphone(Sandbox::recognise(SandboxSigns::ofThisProcess()),
+      microphone(Sandbox::recognize(SandboxSigns::ofThisProcess()),
                  {.log = log,
                   .portal = microphonePortal,
                   .serverStatus = [this] { return devices.microphoneStatus(); },

@@ -46,7 +46,7 @@ struct InstallLocations {
 /// too.
 enum class MicrophoneStatus { notDetermined = 0, restricted = 1, denied = 2, authorized = 3, unknown = 4 };
 
-/// Whether it may recognise speech, likewise; the platform counts the two kinds of refusal the other way
+/// Whether it may recognize speech, likewise; the platform counts the two kinds of refusal the other way
 /// round.
 enum class SpeechStatus { notDetermined = 0, denied = 1, restricted = 2, authorized = 3 };
 

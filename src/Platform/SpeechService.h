@@ -23,12 +23,12 @@ struct RecognitionResult {
     bool operator==(const RecognitionResult&) const = default;
 };
 
-/// Receives hypotheses and errors on the recogniser's own thread. Exactly one call ends a task: the final
+/// Receives hypotheses and errors on the recognizer's own thread. Exactly one call ends a task: the final
 /// result, or an error without a result.
 using RecognitionHandler =
     std::function<void(const std::optional<RecognitionResult>& result, const std::optional<Error>& error)>;
 
-/// One utterance being recognised. Dropping it neither cancels it nor silences its handler.
+/// One utterance being recognized. Dropping it neither cancels it nor silences its handler.
 class RecognitionTask {
 public:
     virtual ~RecognitionTask() = default;
@@ -37,7 +37,7 @@ public:
     virtual void finish() = 0;
 };
 
-/// Recognises one language. Main thread; nothing here blocks.
+/// Recognizes one language. Main thread; nothing here blocks.
 class SpeechRecognizer {
 public:
     virtual ~SpeechRecognizer() = default;
@@ -45,24 +45,24 @@ public:
     [[nodiscard]] virtual bool isAvailable() const = 0;
 
     /// Reads the request's audio from its first frame on, also what was appended before this call or before
-    /// the recogniser was ready.
+    /// the recognizer was ready.
     [[nodiscard]] virtual std::unique_ptr<RecognitionTask>
     startTask(std::shared_ptr<RecognitionRequest> request, RecognitionHandler handler) = 0;
 };
 
-/// Where recognisers come from. Main thread; nothing here blocks.
+/// Where recognizers come from. Main thread; nothing here blocks.
 class SpeechService {
 public:
     virtual ~SpeechService() = default;
 
-    /// Nothing when no recogniser can be made for the locale (such as "en-US").
+    /// Nothing when no recognizer can be made for the locale (such as "en-US").
     [[nodiscard]] virtual std::shared_ptr<SpeechRecognizer>
     makeRecognizer(const std::string& localeIdentifier) = 0;
 
     /// The identifier of the user's own locale.
     [[nodiscard]] virtual std::string currentLocaleIdentifier() const = 0;
 
-    /// The words and phrases that the coming requests will favour, so that a recogniser may learn them ahead
+    /// The words and phrases that the coming requests will favour, so that a recognizer may learn them ahead
     /// of the first. What a request itself says holds; again is harmless.
     virtual void prepare(const std::vector<std::string>& contextualStrings) = 0;
 };

@@ -28,14 +28,14 @@ void Shutdown::quit(Seconds patience) {
         return;
     }
     platform_.log.printLine("[TovikVoice] Quitting as soon as the last dictation has been delivered");
-    recognised_ = recorder_.recognised.add([this] { terminateOnceDelivered(); });
+    recognized_ = recorder_.recognized.add([this] { terminateOnceDelivered(); });
     delivered_ = delivery_.delivered.add([this] { terminateOnceDelivered(); });
     ending_ = platform_.mainQueue.after(patience, [this] { giveUp(); });
     recorder_.stop();
 }
 
 bool Shutdown::isUnderWay() const {
-    return recorder_.isRecognising() || delivery_.isUnderWay();
+    return recorder_.isRecognizing() || delivery_.isUnderWay();
 }
 
 void Shutdown::terminateOnceDelivered() {
@@ -45,10 +45,10 @@ void Shutdown::terminateOnceDelivered() {
 }
 
 void Shutdown::keepLastWords() {
-    if (recorder_.isRecognising()) {
+    if (recorder_.isRecognizing()) {
         recorder_.stop();
-        if (!recorder_.waitUntilRecognised(patienceOfSession)) {
-            platform_.log.printLine("[TovikVoice] The last dictation was not recognised in time");
+        if (!recorder_.waitUntilRecognized(patienceOfSession)) {
+            platform_.log.printLine("[TovikVoice] The last dictation was not recognized in time");
         }
     }
     for (auto kept = delivery_.keepWithoutPasting(); kept > 0; --kept) {
@@ -59,14 +59,14 @@ void Shutdown::keepLastWords() {
 
 void Shutdown::giveUp() {
     platform_.log.printLine(
-        recorder_.isRecognising()
-            ? "[TovikVoice] The last dictation was not recognised in time"
+        recorder_.isRecognizing()
+            ? "[TovikVoice] The last dictation was not recognized in time"
             : "[TovikVoice] The last dictation was not pasted in time: its text is in the history");
     terminate();
 }
 
 void Shutdown::terminate() {
-    recognised_.end();
+    recognized_.end();
     delivered_.end();
     ending_.end();
     platform_.terminate();

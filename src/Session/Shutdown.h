@@ -27,7 +27,7 @@ public:
     void quit(Seconds patience);
 
     /// The desktop is gone and the process about to end, without the event loop: puts what is still being
-    /// recognised into the history, in so far as its text comes in time. Blocks that long.
+    /// recognized into the history, in so far as its text comes in time. Blocks that long.
     void keepLastWords();
 
 private:
@@ -40,7 +40,7 @@ private:
     Recorder& recorder_;
     TranscriptDelivery& delivery_;
     bool hasBegun_ = false;
-    Subscription recognised_;
+    Subscription recognized_;
     Subscription delivered_;
     Subscription ending_;
 };

@@ -60,7 +60,7 @@ public:
                        TranscriptionDictionary& dictionary, TranscriptHistoryStore& history,
                        TextTranslator& translator);
 
-    /// A final text on its way from the recogniser; any thread. It is handled on the main thread, in its
+    /// A final text on its way from the recognizer; any thread. It is handled on the main thread, in its
     /// order, and not before the text of the one before it is safe from being replaced on the pasteboard.
     void receive(std::string text);
 

@@ -18,7 +18,7 @@ public:
     virtual ~SpeechWorld() = default;
 
     [[nodiscard]] virtual SpeechService& service() = 0;
-    /// A sentence that the service recognises: its sound and its text.
+    /// A sentence that the service recognizes: its sound and its text.
     [[nodiscard]] virtual const std::vector<float>& sentence() const = 0;
     [[nodiscard]] virtual std::string text() const = 0;
     /// Whether the service tells what it hears before the end.

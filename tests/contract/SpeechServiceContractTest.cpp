@@ -130,7 +130,7 @@ TEST_P(SpeechServiceContract, whenTheLocaleIsUnknown_thereIsNoRecognizer) {
     EXPECT_EQ(world_->service().makeRecognizer(""), nullptr);
 }
 
-TEST_P(SpeechServiceContract, afterBeingPreparedForWords_recognises) {
+TEST_P(SpeechServiceContract, afterBeingPreparedForWords_recognizes) {
     world_->service().prepare({"Tovik Record"});
     const auto utterance = request();
     append(*utterance, world_->sentence());

@@ -23,23 +23,23 @@ public:
     }
     void stop() override { note("stop"); }
     void stopAndListenOn() override { note("stopAndListenOn"); }
-    [[nodiscard]] bool isRecognising() const override { return recognises; }
-    [[nodiscard]] bool waitUntilRecognised(Seconds patience) override {
+    [[nodiscard]] bool isRecognizing() const override { return recognizes; }
+    [[nodiscard]] bool waitUntilRecognized(Seconds patience) override {
         waits.push_back(patience);
-        return !recognises;
+        return !recognizes;
     }
     void openAhead(Seconds) override { note("openAhead"); }
     void closeAhead() override { note("closeAhead"); }
 
     /// What the next starts come to.
     std::optional<Error> failure;
-    bool recognises = false;
+    bool recognizes = false;
     /// Every dictation has its text, or its error.
-    void finishRecognising() {
-        recognises = false;
-        recognised.tell();
+    void finishRecognizing() {
+        recognizes = false;
+        recognized.tell();
     }
-    /// How long waitUntilRecognised() would have waited at most, call by call.
+    /// How long waitUntilRecognized() would have waited at most, call by call.
     std::vector<Seconds> waits;
     /// start, stop, stopAndListenOn, openAhead and closeAhead calls by name, in order.
     std::vector<std::string> calls;

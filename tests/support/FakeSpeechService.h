@@ -15,7 +15,7 @@
 
 namespace tovik::test {
 
-/// One utterance that the program asked the fake to recognise. Lives as long as a test holds it; all
+/// One utterance that the program asked the fake to recognize. Lives as long as a test holds it; all
 /// operations are for any thread.
 class FakeUtterance {
 public:
@@ -29,7 +29,7 @@ public:
     [[nodiscard]] bool dropped() const;
 
     /// Call the program's handler on the calling thread, as often as a test likes: also in an order in which
-    /// no recogniser would.
+    /// no recognizer would.
     void deliverPartial(const std::string& text);
     void deliverFinal(const std::string& text);
     void deliverError(const Error& error);
@@ -65,8 +65,8 @@ public:
     [[nodiscard]] std::string currentLocaleIdentifier() const override;
     void prepare(const std::vector<std::string>& contextualStrings) override;
 
-    /// How a locale stands from now on, also for recognisers already made. Available at first: "en-US" only;
-    /// every other one is unknown, and no recogniser can be made for it.
+    /// How a locale stands from now on, also for recognizers already made. Available at first: "en-US" only;
+    /// every other one is unknown, and no recognizer can be made for it.
     void setLocale(const std::string& localeIdentifier, Locale state);
     /// "en-US" at first.
     void setCurrentLocaleIdentifier(std::string localeIdentifier);
@@ -77,7 +77,7 @@ public:
 
     /// What the service was last told to prepare for; empty before.
     [[nodiscard]] std::vector<std::string> preparedFor() const;
-    /// The locales for which a recogniser was asked, in order.
+    /// The locales for which a recognizer was asked, in order.
     [[nodiscard]] std::vector<std::string> askedLocales() const;
     [[nodiscard]] std::size_t utteranceCount() const;
     /// Nothing when there is none.

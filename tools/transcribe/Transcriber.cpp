@@ -12,7 +12,7 @@ namespace tovik {
 
 namespace {
 
-/// Loading takes half a second; a machine that needs this long will not recognise anything either.
+/// Loading takes half a second; a machine that needs this long will not recognize anything either.
 constexpr Seconds kLoadAtMost{60};
 
 Seconds timeOn(clockid_t clock) {
@@ -52,7 +52,7 @@ Transcriber::Transcriber(FileAudioEngine::Pace pace, OwnSettings::Values setting
       engine_(pace, [this](const std::stop_token& stopped) { return watched_.waitUntilKeptUp(stopped); }),
       manager_({clock_, queue_, log, settings_, engine_, devices_, hardware_, watched_},
                {.processTranscription =
-                    [this](const std::string& recognised) { return chain_.processTranscription(recognised); },
+                    [this](const std::string& recognized) { return chain_.processTranscription(recognized); },
                 .onTranscription = [this](const std::string& cleaned) { cleaned_ = cleaned; },
                 .onPartialUpdate = nullptr,
                 .onLevel = nullptr}) {}
@@ -85,13 +85,13 @@ Transcript Transcriber::transcribe(SoundFile sound) {
     const auto processorUsed = processorTime() - processorBefore;
 
     if (!outcome) {
-        transcript.error = "There is no recogniser";
+        transcript.error = "There is no recognizer";
         return transcript;
     }
     if (outcome->error) {
         transcript.error = outcome->error->description;
     } else {
-        transcript.recognised = outcome->recognised;
+        transcript.recognized = outcome->recognized;
         transcript.text = dictionary_.apply(cleaned_);
     }
     transcript.finalMilliseconds =

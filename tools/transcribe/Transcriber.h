@@ -21,8 +21,8 @@ namespace tovik {
 struct Transcript {
     /// As it would be pasted.
     std::string text;
-    /// The recogniser's own words.
-    std::string recognised;
+    /// The recognizer's own words.
+    std::string recognized;
     /// Why there are none.
     std::optional<std::string> error;
     double audioSeconds = 0;
@@ -32,7 +32,7 @@ struct Transcript {
     double realTimeFactor = 0;
 };
 
-/// Dictates recordings: the program's own audio manager, recogniser and text rules, without a desktop and
+/// Dictates recordings: the program's own audio manager, recognizer and text rules, without a desktop and
 /// with the settings as they are on the first day.
 class Transcriber {
 public:

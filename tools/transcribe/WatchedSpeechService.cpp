@@ -8,7 +8,7 @@
 
 namespace tovik {
 
-/// Sound that may wait for the recogniser, in seconds: as much as a microphone has on its way.
+/// Sound that may wait for the recognizer, in seconds: as much as a microphone has on its way.
 constexpr double kBacklog = 0.1;
 constexpr std::chrono::milliseconds kLookAgain{2};
 

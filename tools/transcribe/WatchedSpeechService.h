@@ -23,7 +23,7 @@ public:
 
     /// How an utterance ended: with a text or with an error.
     struct Outcome {
-        std::string recognised;
+        std::string recognized;
         std::optional<Error> error;
         Time at;
     };
@@ -41,7 +41,7 @@ public:
     /// Waits for the end of the utterance, its handler included, and does something again and again
     /// meanwhile. Nothing when no utterance was begun.
     [[nodiscard]] std::optional<Outcome> waitForOutcome(const std::function<void()>& meanwhile);
-    /// Waits until the recogniser has taken nearly all of the sound so far; false when stopped before.
+    /// Waits until the recognizer has taken nearly all of the sound so far; false when stopped before.
     [[nodiscard]] bool waitUntilKeptUp(const std::stop_token& stopped);
 
 private:

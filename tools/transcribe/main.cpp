@@ -22,12 +22,12 @@ constexpr int kWrongUse = 2;
 constexpr std::string_view kHelp =
     R"(usage: tovik-transcribe [OPTION...] FILE.wav...
 
-Dictates recordings without a desktop: the program's recogniser and text rules, with the
+Dictates recordings without a desktop: the program's recognizer and text rules, with the
 settings of the first day. Touches no settings; only the sound that a speech server
 fails is kept in a file.
 
-  --json      one JSON object a recording: file, text (as it would be pasted), recognised
-              (the recogniser's own words), audio_seconds, final_ms (end of sound to final
+  --json      one JSON object a recording: file, text (as it would be pasted), recognized
+              (the recognizer's own words), audio_seconds, final_ms (end of sound to final
               text), rtf (processor time for a second of sound), load_ms (until the model was
               loaded); error when there is no text
   --realtime  play at the speed at which a person speaks
@@ -38,7 +38,7 @@ fails is kept in a file.
   --verbose   the program's log lines on standard error
 
 Exit status: 0 when every recording was heard, also one without speech; 1 when a file cannot
-be read or the recogniser cannot be used; 2 for a wrong command line.
+be read or the recognizer cannot be used; 2 for a wrong command line.
 )";
 
 struct Options {
@@ -97,7 +97,7 @@ Options parse(int count, char** arguments) {
 void printJson(const std::string& file, const Transcript& transcript, tovik::Seconds loadTime) {
     nlohmann::ordered_json object{{"file", file},
                                   {"text", transcript.text},
-                                  {"recognised", transcript.recognised},
+                                  {"recognized", transcript.recognized},
                                   {"audio_seconds", transcript.audioSeconds},
                                   {"final_ms", transcript.finalMilliseconds},
                                   {"rtf", transcript.realTimeFactor},
@@ -112,7 +112,7 @@ void printJson(const std::string& file, const Transcript& transcript, tovik::Sec
 void printPlain(const std::string& file, const Transcript& transcript) {
     std::cout << file << '\n'
               << "  text        " << transcript.text << '\n'
-              << "  recognised  " << transcript.recognised << '\n';
+              << "  recognized  " << transcript.recognized << '\n';
     if (transcript.error) {
         std::cout << "  error       " << *transcript.error << '\n';
     }

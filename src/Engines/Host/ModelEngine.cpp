@@ -244,8 +244,8 @@ void ModelEngine::lost(ModelProcess::Loss how) {
         return;
     }
     answered(how == ModelProcess::Loss::hung
-                 ? recognitionError(RecognitionCode::notAnswering, "The recogniser does not answer")
-                 : recognitionError(RecognitionCode::failed, "The recogniser broke down"));
+                 ? recognitionError(RecognitionCode::notAnswering, "The recognizer does not answer")
+                 : recognitionError(RecognitionCode::failed, "The recognizer broke down"));
 }
 
 /// Shows others how the process is. A process that has gone knew words that the next one is to learn, unless

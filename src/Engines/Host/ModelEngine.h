@@ -19,7 +19,7 @@ namespace tovik {
 
 class Dictation;
 
-/// Recognises with one model of this machine, in a process of its own: tovik-engine.
+/// Recognizes with one model of this machine, in a process of its own: tovik-engine.
 ///
 /// The model is loaded in the background from the construction on. A dictation that begins before it is ready
 /// waits for it and loses nothing. Utterances are decoded one after the other. The sound of each is kept
@@ -57,7 +57,7 @@ public:
     /// is harmless.
     void prepare(const std::vector<std::string>& contextualStrings);
 
-    /// Why no speech can be recognised, and what to install, in a sentence for the user. Nothing while the
+    /// Why no speech can be recognized, and what to install, in a sentence for the user. Nothing while the
     /// model is usable or still being loaded. A model that was missing is looked for again.
     [[nodiscard]] std::optional<std::string> whyUnavailable();
 

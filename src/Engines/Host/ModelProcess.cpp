@@ -257,8 +257,8 @@ std::optional<ModelProcess::Loss> ModelProcess::lost(Loss how) {
     const bool hung = how == Loss::hung;
     end();
     if (wasLoaded) {
-        log_.logLine(hung ? "[TovikVoice] Speech recognition does not answer: it is started anew"
-                          : "[TovikVoice] Speech recognition broke down: it is started anew");
+        log_.logLine(hung ? "[TovikVoice] Speech recognition does not answer: it is started again"
+                          : "[TovikVoice] Speech recognition broke down: it is started again");
         nextStart_ = after(pause_);
         pause_ = std::clamp(pause_ * 2, limits_.pause, limits_.longestPause);
         return how;

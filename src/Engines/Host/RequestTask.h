@@ -10,7 +10,7 @@
 
 namespace tovik {
 
-/// A task whose recogniser needs nothing but the request to know the end of the speech. It keeps neither of
+/// A task whose recognizer needs nothing but the request to know the end of the speech. It keeps neither of
 /// them.
 class RequestTask : public RecognitionTask {
 public:

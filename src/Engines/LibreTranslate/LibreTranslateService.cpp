@@ -41,7 +41,7 @@ Error refusal(int status) {
 }
 
 Error nonsense() {
-    return serverError(2, "The translation server gave an answer that makes no sense.");
+    return serverError(2, "The translation server gave an answer that cannot be understood.");
 }
 
 Error noAnswer(const HttpFailure& failure) {

@@ -96,7 +96,7 @@ std::string joined(const std::string& before, const std::string& after) {
     return before + (before.empty() || after.empty() ? "" : " ") + after;
 }
 
-/// Flite's phone as the recogniser names it, which knows no stress, and so no vowel of unstressed syllables.
+/// Flite's phone as the recognizer names it, which knows no stress, and so no vowel of unstressed syllables.
 std::string arpabet(std::string_view phone) {
     const auto bare = phone.substr(0, phone.find_first_of("01"));
     if (bare == "ax") {
@@ -109,7 +109,7 @@ std::string arpabet(std::string_view phone) {
 }
 
 /// How Flite says a word of lower-case letters and apostrophes: as its lexicon has it, else by the rules that
-/// were learned from the dictionary of which the recogniser's is a later version. A letter is its name.
+/// were learned from the dictionary of which the recognizer's is a later version. A letter is its name.
 std::string spoken(const std::string& word) {
     static const cst_lexicon* const lexicon = cmulex_init();
     // Said as a noun, since the article "a" is no letter's name.

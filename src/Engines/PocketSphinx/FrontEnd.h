@@ -15,7 +15,7 @@ struct cmd_ln_s;
 
 namespace tovik {
 
-/// What the recogniser hears of 10 ms of sound, before normalisation.
+/// What the recognizer hears of 10 ms of sound, before normalisation.
 using Cepstrum = std::array<float, 13>;
 
 /// Turns samples at 16 kHz into cepstra, with stationary noise taken off and pauses left out.

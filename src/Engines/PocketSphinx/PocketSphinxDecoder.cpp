@@ -77,7 +77,7 @@ std::string joined(const std::string& earlier, const std::string& later) {
 Error unusable(const std::string& why) {
     return recognitionError(RecognitionCode::noModel,
                             "The English speech model is not usable: " + why +
-                                ". Install the Debian package pocketsphinx-en-us anew.");
+                                ". Install the Debian package pocketsphinx-en-us again.");
 }
 
 /// Whether the library has made a dictionary with words; of a file that is none it makes one without.
@@ -91,7 +91,7 @@ bool knowsWords(ps_decoder_t* decoder) {
 /// A call of the library that tells its failure by a negative number.
 Result<void> outcome(int code) {
     if (code < 0) {
-        return recognitionError(RecognitionCode::failed, "The recogniser failed: " + takeComplaints());
+        return recognitionError(RecognitionCode::failed, "The recognizer failed: " + takeComplaints());
     }
     takeComplaints();
     return {};

@@ -33,7 +33,7 @@ Result<void> check(const fs::path& model) {
             return unusable((model / file).string() + " is missing", ".");
         }
         if (fs::file_size(model / file, error) == 0) {
-            return unusable((model / file).string() + " is cut short", " anew.");
+            return unusable((model / file).string() + " is cut short", " again.");
         }
     }
     return {};
@@ -43,7 +43,7 @@ LocalModel engineModel(const fs::path& folder) {
     return {.check = [folder] { return check(folder); },
             .command = {ModelEngine::program(), "pocketsphinx", folder.string()},
             .files = {folder / "en-us", folder / "en-us.lm.bin", folder / "cmudict-en-us.dict"},
-            .unusable = [](const std::string& how) { return unusable(how, " anew."); }};
+            .unusable = [](const std::string& how) { return unusable(how, " again."); }};
 }
 
 } // namespace

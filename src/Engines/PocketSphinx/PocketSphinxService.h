@@ -13,7 +13,7 @@
 
 namespace tovik {
 
-/// Recognises United States English with PocketSphinx, the embedded engine.
+/// Recognizes United States English with PocketSphinx, the embedded engine.
 class PocketSphinxService : public SpeechService {
 public:
     /// The model of Debian's package pocketsphinx-en-us.
@@ -25,7 +25,7 @@ public:
     PocketSphinxService(const PocketSphinxService&) = delete;
     PocketSphinxService& operator=(const PocketSphinxService&) = delete;
 
-    /// Recognisers serve "en-US" and what means the same: "en", "en_US.UTF-8".
+    /// Recognizers serve "en-US" and what means the same: "en", "en_US.UTF-8".
     [[nodiscard]] std::shared_ptr<SpeechRecognizer>
     makeRecognizer(const std::string& localeIdentifier) override;
     [[nodiscard]] std::string currentLocaleIdentifier() const override;

@@ -283,7 +283,7 @@ void ServerDictation::failed(const std::string& why) {
     if (job_.settings.embeddedWhenServerFails) {
         // The program's own server is not needed for that.
         job_.server.reset();
-        services_.recogniseElsewhere(job_, std::move(samples_));
+        services_.recognizeElsewhere(job_, std::move(samples_));
     } else {
         job_.utterance->answer(recognitionError(RecognitionCode::failed, why));
     }
@@ -292,7 +292,7 @@ void ServerDictation::failed(const std::string& why) {
 void ServerDictation::keepAudio() {
     const auto kept = services_.failedAudio.keep(samples_, kTranscriptionRate);
     services_.log.logLine(kept ? "[TovikVoice] The sound of the dictation is kept in " + kept.value() +
-                                     " until the next one is recognised"
+                                     " until the next one is recognized"
                                : "[TovikVoice] The sound of the dictation could not be kept: " +
                                      kept.error().description);
 }

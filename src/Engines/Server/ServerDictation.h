@@ -78,8 +78,8 @@ public:
         /// How the server was found; nothing: well.
         std::function<void(std::optional<std::string> whyBad)> report;
         std::function<void()> keyWasRefused;
-        /// Lets another engine recognise a dictation that the server failed.
-        std::function<void(const Job&, std::vector<std::int16_t>)> recogniseElsewhere;
+        /// Lets another engine recognize a dictation that the server failed.
+        std::function<void(const Job&, std::vector<std::int16_t>)> recognizeElsewhere;
         /// Told when a dictation is over, which holds its sound as long as it lives.
         std::function<void()> over;
     };

@@ -146,7 +146,7 @@ void ServerProcess::endChild(std::unique_lock<std::mutex>& lock) {
 
 void ServerProcess::startAgainLater(const std::string& why) {
     log_.logLine("[TovikVoice] The speech server " + running_.front() + " " + why +
-                 "; it is started anew after " + std::to_string(milliseconds(pause_).count()) + " ms");
+                 "; it is started again after " + std::to_string(milliseconds(pause_).count()) + " ms");
     startAt_ = Clock::now() + milliseconds(pause_);
     pause_ = std::min(pause_ * 2, pauses_.longest);
 }

@@ -22,7 +22,7 @@ enum class SoundFormat {
 [[nodiscard]] Result<std::string> soundFile(std::span<const std::int16_t> samples, int sampleRate,
                                             SoundFormat format);
 
-/// The sound of dictations that could not be recognised, as WAV files that only the user can read. Any
+/// The sound of dictations that could not be recognized, as WAV files that only the user can read. Any
 /// thread.
 class FailedAudio {
 public:

@@ -106,7 +106,7 @@ ServerDictation::Services SpeechServerService::dictationServices() {
     auto& queue = services_.queue;
     auto elsewhere =
         lifetime_.guard([this](const ServerDictation::Job& job, const std::vector<std::int16_t>& samples) {
-            recogniseElsewhere(job, samples);
+            recognizeElsewhere(job, samples);
         });
     auto lookUp = lifetime_.guard([this] { lookUpKey(); });
     auto clearUp = lifetime_.guard([this] {
@@ -117,7 +117,7 @@ ServerDictation::Services SpeechServerService::dictationServices() {
             .key = [this](const ServerSettings& settings) { return keyFor(settings); },
             .report = [this](std::optional<std::string> whyBad) { health_.set(std::move(whyBad)); },
             .keyWasRefused = [&queue, lookUp] { queue.async(lookUp); },
-            .recogniseElsewhere =
+            .recognizeElsewhere =
                 [&queue, elsewhere](const ServerDictation::Job& job, std::vector<std::int16_t> samples) {
                     queue.async([elsewhere, job, samples = std::move(samples)]() mutable {
                         elsewhere(job, samples);
@@ -306,7 +306,7 @@ void SpeechServerService::start(std::shared_ptr<Utterance> utterance, const std:
     dictations_.emplace_back(std::move(job), dictationServices_);
 }
 
-/// On another thread, as all that is recognised comes.
+/// On another thread, as all that is recognized comes.
 void SpeechServerService::refuse(std::shared_ptr<Utterance> utterance, const std::string& why) {
     for (auto& refusal : refusals_) {
         refusal.join();
@@ -317,7 +317,7 @@ void SpeechServerService::refuse(std::shared_ptr<Utterance> utterance, const std
     });
 }
 
-void SpeechServerService::recogniseElsewhere(const ServerDictation::Job& job,
+void SpeechServerService::recognizeElsewhere(const ServerDictation::Job& job,
                                              const std::vector<std::int16_t>& samples) {
     const auto recognizer = services_.embedded ? services_.embedded(job.locale) : nullptr;
     if (!recognizer) {
@@ -325,7 +325,7 @@ void SpeechServerService::recogniseElsewhere(const ServerDictation::Job& job,
             RecognitionCode::failed, "The speech server failed and no embedded engine knows " + job.locale));
         return;
     }
-    services_.log.logLine("[TovikVoice] The embedded engine recognises the dictation instead");
+    services_.log.logLine("[TovikVoice] The embedded engine recognizes the dictation instead");
     const auto task =
         recognizer->startTask(requestWith(job.utterance->request().settings(), samples),
                               [utterance = job.utterance](const std::optional<RecognitionResult>& result,

@@ -20,7 +20,7 @@
 
 namespace tovik {
 
-/// Recognises with a server that has the OpenAI-compatible endpoint for transcriptions, on this machine or
+/// Recognizes with a server that has the OpenAI-compatible endpoint for transcriptions, on this machine or
 /// elsewhere, by the settings "platform.speech.server...". The connection is opened when somebody begins to
 /// speak, the whole sound is sent at the end. There are no partial results. Main thread.
 class SpeechServerService : public SpeechService {
@@ -35,7 +35,7 @@ public:
         std::string failedAudioFolder;
         /// Whether the user lets speech go there.
         std::function<bool(const ServerAddress&)> isAllowed;
-        /// The embedded engine's recogniser, for dictations that the server fails; may give nothing.
+        /// The embedded engine's recognizer, for dictations that the server fails; may give nothing.
         std::function<std::shared_ptr<SpeechRecognizer>(const std::string& locale)> embedded;
     };
 
@@ -94,7 +94,7 @@ private:
     void checked(const ServerSettings& settings, const HttpOutcome& outcome);
     void lookUpKey();
     [[nodiscard]] std::string keyFor(const ServerSettings& settings) const;
-    void recogniseElsewhere(const ServerDictation::Job& job, const std::vector<std::int16_t>& samples);
+    void recognizeElsewhere(const ServerDictation::Job& job, const std::vector<std::int16_t>& samples);
     [[nodiscard]] ServerDictation::Services dictationServices();
 
     const Services services_;

@@ -172,7 +172,7 @@ Result<std::unique_ptr<UtteranceDecoder>> VoskDecoder::load(const std::vector<st
     }
     return recognitionError(RecognitionCode::noModel,
                             "The Vosk model " + modelFolder +
-                                " is not usable: the library refuses it. Unpack it anew.");
+                                " is not usable: the library refuses it. Unpack it again.");
 }
 
 VoskDecoder::VoskDecoder(std::unique_ptr<const VoskLibrary> library, VoskModel* model)
@@ -216,7 +216,7 @@ Result<void> VoskDecoder::begin(const std::vector<std::string>& contextualString
     freeRecognizer();
     recognizer_ = library_->newRecognizer(model_, static_cast<float>(kEngineRate));
     if (recognizer_ == nullptr) {
-        return recognitionError(RecognitionCode::failed, "The Vosk library made no recogniser");
+        return recognitionError(RecognitionCode::failed, "The Vosk library made no recognizer");
     }
     if (!favoured_.empty() && library_->setMaxAlternatives != nullptr) {
         library_->setMaxAlternatives(recognizer_, kAlternatives);

@@ -25,7 +25,7 @@ namespace tovik {
                                 "~/.local/share/tovik-record or /usr/local/lib.");
 }
 
-/// The Vosk library, loaded while the program runs. Any thread; a recogniser is for one at a time.
+/// The Vosk library, loaded while the program runs. Any thread; a recognizer is for one at a time.
 ///
 /// Versions differ in what they have: what not all of them do is null in some.
 class VoskLibrary {

@@ -34,7 +34,7 @@ bool beginsWithWord(std::string_view text, std::string_view word) {
 
 Error unusableModel(const std::string& folder, const std::string& why) {
     return recognitionError(RecognitionCode::noModel,
-                            "The Vosk model " + folder + " is not usable: " + why + ". Unpack it anew.");
+                            "The Vosk model " + folder + " is not usable: " + why + ". Unpack it again.");
 }
 
 /// Zero when the folder is none for the locale.

@@ -37,7 +37,7 @@ private:
     const std::vector<std::string> folders_;
 };
 
-/// Recognises with the Vosk library and the models that are on this machine, each locale with its own. A
+/// Recognizes with the Vosk library and the models that are on this machine, each locale with its own. A
 /// model is loaded when its locale is asked for first; that of the language before stays.
 class VoskService : public SpeechService {
 public:
@@ -57,9 +57,9 @@ public:
     [[nodiscard]] std::string currentLocaleIdentifier() const override;
     void prepare(const std::vector<std::string>& contextualStrings) override;
 
-    /// Whether a recogniser for the locale could be made, without loading its model.
+    /// Whether a recognizer for the locale could be made, without loading its model.
     [[nodiscard]] bool serves(const std::string& localeIdentifier);
-    /// Why there is no recogniser for the locale and where to get what is missing, in a sentence for the
+    /// Why there is no recognizer for the locale and where to get what is missing, in a sentence for the
     /// user. Nothing when there is one.
     [[nodiscard]] std::optional<std::string> whyUnavailable(const std::string& localeIdentifier);
     /// As ModelEngine.

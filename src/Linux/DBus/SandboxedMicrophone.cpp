@@ -220,7 +220,7 @@ SandboxSigns SandboxSigns::ofThisProcess() {
     return signs;
 }
 
-Sandbox Sandbox::recognise(const SandboxSigns& signs) {
+Sandbox Sandbox::recognize(const SandboxSigns& signs) {
     if (signs.flatpakInfo) {
         return {Kind::flatpak, valueOf(*signs.flatpakInfo, "Application", "name"),
                 listHas(valueOf(*signs.flatpakInfo, "Context", "sockets"), "pulseaudio")};

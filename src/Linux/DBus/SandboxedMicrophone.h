@@ -90,7 +90,7 @@ struct SandboxSigns {
 struct Sandbox {
     enum class Kind { none, flatpak, snap };
 
-    [[nodiscard]] static Sandbox recognise(const SandboxSigns& signs);
+    [[nodiscard]] static Sandbox recognize(const SandboxSigns& signs);
 
     Kind kind = Kind::none;
     /// The one that the sandbox's own commands take; empty outside.

@@ -13,7 +13,7 @@ namespace tovik {
 
 namespace {
 
-// The program's own name and two other products', as recognisers tend to hear them.
+// The program's own name and two other products', as recognizers tend to hear them.
 const TranscriptionDictionary::Mapping& seedMapping() {
     static const TranscriptionDictionary::Mapping seed{
         {"bot to bot", "Tovik Record"},

@@ -13,7 +13,7 @@
 
 namespace tovik {
 
-/// The user's corrections: what the recogniser hears (the heard phrase) and what should stand in the
+/// The user's corrections: what the recognizer hears (the heard phrase) and what should stand in the
 /// transcript instead. Every change is stored before the call returns. Main thread.
 class TranscriptionDictionary {
 public:

@@ -31,7 +31,7 @@ public:
     [[nodiscard]] std::string apply(std::string_view transcript) const;
     void apply(std::u16string& transcript) const;
 
-    /// 0 when nothing is recognised, and when the number is too large.
+    /// 0 when nothing is recognized, and when the number is too large.
     [[nodiscard]] static std::int64_t parseSpokenNumber(std::u16string_view words);
     /// The day of a month, "twenty first" being 21; 0 when the words are none.
     [[nodiscard]] static int parseDayOrdinal(std::u16string_view words);

@@ -71,7 +71,7 @@ public:
     /// The identifier is the phrase as it is stored.
     void removeHeardPhrase(const std::string& identifier);
 
-    /// For a field that holds all corrections as one text: the recogniser's vocabulary is that text, too.
+    /// For a field that holds all corrections as one text: the recognizer's vocabulary is that text, too.
     void customLibraryChanged(std::string_view text);
 
 private:

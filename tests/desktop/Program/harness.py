@@ -28,7 +28,7 @@ from staging.program import Program  # noqa: E402
 from staging.rehearsal import Rehearsal  # noqa: E402
 from staging.stage import Stage  # noqa: E402
 
-# A person saying "go forward ten meters", from Debian's pocketsphinx-testdata. The recogniser sometimes takes the last
+# A person saying "go forward ten meters", from Debian's pocketsphinx-testdata. The recognizer sometimes takes the last
 # word for another; how well it hears is measured elsewhere, these tests follow the words on their way.
 SPEECH = "/usr/share/pocketsphinx/test/data/goforward.raw"
 SPOKEN_WORDS = ["go", "forward", "10"]

@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Tovik Record authors
 # SPDX-License-Identifier: MIT
-"""Dictations that a speech server recognises, and what becomes of them when it does not."""
+"""Dictations that a speech server recognizes, and what becomes of them when it does not."""
 
 import json
 import os

@@ -60,7 +60,7 @@ TEST(Tap, whileABufferIsHandled_allocatesNothing) {
     std::array<float, 1024> frames{};
     frames.fill(0.5F);
 
-    // As long as a recogniser may be behind before the request needs more memory than it was made with.
+    // As long as a recognizer may be behind before the request needs more memory than it was made with.
     const auto hear = [&](int buffers) {
         const auto before = allocationsOfThisThread();
         for (int buffer = 0; buffer < buffers; ++buffer) {

@@ -37,7 +37,7 @@ public:
     std::vector<std::string> reports;
 };
 
-/// A manager on fakes. The clean-up of texts is recognisable: it wraps the text in angle brackets.
+/// A manager on fakes. The clean-up of texts is recognizable: it wraps the text in angle brackets.
 class AudioManagerFixture : public testing::Test {
 protected:
     AudioManagerFixture() {

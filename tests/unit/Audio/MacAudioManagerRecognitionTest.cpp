@@ -34,7 +34,7 @@ class MacAudioManagerRecognition : public AudioManagerFixture {};
 
 // ------------------------------------------------------------------------------------- start
 
-TEST_F(MacAudioManagerRecognition, whenMade_letsTheRecognisersLearnTheVocabulary) {
+TEST_F(MacAudioManagerRecognition, whenMade_letsTheRecognizersLearnTheVocabulary) {
     defaults.set("CustomVocabulary", "Zork");
     manager();
     EXPECT_EQ(speech.preparedFor().size(), kBuiltinVocabulary.size() + 1);
@@ -139,7 +139,7 @@ TEST_F(MacAudioManagerRecognition, whenNoDeviceIsChosen_saysNothingOfDevices) {
     EXPECT_THAT(newLines(), IsEmpty());
 }
 
-// ------------------------------------------------------------------- the choice of recogniser
+// ------------------------------------------------------------------- the choice of recognizer
 
 TEST_F(MacAudioManagerRecognition, whenTheUserChoseAnAvailableLanguage_usesItAndSaysSo) {
     defaults.set("SelectedDictationLocale", "fr-FR");
@@ -275,7 +275,7 @@ TEST_F(MacAudioManagerRecognition, afterAFailedStart_whatIsSpokenNextStillBecome
     EXPECT_TRUE(manager().start().ok());
     engine.hearConstant(0.5F, 3000);
     manager().stop();
-    // The recogniser of the first attempt gets the end of the sound, so that it can answer.
+    // The recognizer of the first attempt gets the end of the sound, so that it can answer.
     EXPECT_THAT(speech.utterances()[0]->readSound(), SizeIs(3000));
     speech.utterances()[0]->deliverFinal("not lost");
     EXPECT_THAT(finals, ElementsAre("<not lost>"));
@@ -333,7 +333,7 @@ TEST_F(MacAudioManagerRecognition, whenDictatingAgain_theSoundGoesToTheNewReques
 
 // ------------------------------------------------------------------- the early microphone
 
-TEST_F(MacAudioManagerRecognition, whenOpenedAhead_whatWasHeardBeforeTheStartIsRecognised) {
+TEST_F(MacAudioManagerRecognition, whenOpenedAhead_whatWasHeardBeforeTheStartIsRecognized) {
     manager().openAhead(Seconds(0));
     engine.hear(ramp(1500));
     EXPECT_TRUE(manager().start().ok());
@@ -450,16 +450,16 @@ TEST_F(MacAudioManagerRecognition, whenStopped_theTapIsGone) {
     EXPECT_FALSE(engine.isRunning());
 }
 
-TEST_F(MacAudioManagerRecognition, whenTheRecogniserReadNothingForTooLong_saysHowMuchIsLost) {
+TEST_F(MacAudioManagerRecognition, whenTheRecognizerReadNothingForTooLong_saysHowMuchIsLost) {
     startRecording();
     const auto capacity = static_cast<std::size_t>(RecognitionRequest::capacitySeconds * 16000);
     engine.hearConstant(0.5F, capacity + 10);
     manager().stop();
     EXPECT_THAT(newLines(),
-                ElementsAre("[TovikVoice] The recogniser fell behind: 10 frames of sound are lost"));
+                ElementsAre("[TovikVoice] The recognizer fell behind: 10 frames of sound are lost"));
 }
 
-TEST_F(MacAudioManagerRecognition, withoutARecogniser_nothingCountsAsLost) {
+TEST_F(MacAudioManagerRecognition, withoutARecognizer_nothingCountsAsLost) {
     speech.setLocale("en-US", Locale::unknown);
     startRecording();
     const auto capacity = static_cast<std::size_t>(RecognitionRequest::capacitySeconds * 16000);

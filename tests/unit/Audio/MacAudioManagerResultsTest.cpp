@@ -87,11 +87,11 @@ TEST_F(MacAudioManagerResults, whenTheTextIsDelivered_itIsNotLogged) {
     EXPECT_THAT(log.logged(), IsEmpty());
 }
 
-TEST_F(MacAudioManagerResults, isRecognising_fromTheStartToTheTextOrTheErrorOfEveryDictation) {
+TEST_F(MacAudioManagerResults, isRecognizing_fromTheStartToTheTextOrTheErrorOfEveryDictation) {
     int told = 0;
-    const auto subscription = manager().recognised.add([&told] { ++told; });
-    EXPECT_FALSE(manager().isRecognising());
-    EXPECT_TRUE(manager().waitUntilRecognised(Seconds(0)));
+    const auto subscription = manager().recognized.add([&told] { ++told; });
+    EXPECT_FALSE(manager().isRecognizing());
+    EXPECT_TRUE(manager().waitUntilRecognized(Seconds(0)));
     startRecording();
     const auto first = speech.lastUtterance();
     manager().stop();
@@ -101,20 +101,20 @@ TEST_F(MacAudioManagerResults, isRecognising_fromTheStartToTheTextOrTheErrorOfEv
     second->deliverPartial("no");
     second->deliverError({"Speech", 3, "No speech detected"});
     time.runPending();
-    EXPECT_TRUE(manager().isRecognising());
+    EXPECT_TRUE(manager().isRecognizing());
     first->deliverPartial("not yet");
     time.runPending();
-    EXPECT_TRUE(manager().isRecognising());
-    EXPECT_FALSE(manager().waitUntilRecognised(Seconds(0)));
+    EXPECT_TRUE(manager().isRecognizing());
+    EXPECT_FALSE(manager().waitUntilRecognized(Seconds(0)));
     EXPECT_EQ(told, 0);
     first->deliverFinal("text");
-    EXPECT_TRUE(manager().waitUntilRecognised(Seconds(0)));
+    EXPECT_TRUE(manager().waitUntilRecognized(Seconds(0)));
     time.runPending();
-    EXPECT_FALSE(manager().isRecognising());
+    EXPECT_FALSE(manager().isRecognizing());
     EXPECT_EQ(told, 1);
     first->deliverFinal("again");
     time.runPending();
-    EXPECT_FALSE(manager().isRecognising());
+    EXPECT_FALSE(manager().isRecognizing());
     EXPECT_EQ(told, 1);
 }
 
@@ -123,21 +123,21 @@ TEST_F(MacAudioManagerResults, tellsOfTheEndBehindWhatTheTextHasQueued) {
     callbacks.onTranscription = [&](const std::string&) {
         time.async([&order] { order.emplace_back("text"); });
     };
-    const auto subscription = manager().recognised.add([&order] { order.emplace_back("recognised"); });
+    const auto subscription = manager().recognized.add([&order] { order.emplace_back("recognized"); });
     startRecording();
     speech.lastUtterance()->deliverFinal("text");
     time.runPending();
-    EXPECT_THAT(order, ElementsAre("text", "recognised"));
+    EXPECT_THAT(order, ElementsAre("text", "recognized"));
 }
 
 TEST_F(MacAudioManagerResults, whenTheMainQueueRunsNoMore_theTextCanBeWaitedFor) {
     startRecording();
     const auto utterance = speech.lastUtterance();
     manager().stop();
-    std::thread recogniser([&utterance] { utterance->deliverFinal("last words"); });
-    EXPECT_TRUE(manager().waitUntilRecognised(Seconds(60)));
+    std::thread recognizer([&utterance] { utterance->deliverFinal("last words"); });
+    EXPECT_TRUE(manager().waitUntilRecognized(Seconds(60)));
     EXPECT_THAT(finals, ElementsAre("<last words>"));
-    recogniser.join();
+    recognizer.join();
 }
 
 // ------------------------------------------------------------------------------ the end of it
@@ -153,7 +153,7 @@ TEST_F(MacAudioManagerResults, whenAResultComesAfterTheManagerIsGone_nothingHapp
     EXPECT_THAT(newLines(), IsEmpty());
 }
 
-TEST_F(MacAudioManagerResults, whenDestroyedWhileRecording_letsGoOfTheMicrophoneAndTheRecogniser) {
+TEST_F(MacAudioManagerResults, whenDestroyedWhileRecording_letsGoOfTheMicrophoneAndTheRecognizer) {
     startRecording();
     const auto utterance = speech.lastUtterance();
     destroyManager();

@@ -14,7 +14,7 @@ using testing::ElementsAre;
 
 class MacAudioManagerThreads : public AudioManagerFixture {};
 
-TEST_F(MacAudioManagerThreads, whenARecogniserAnswersOnItsOwnThread_theTextArrivesThere) {
+TEST_F(MacAudioManagerThreads, whenARecognizerAnswersOnItsOwnThread_theTextArrivesThere) {
     speech.answerWith("hello");
     std::binary_semaphore arrived(0);
     std::thread::id thread;
@@ -57,13 +57,13 @@ TEST_F(MacAudioManagerThreads, whenDestroyedDuringACallback_waitsForItsEnd) {
     startRecording();
     const auto utterance = speech.lastUtterance();
     manager().stop();
-    std::thread recogniser([&] { utterance->deliverFinal("hello"); });
+    std::thread recognizer([&] { utterance->deliverFinal("hello"); });
     entered.wait();
     std::thread release([&] { goOn.release(); });
     destroyManager();
     EXPECT_TRUE(callbackEnded);
     release.join();
-    recogniser.join();
+    recognizer.join();
 }
 
 TEST_F(MacAudioManagerThreads, whenResultsRaceWithTheEnd_noneArrivesAfterIt) {
@@ -74,7 +74,7 @@ TEST_F(MacAudioManagerThreads, whenResultsRaceWithTheEnd_noneArrivesAfterIt) {
     const auto utterance = speech.lastUtterance();
     std::atomic<bool> enough{false};
     std::latch talking(1);
-    std::thread recogniser([&] {
+    std::thread recognizer([&] {
         utterance->deliverPartial("first");
         talking.count_down();
         while (!enough) {
@@ -88,7 +88,7 @@ TEST_F(MacAudioManagerThreads, whenResultsRaceWithTheEnd_noneArrivesAfterIt) {
         utterance->deliverPartial("late");
     }
     enough = true;
-    recogniser.join();
+    recognizer.join();
     EXPECT_EQ(afterTheEnd, 0);
 }
 

@@ -33,8 +33,8 @@ protected:
 
     void make() { delegate = std::make_unique<AppDelegate>(platform); }
 
-    /// The recogniser answers the newest utterance, on a thread of its own.
-    void recognise(const std::string& text) {
+    /// The recognizer answers the newest utterance, on a thread of its own.
+    void recognize(const std::string& text) {
         std::thread([utterance = speech.lastUtterance(), text] { utterance->deliverFinal(text); }).join();
         time.runPending();
     }
@@ -121,7 +121,7 @@ TEST_F(AppDelegateTest, holdingTheKeyAndSpeaking_bringsTheTextToTheEditor) {
     keyMonitor.releaseTalkKey();
     EXPECT_FALSE(engine.isRunning());
     EXPECT_FALSE(files.exists(kStateFile));
-    recognise("bot to bot,right");
+    recognize("bot to bot,right");
     EXPECT_EQ(pasteboard.contents(), "Tovik Record, right");
 
     time.advance(Seconds(0.28));
@@ -138,7 +138,7 @@ TEST_F(AppDelegateTest, withTranslationOn_bringsTheTranslationAndKeepsBoth) {
     workspace.bringToFront(editor);
     keyMonitor.pressTalkKey();
     keyMonitor.releaseTalkKey();
-    recognise("good morning");
+    recognize("good morning");
     time.advance(Seconds(0.28));
     EXPECT_EQ(pasteboard.contents(), "buenos días");
     EXPECT_EQ(poster.posted.size(), 2u);
@@ -249,14 +249,14 @@ TEST_F(AppDelegateTest, quittingBeforeTheLaunch_endsTheProgramAtOnce) {
     EXPECT_EQ(terminations, 1);
 }
 
-TEST_F(AppDelegateTest, quittingWhileATextIsBeingRecognised_deliversItFirst) {
+TEST_F(AppDelegateTest, quittingWhileATextIsBeingRecognized_deliversItFirst) {
     launch();
     keyMonitor.pressTalkKey();
     keyMonitor.releaseTalkKey();
     ASSERT_TRUE(userInterface.statusItem->choose({"Quit"}));
     time.advance(Seconds(1));
     EXPECT_EQ(terminations, 0);
-    recognise("last words");
+    recognize("last words");
     time.advance(Seconds(1));
     EXPECT_EQ(terminations, 1);
     EXPECT_EQ(pasteboard.contents(), "last words");
@@ -271,7 +271,7 @@ TEST_F(AppDelegateTest, quittingWhileRecording_deliversWhatWasSpokenAndLeavesThe
     EXPECT_FALSE(engine.isRunning());
     EXPECT_EQ(userInterface.overlay->calls.back(), "hide");
     keyMonitor.releaseTalkKey();
-    recognise("half a sentence");
+    recognize("half a sentence");
     time.advance(Seconds(1));
     EXPECT_EQ(terminations, 1);
     EXPECT_EQ(pasteboard.contents(), "half a sentence");

@@ -31,7 +31,7 @@ TEST_F(ShutdownTest, whenNothingIsUnderWay_terminatesAtOnceAndSaysNothing) {
 }
 
 TEST_F(ShutdownTest, whileADictationHasNoText_endsTheRecordingAndWaits) {
-    recorder.recognises = true;
+    recorder.recognizes = true;
     shutdown.quit(Shutdown::patienceOfSession);
     time.advance(Seconds(2.9));
     EXPECT_EQ(terminations, 0);
@@ -40,21 +40,21 @@ TEST_F(ShutdownTest, whileADictationHasNoText_endsTheRecordingAndWaits) {
 }
 
 TEST_F(ShutdownTest, whenTheDictationEndsInAnError_terminates) {
-    recorder.recognises = true;
+    recorder.recognizes = true;
     shutdown.quit(Shutdown::patienceOfSession);
-    recorder.finishRecognising();
+    recorder.finishRecognizing();
     time.advance(Seconds(1));
     EXPECT_EQ(terminations, 1);
     EXPECT_THAT(log.printed(), ElementsAre(kWaits));
 }
 
 TEST_F(ShutdownTest, whenTheTextIsOnItsWayToTheMainThread_letsItArriveAndBePasted) {
-    recorder.recognises = true;
+    recorder.recognizes = true;
     shutdown.quit(Shutdown::patienceOfSession);
     time.asyncAfter(Seconds(0.2), [this] {
-        // As the recogniser's thread does it: the text is queued, and that it was recognised behind it.
+        // As the recognizer's thread does it: the text is queued, and that it was recognized behind it.
         delivery.receive("last words");
-        time.async([this] { recorder.finishRecognising(); });
+        time.async([this] { recorder.finishRecognizing(); });
     });
     time.advance(Seconds(0.2 + 0.28));
     EXPECT_THAT(poster.posted, SizeIs(2));
@@ -87,8 +87,8 @@ TEST_F(ShutdownTest, whileThePasteWaitsForKeysThatTheUserHolds_waitsWithIt) {
     EXPECT_THAT(log.printed(), testing::Not(testing::Contains(testing::HasSubstr("not pasted in time"))));
 }
 
-TEST_F(ShutdownTest, whenTheUserQuits_aSlowRecogniserHasMoreTime) {
-    recorder.recognises = true;
+TEST_F(ShutdownTest, whenTheUserQuits_aSlowRecognizerHasMoreTime) {
+    recorder.recognizes = true;
     shutdown.quit(Shutdown::patienceOfUser);
     time.advance(Seconds(9.9));
     EXPECT_EQ(terminations, 0);
@@ -103,12 +103,12 @@ TEST_F(ShutdownTest, whenTheDesktopIsGoneAndNothingWasSaid_saysNothing) {
     EXPECT_THAT(log.printed(), IsEmpty());
 }
 
-TEST_F(ShutdownTest, whenTheRecogniserDoesNotAnswerInTime_terminatesAndSaysSo) {
-    recorder.recognises = true;
+TEST_F(ShutdownTest, whenTheRecognizerDoesNotAnswerInTime_terminatesAndSaysSo) {
+    recorder.recognizes = true;
     shutdown.quit(Shutdown::patienceOfSession);
     time.advance(Shutdown::patienceOfSession);
     EXPECT_EQ(terminations, 1);
-    EXPECT_EQ(log.printed().back(), "[TovikVoice] The last dictation was not recognised in time");
+    EXPECT_EQ(log.printed().back(), "[TovikVoice] The last dictation was not recognized in time");
     time.advance(Seconds(10));
     EXPECT_EQ(terminations, 1);
 }
@@ -124,7 +124,7 @@ TEST_F(ShutdownTest, whenTheTranslationDoesNotComeInTime_saysWhereTheTextIs) {
 }
 
 TEST_F(ShutdownTest, whenAskedAgain_terminatesAtOnce) {
-    recorder.recognises = true;
+    recorder.recognizes = true;
     shutdown.quit(Shutdown::patienceOfSession);
     shutdown.quit(Shutdown::patienceOfSession);
     EXPECT_EQ(terminations, 1);
@@ -134,12 +134,12 @@ TEST_F(ShutdownTest, whenAskedAgain_terminatesAtOnce) {
 
 // When the desktop is gone, no event loop runs any more.
 
-TEST_F(ShutdownTest, whenTheDesktopIsGone_aTextThatIsBeingRecognisedGoesToTheHistoryAlone) {
-    recorder.recognises = true;
+TEST_F(ShutdownTest, whenTheDesktopIsGone_aTextThatIsBeingRecognizedGoesToTheHistoryAlone) {
+    recorder.recognizes = true;
     recorder.onCall = [this](const std::string& call) {
         EXPECT_EQ(call, "stop");
         delivery.receive("last words");
-        recorder.recognises = false;
+        recorder.recognizes = false;
     };
     shutdown.keepLastWords();
     ASSERT_THAT(history.entries(), SizeIs(1));
@@ -151,10 +151,10 @@ TEST_F(ShutdownTest, whenTheDesktopIsGone_aTextThatIsBeingRecognisedGoesToTheHis
 }
 
 TEST_F(ShutdownTest, whenTheDesktopIsGoneAndNoTextComes_waitsNoLongerThanItsPatienceAndSaysSo) {
-    recorder.recognises = true;
+    recorder.recognizes = true;
     shutdown.keepLastWords();
     EXPECT_THAT(recorder.waits, ElementsAre(Shutdown::patienceOfSession));
-    EXPECT_THAT(log.printed(), ElementsAre("[TovikVoice] The last dictation was not recognised in time"));
+    EXPECT_THAT(log.printed(), ElementsAre("[TovikVoice] The last dictation was not recognized in time"));
 }
 
 TEST_F(ShutdownTest, whenTheDesktopIsGoneAndNothingIsUnderWay_doesNothing) {

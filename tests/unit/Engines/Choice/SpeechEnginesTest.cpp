@@ -61,7 +61,7 @@ protected:
         return *engines_;
     }
 
-    /// What comes of a second of sound; empty when there is no recogniser that is available.
+    /// What comes of a second of sound; empty when there is no recognizer that is available.
     std::string dictate(const std::string& locale = "en-US") {
         const auto recognizer = engines().makeRecognizer(locale);
         if (!recognizer || !recognizer->isAvailable()) {
@@ -86,7 +86,7 @@ protected:
     std::optional<SpeechEngines> engines_;
 };
 
-TEST_F(SpeechEnginesTest, whenVoskHasTheLocale_itRecognises) {
+TEST_F(SpeechEnginesTest, whenVoskHasTheLocale_itRecognizes) {
     addVosk();
     addVoskModel("en", "from vosk");
     addServer();
@@ -94,7 +94,7 @@ TEST_F(SpeechEnginesTest, whenVoskHasTheLocale_itRecognises) {
     EXPECT_EQ(engines().whyUnavailable(), std::nullopt);
 }
 
-TEST_F(SpeechEnginesTest, whenVoskHasOtherLocalesOnly_theServerRecognises) {
+TEST_F(SpeechEnginesTest, whenVoskHasOtherLocalesOnly_theServerRecognizes) {
     addVosk();
     addVoskModel("fr", "bonjour");
     addServer();
@@ -102,20 +102,20 @@ TEST_F(SpeechEnginesTest, whenVoskHasOtherLocalesOnly_theServerRecognises) {
     EXPECT_EQ(dictate("fr-FR"), "bonjour");
 }
 
-TEST_F(SpeechEnginesTest, whenThereIsNoServerEither_pocketSphinxRecognises) {
+TEST_F(SpeechEnginesTest, whenThereIsNoServerEither_pocketSphinxRecognizes) {
     addPocketSphinx();
     // A tone is no speech to it.
     EXPECT_EQ(dictate(), "<No speech detected>");
     EXPECT_EQ(engines().whyUnavailable(), std::nullopt);
 }
 
-TEST_F(SpeechEnginesTest, whenNoEngineServesALocale_thereIsNoRecogniserForIt) {
+TEST_F(SpeechEnginesTest, whenNoEngineServesALocale_thereIsNoRecognizerForIt) {
     addPocketSphinx();
     EXPECT_EQ(engines().makeRecognizer("fr-FR"), nullptr);
     EXPECT_NE(engines().makeRecognizer("en-US"), nullptr);
 }
 
-TEST_F(SpeechEnginesTest, whenAnEngineIsChosen_noOtherRecognises) {
+TEST_F(SpeechEnginesTest, whenAnEngineIsChosen_noOtherRecognizes) {
     addVosk();
     addVoskModel("en", "from vosk");
     addServer();
@@ -136,14 +136,14 @@ TEST_F(SpeechEnginesTest, whenTheChosenEngineDoesNotExist_countsAsAutoAndSaysSo)
     EXPECT_THAT(log_.logged(), Contains(HasSubstr("There is no speech engine \"abacus\"")));
 }
 
-TEST_F(SpeechEnginesTest, whenTheServerIsAway_theNextEngineRecognisesFromThenOn) {
+TEST_F(SpeechEnginesTest, whenTheServerIsAway_theNextEngineRecognizesFromThenOn) {
     addPocketSphinx();
     defaults_.set("platform.speech.serverUrl", HttpServer([](HttpExchange&) {}).url());
     // Nobody knows it yet.
     EXPECT_THAT(dictate(), HasSubstr("cannot be reached"));
     EXPECT_EQ(dictate(), "<No speech detected>");
     EXPECT_THAT(log_.logged(), Contains(AllOf(HasSubstr("cannot be reached"),
-                                              HasSubstr("Another engine recognises this dictation"))));
+                                              HasSubstr("Another engine recognizes this dictation"))));
 }
 
 TEST_F(SpeechEnginesTest, whenTheServerFailedAndNobodyElseKnowsTheLanguage_itIsAskedAgain) {

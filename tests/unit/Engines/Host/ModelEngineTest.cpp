@@ -40,7 +40,7 @@ TEST_F(ModelEngineTest, whenTheFilesAreMissing_answersWithTheReason) {
     EXPECT_FALSE(engine_->waitUntilReady(Seconds(0)));
 }
 
-TEST_F(ModelEngineTest, whenTheFilesTurnUpLater_recognises) {
+TEST_F(ModelEngineTest, whenTheFilesTurnUpLater_recognizes) {
     filesThere_ = false;
     makeEngine();
     ASSERT_TRUE(engine_->whyUnavailable());
@@ -217,7 +217,7 @@ TEST_F(ModelEngineTest, whenTheMicrophoneHasNoRate_answersWithAnError) {
     EXPECT_EQ(start(request).waitForText(), "<The microphone has no sample rate>");
 }
 
-TEST_F(ModelEngineTest, afterTheEnd_recognisersThatAreStillHeldSaySo) {
+TEST_F(ModelEngineTest, afterTheEnd_recognizersThatAreStillHeldSaySo) {
     makeEngine();
     const auto recognizer = engine_->makeRecognizer();
     engine_->end();

@@ -148,7 +148,7 @@ TEST_P(Breakdown, isNotNoticedByTheOneWhoSpeaks) {
     EXPECT_EQ(answers.waitForText(), "80000 samples");
     EXPECT_EQ(answers.all().size(), 1U);
     EXPECT_EQ(script_.processes(), 2U);
-    EXPECT_THAT(log_.logged(), ElementsAre("[TovikVoice] Speech recognition broke down: it is started anew"));
+    EXPECT_THAT(log_.logged(), ElementsAre("[TovikVoice] Speech recognition broke down: it is started again"));
     EXPECT_EQ(say(100).waitForText(), "100 samples");
     EXPECT_EQ(script_.processes(), 2U);
 }
@@ -166,7 +166,7 @@ TEST_F(ModelProcessTest, whenTheProcessDiesTwiceOverAnUtterance_answersWithAnErr
     script_.order("finish-crashes");
     makeReadyEngine();
     const auto answers = say(100);
-    EXPECT_EQ(answers.waitForText(), "<The recogniser broke down>");
+    EXPECT_EQ(answers.waitForText(), "<The recognizer broke down>");
     EXPECT_EQ(answers.all().size(), 1U);
     script_.takeBack("finish-crashes");
     EXPECT_EQ(say(200).waitForText(), "200 samples");
@@ -223,7 +223,7 @@ TEST_F(ModelProcessTest, whenTheDecoderHangs_aFreshOneHearsTheUtterance) {
     EXPECT_EQ(script_.processes(), 2U);
     EXPECT_NE(::kill(process, 0), 0);
     EXPECT_THAT(log_.logged(),
-                Contains("[TovikVoice] Speech recognition does not answer: it is started anew"));
+                Contains("[TovikVoice] Speech recognition does not answer: it is started again"));
     ASSERT_TRUE(engine_->waitUntilReady(kLong));
     EXPECT_THAT(script_.did("learn"), ElementsAre("learn Tovik", "learn Tovik"));
 }
@@ -237,7 +237,7 @@ TEST_F(ModelProcessTest, whenAFreshDecoderHangsAsWell_answersWithAnErrorAndGoesO
     script_.waitUntilItDid("finish hangs", 2);
     script_.takeBack("finish-hangs");
     passTimeUntil([&] { return !hanging.all().empty(); });
-    EXPECT_EQ(hanging.waitForText(), "<The recogniser does not answer>");
+    EXPECT_EQ(hanging.waitForText(), "<The recognizer does not answer>");
     EXPECT_EQ(say(200).waitForText(), "200 samples");
 }
 
@@ -262,7 +262,7 @@ TEST_F(ModelProcessTest, whenEverythingWasStoppedForAWhile_theDecoderGetsTimeToG
     engine_.reset();
 }
 
-TEST_F(ModelProcessTest, whenTheModelDoesNotLoad_itIsLoadedAnewAndWhatWasSaidIsRecognised) {
+TEST_F(ModelProcessTest, whenTheModelDoesNotLoad_itIsLoadedAnewAndWhatWasSaidIsRecognized) {
     limits_.loading = Seconds(600);
     script_.order("load-hang");
     makeEngine();

@@ -188,7 +188,7 @@ TEST_F(LibreTranslateServiceTest, anEmptyTranslation_isAFailure) {
         answering([](HttpExchange& exchange) { exchange.answerJson(200, R"({"translatedText":""})"); }));
     const auto answer = translate("hello");
     ASSERT_FALSE(answer);
-    EXPECT_THAT(answer.error().description, HasSubstr("makes no sense"));
+    EXPECT_THAT(answer.error().description, HasSubstr("cannot be understood"));
 }
 
 TEST_F(LibreTranslateServiceTest, aLongText_hasLonger) {
@@ -300,15 +300,15 @@ const std::vector<Fault>& faults() {
          },
          "has moved"},
         {"noJson", [](HttpExchange& e) { e.answer(200, "application/json", "{\"translatedText\": \"ho"); },
-         "makes no sense"},
+         "cannot be understood"},
         {"otherJson", [](HttpExchange& e) { e.answerJson(200, R"({"translatedText": 5})"); },
-         "makes no sense"},
-        {"emptyJson", [](HttpExchange& e) { e.answerJson(200, "null"); }, "makes no sense"},
+         "cannot be understood"},
+        {"emptyJson", [](HttpExchange& e) { e.answerJson(200, "null"); }, "cannot be understood"},
         {"brokenText", [](HttpExchange& e) { e.answerJson(200, "{\"translatedText\": \"\xFF\"}"); },
-         "makes no sense"},
+         "cannot be understood"},
         {"nestedWithoutEnd", [](HttpExchange& e) { e.answerJson(200, std::string(500000, '[')); },
-         "makes no sense"},
-        {"nothing", [](HttpExchange& e) { e.answerJson(200, ""); }, "makes no sense"},
+         "cannot be understood"},
+        {"nothing", [](HttpExchange& e) { e.answerJson(200, ""); }, "cannot be understood"},
         {"hangUp", [](HttpExchange&) {}, "gave no answer"},
         {"halfAHead", [](HttpExchange& e) { e.sendRaw("HTTP/1.1 200 OK\r\nContent-Ty"); }, "gave no answer"},
         {"halfABody",

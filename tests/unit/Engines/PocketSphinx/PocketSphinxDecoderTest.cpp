@@ -60,7 +60,7 @@ std::unique_ptr<UtteranceDecoder> loadDecoder() {
     return loaded ? std::move(loaded.value()) : nullptr;
 }
 
-TEST(PocketSphinxDecoder, recognisesOneUtteranceAfterAnother) {
+TEST(PocketSphinxDecoder, recognizesOneUtteranceAfterAnother) {
     const auto decoder = loadDecoder();
     ASSERT_NE(decoder, nullptr);
     EXPECT_EQ(decode(*decoder, readRecording(kGoForward)), "go forward ten meters");
@@ -164,7 +164,7 @@ TEST(PocketSphinxDecoder, whenAWordJoinsTheVocabulary_knowsItBesideTheOthers) {
               "Go Forward Ten Meters");
 }
 
-TEST(PocketSphinxDecoder, whenTheVocabularyGrowsAgainAndAgain_goesOnRecognising) {
+TEST(PocketSphinxDecoder, whenTheVocabularyGrowsAgainAndAgain_goesOnRecognizing) {
     const auto decoder = loadDecoder();
     ASSERT_NE(decoder, nullptr);
     std::vector<std::string> terms{"Go Forward"};
@@ -177,7 +177,7 @@ TEST(PocketSphinxDecoder, whenTheVocabularyGrowsAgainAndAgain_goesOnRecognising)
     EXPECT_EQ(decode(*decoder, readRecording(kGoForward), terms), "Go Forward ten meters");
 }
 
-TEST(PocketSphinxDecoder, whenTheVocabularyIsLarge_goesOnRecognising) {
+TEST(PocketSphinxDecoder, whenTheVocabularyIsLarge_goesOnRecognizing) {
     const auto decoder = loadDecoder();
     ASSERT_NE(decoder, nullptr);
     std::vector<std::string> terms{"Go Forward", "Ten"};

@@ -67,8 +67,8 @@ TEST_F(ServerProcessTest, whenItEnds_isStartedAnewAndSaysSo) {
     need(shell("echo started >> $0; exit 3"));
     ASSERT_TRUE(comesTrue([this] { return starts() >= 3; }));
     EXPECT_THAT(log_.logged(),
-                testing::Contains(HasSubstr("/bin/sh ended with 3; it is started anew after 10 ms")));
-    EXPECT_THAT(log_.logged(), testing::Contains(HasSubstr("started anew after 20 ms")));
+                testing::Contains(HasSubstr("/bin/sh ended with 3; it is started again after 10 ms")));
+    EXPECT_THAT(log_.logged(), testing::Contains(HasSubstr("started again after 20 ms")));
 }
 
 TEST_F(ServerProcessTest, whenItCannotBeStarted_saysSoAndTriesAgain) {

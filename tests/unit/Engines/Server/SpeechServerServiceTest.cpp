@@ -336,7 +336,7 @@ TEST_F(SpeechServerServiceTest, whenNoServerIsThere_saysSoAndIsUnavailableUntilI
     EXPECT_EQ(service().whyUnavailable(), std::nullopt);
 }
 
-TEST_F(SpeechServerServiceTest, whenTheUserWantsIt_theEmbeddedEngineRecognisesInstead) {
+TEST_F(SpeechServerServiceTest, whenTheUserWantsIt_theEmbeddedEngineRecognizesInstead) {
     defaults_.set("platform.speech.embeddedWhenServerFails", true);
     embedded_.answerWith("from this machine");
     answerUploads([](HttpExchange& exchange) { exchange.answerJson(500, "{}"); });
@@ -360,7 +360,7 @@ TEST_F(SpeechServerServiceTest, whenTheUserDoesNotAllowIt_nothingIsSent) {
     EXPECT_THAT(server_.requests(), IsEmpty());
 }
 
-TEST_F(SpeechServerServiceTest, whenNoServerIsSet_thereIsNoRecogniser) {
+TEST_F(SpeechServerServiceTest, whenNoServerIsSet_thereIsNoRecognizer) {
     defaults_.remove("platform.speech.serverUrl");
     EXPECT_EQ(service().makeRecognizer("en-US"), nullptr);
     EXPECT_THAT(service().whyUnavailable().value_or(""), HasSubstr("No speech server is set"));

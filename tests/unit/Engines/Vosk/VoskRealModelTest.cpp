@@ -144,7 +144,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 
 /// A file of the model that is not as it should be; the library ends its process over each, or hangs, or
-/// makes no recogniser of it.
+/// makes no recognizer of it.
 struct Broken {
     std::string name;
     std::string file;

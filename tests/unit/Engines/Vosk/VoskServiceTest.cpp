@@ -71,7 +71,7 @@ protected:
     std::unique_ptr<RecognitionTask> task_;
 };
 
-TEST_F(VoskServiceTest, whenLibraryAndModelAreThere_recognises) {
+TEST_F(VoskServiceTest, whenLibraryAndModelAreThere_recognizes) {
     folder_.addModel("vosk-model-small-en-us-0.15", {"hello there"});
     EXPECT_EQ(hear({true}).waitForText(), "hello there");
     EXPECT_EQ(service().whyUnavailable("en-US"), std::nullopt);
@@ -159,7 +159,7 @@ TEST_F(VoskServiceTest, whenTheModelIsBroken_saysSoAndLivesOn) {
     EXPECT_FALSE(service().makeRecognizer("en-US")->isAvailable());
     folder_.addModel("vosk-model-de-0.21", {});
     EXPECT_THAT(hear({true}, "de-DE").waitForText(),
-                HasSubstr("is not usable: the library refuses it. Unpack it anew."));
+                HasSubstr("is not usable: the library refuses it. Unpack it again."));
     EXPECT_FALSE(service().makeRecognizer("de-DE")->isAvailable());
 }
 
@@ -168,7 +168,7 @@ TEST_F(VoskServiceTest, whenTheLibraryBreaksDownOverTheModel_saysSoAndLivesOn) {
     writeFile(folder_.models() + "/vosk-model-de-0.21/breaks", "");
     EXPECT_THAT(hear({true}, "de-DE").waitForText(), HasSubstr("the library breaks down over it"));
     EXPECT_FALSE(service().makeRecognizer("de-DE")->isAvailable());
-    EXPECT_THAT(log_.logged(), ElementsAre(HasSubstr("the library breaks down over it. Unpack it anew.")));
+    EXPECT_THAT(log_.logged(), ElementsAre(HasSubstr("the library breaks down over it. Unpack it again.")));
 }
 
 TEST_F(VoskServiceTest, whenTheModelHasNoWords_saysSo) {
@@ -224,7 +224,7 @@ TEST_F(VoskLanguages, whileOneIsSpoken_asksForTheOthersCostItNothing) {
     EXPECT_EQ(answers.waitForText(), "bonjour");
 }
 
-TEST_F(VoskLanguages, aRecogniserThatIsHeld_canStillBeUsed) {
+TEST_F(VoskLanguages, aRecognizerThatIsHeld_canStillBeUsed) {
     const auto french = service().makeRecognizer("fr-FR");
     EXPECT_NE(service().makeRecognizer("de-DE"), nullptr);
     EXPECT_NE(service().makeRecognizer("es-ES"), nullptr);

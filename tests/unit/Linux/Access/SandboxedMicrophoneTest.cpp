@@ -311,8 +311,8 @@ struct SignsRow {
 
 class SandboxTest : public testing::TestWithParam<SignsRow> {};
 
-TEST_P(SandboxTest, isRecognised) {
-    EXPECT_EQ(Sandbox::recognise(GetParam().signs), GetParam().expected);
+TEST_P(SandboxTest, isRecognized) {
+    EXPECT_EQ(Sandbox::recognize(GetParam().signs), GetParam().expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(
