@@ -14,11 +14,13 @@ constexpr double kPanelHeight = 28;
 constexpr double kGapBelowPanel = 2;
 constexpr double kTipWidth = 284;
 constexpr double kConfirmationWidth = 216;
+constexpr double kNoticeWidth = 420;
 
 constexpr Seconds kTipFadeIn{0.2};
 constexpr Seconds kConfirmationFadeIn{0.15};
 constexpr Seconds kFadeOut{0.15};
 constexpr Seconds kConfirmationShown{1.6};
+constexpr Seconds kNoticeShown{5.0};
 
 } // namespace
 
@@ -52,20 +54,27 @@ void HandsFreeHints::hideLockTip() {
 }
 
 void HandsFreeHints::showLockConfirmation() {
-    auto& panel = confirmations_.emplace_back(panels_.makePanel({.text = "Hands-free · Fn+Shift to finish",
-                                                                 .frame = frameNearBottom(kConfirmationWidth),
-                                                                 .fontSize = 12,
-                                                                 .weight = FontWeight::semibold,
-                                                                 .textWhite = 0.86}));
-    panel->fadeIn(kConfirmationFadeIn);
+    showForAWhile("Hands-free · Fn+Shift to finish", kConfirmationWidth, kConfirmationShown);
     overlay_.tovik();
-    queue_.asyncAfter(kConfirmationShown, lifetime_.guard([this, position = std::prev(confirmations_.end())] {
-        fadeOutConfirmation(position);
-    }));
 }
 
-void HandsFreeHints::fadeOutConfirmation(Panels::iterator panel) {
-    (*panel)->fadeOut(kFadeOut, lifetime_.guard([this, panel] { confirmations_.erase(panel); }));
+void HandsFreeHints::showNotPasted() {
+    showForAWhile("Not pasted · the text is on the clipboard and in the history", kNoticeWidth, kNoticeShown);
+}
+
+void HandsFreeHints::showForAWhile(const std::string& text, double width, Seconds duration) {
+    auto& panel = shown_.emplace_back(panels_.makePanel({.text = text,
+                                                         .frame = frameNearBottom(width),
+                                                         .fontSize = 12,
+                                                         .weight = FontWeight::semibold,
+                                                         .textWhite = 0.86}));
+    panel->fadeIn(kConfirmationFadeIn);
+    queue_.asyncAfter(
+        duration, lifetime_.guard([this, position = std::prev(shown_.end())] { fadeOutShown(position); }));
+}
+
+void HandsFreeHints::fadeOutShown(Panels::iterator panel) {
+    (*panel)->fadeOut(kFadeOut, lifetime_.guard([this, panel] { shown_.erase(panel); }));
 }
 
 Rect HandsFreeHints::frameNearBottom(double width) const {
@@ -109,7 +118,8 @@ PushToTalk::PushToTalk(const Platform& platform, PermissionRequests& permissionR
       hintPanels_(platform.userInterface.makeHintPanels()),
       hints_(platform.mainQueue, platform.screens, *hintPanels_, overlay),
       captureState_(platform.files, platform.clock, platform.log, platform.dataFolder,
-                    platform.processIdentifier) {}
+                    platform.processIdentifier),
+      pasteGivenUp_(platform.keyEventPoster.givenUp.add([this] { hints_.showNotPasted(); })) {}
 
 void PushToTalk::close() {
     isClosed_ = true;

@@ -17,8 +17,8 @@
 
 namespace tovik {
 
-/// The two small panels that speak of hands-free recording: the tip that offers it and the confirmation
-/// that it is on. Main thread.
+/// The small panels near the bottom of the screen: the tip that offers hands-free recording, the confirmation
+/// that it is on, and the notice that a text was not pasted. Main thread.
 class HandsFreeHints {
 public:
     HandsFreeHints(MainQueue& queue, const Screens& screens, HintPanels& panels, RecordingOverlay& overlay);
@@ -30,19 +30,22 @@ public:
 
     /// Every call shows a panel of its own, which goes by itself; the overlay beats once.
     void showLockConfirmation();
+    /// As does this; the overlay stays as it is.
+    void showNotPasted();
 
 private:
     using Panels = std::list<std::unique_ptr<HintPanel>>;
 
     [[nodiscard]] Rect frameNearBottom(double width) const;
-    void fadeOutConfirmation(Panels::iterator panel);
+    void showForAWhile(const std::string& text, double width, Seconds duration);
+    void fadeOutShown(Panels::iterator panel);
 
     MainQueue& queue_;
     const Screens& screens_;
     HintPanels& panels_;
     RecordingOverlay& overlay_;
     std::unique_ptr<HintPanel> lockTipWindow_;
-    Panels confirmations_;
+    Panels shown_;
     Lifetime lifetime_;
 };
 
@@ -110,6 +113,7 @@ private:
     std::optional<Date> recordingStartTime_;
     std::optional<Date> tovikCaptureStartedAt_;
     Subscription lockTipTimer_;
+    Subscription pasteGivenUp_;
 };
 
 } // namespace tovik

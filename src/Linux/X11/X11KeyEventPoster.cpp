@@ -349,11 +349,21 @@ void X11KeyEventPoster::paste(const PasteChord& chord, unsigned long window,
         services_.log.printLine("[TovikVoice] Failed to press the paste keys: " +
                                 outcome.error().description);
     }
-    if (outcome && underWay_) {
-        fetching_ = services_.queue.after(kLongestFetch, [this, job] { finish(job); });
-    } else {
+    if (!outcome || !underWay_) {
         finish(job);
+        return;
     }
+    // A modifier that went down just before may have come between the look at the keys and the chord. If so,
+    // nobody fetches the text.
+    const bool isDoubtful =
+        !job->isRepeated && presser_->isSpoiled(chord) && chord != chords_->chordBesideControl(ids);
+    fetching_ = services_.queue.after(kLongestFetch, [this, job, isDoubtful] {
+        if (isDoubtful) {
+            repeat(job);
+        } else {
+            finish(job);
+        }
+    });
 }
 
 void X11KeyEventPoster::noteFetched(std::uint64_t paste, unsigned long requestor) {
@@ -377,13 +387,25 @@ void X11KeyEventPoster::giveUp(Jobs::iterator job) {
     }
 }
 
+void X11KeyEventPoster::repeat(Jobs::iterator job) {
+    services_.log.printLine("[TovikVoice] Pasting again, since a key went down beside the paste keys");
+    endPaste();
+    job->isRepeated = true;
+    job->deadline = services_.queue.after(kLongestWait, [this, job] { giveUp(job); });
+    beginNext();
+}
+
 void X11KeyEventPoster::finish(Jobs::iterator job) {
+    endPaste();
+    jobs_.erase(job);
+    beginNext();
+}
+
+void X11KeyEventPoster::endPaste() {
     fetching_.end();
     if (std::exchange(underWay_, std::nullopt)) {
         services_.pasteboard.endPaste();
     }
-    jobs_.erase(job);
-    beginNext();
 }
 
 } // namespace tovik

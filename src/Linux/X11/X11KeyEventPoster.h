@@ -63,6 +63,7 @@ private:
         std::optional<std::string> text;
         std::optional<RunningApplication> target;
         Subscription deadline;
+        bool isRepeated = false;
     };
     using Jobs = std::list<Job>;
     /// The chord of the first job has been pressed; its text is to be fetched.
@@ -76,6 +77,8 @@ private:
     void paste(const PasteChord& chord, unsigned long window, const std::vector<std::string>& ids);
     void noteFetched(std::uint64_t paste, unsigned long requestor);
     void giveUp(Jobs::iterator job);
+    void repeat(Jobs::iterator job);
+    void endPaste();
     void finish(Jobs::iterator job);
     [[nodiscard]] std::optional<PasteChord> possibleChord(const std::vector<std::string>& ids) const;
 

@@ -55,7 +55,13 @@ protected:
             .posted = posted_,
             .pasteboard = pasteboard_,
             .target = [this] { return target_; },
-            .isInFront = [this](const auto& target) { return target == inFront_; },
+            .isInFront =
+                [this](const auto& target) {
+                    if (onLook_) {
+                        std::exchange(onLook_, nullptr)();
+                    }
+                    return target == inFront_;
+                },
             .bringToFront =
                 [this](const auto& target) { brought_.push_back(target.localizedName.value_or("")); },
             .isTalkKeyHeldAlone = [this] { return isTalkKeyHeldAlone_; }});
@@ -101,6 +107,8 @@ protected:
     RunningApplication inFront_ = editor_;
     std::vector<std::string> brought_;
     bool isTalkKeyHeldAlone_ = false;
+    /// Happens between the look at the modifiers and the chord.
+    std::function<void()> onLook_;
     XUser user_;
     WindowProgram program_{"Editor", "text-editor"};
     std::unique_ptr<X11KeyEventPoster> poster_;
@@ -228,6 +236,23 @@ TEST_F(X11KeyEventPosterTest, whenTheTalkKeyIsHeldAlone_pastesAtOnceBesideIt) {
     post("text");
     EXPECT_THAT(pressed(), ElementsAre("Control_L 0x4", "v 0x4"));
     EXPECT_TRUE(user_.heldKeys()[user_.keyCode("Control_R")]) << "what the user holds stays held";
+}
+
+TEST_F(X11KeyEventPosterTest, whenTheTalkKeyGoesDownAtThatVeryMoment_pastesAgainAsNobodyFetchesTheText) {
+    onLook_ = [this] {
+        user_.press("Control_R");
+        user_.sync();
+        isTalkKeyHeldAlone_ = true;
+    };
+    post("text");
+    EXPECT_THAT(pressed(), ElementsAre("Control_R 0x0", "Shift_L 0x4", "Insert 0x5"));
+    time_.advance(Seconds(0.99));
+    EXPECT_THAT(pressed(), IsEmpty());
+    time_.advance(Seconds(0.01));
+    EXPECT_THAT(pressed(), ElementsAre("Control_L 0x4", "v 0x4"));
+    time_.advance(Seconds(20));
+    EXPECT_THAT(pressed(), IsEmpty()) << "once is enough";
+    EXPECT_FALSE(poster_->isPosting());
 }
 
 TEST_F(X11KeyEventPosterTest, whenPastesWaitForDifferentTargets_eachBringsItsOwn) {

@@ -45,6 +45,20 @@ TEST_F(HandsFreeHintsTest, confirmation_saysHowToFinishNearTheBottomOfTheMainScr
     EXPECT_EQ(overlay.calls, std::vector<std::string>{"tovik"});
 }
 
+TEST_F(HandsFreeHintsTest, theNoticeOfATextThatWasNotPasted_saysWhereItIsForFiveSeconds) {
+    screens.setScreens({{Rect{0, 0, 1920, 1080}, Rect{0, 30, 1920, 1000}}});
+    hints.showNotPasted();
+    ASSERT_EQ(panels.panels.size(), 1u);
+    EXPECT_EQ(panels.panels[0]->description,
+              (HintDescription{"Not pasted · the text is on the clipboard and in the history",
+                               Rect{750, 1000, 420, 28}, 12, FontWeight::semibold, 0.86}));
+    EXPECT_TRUE(overlay.calls.empty());
+    time.advance(Seconds(4.99));
+    EXPECT_TRUE(panels.panels[0]->fadeOuts.empty());
+    time.advance(Seconds(0.01));
+    EXPECT_EQ(panels.panels[0]->fadeOuts, std::vector{Seconds(0.15)});
+}
+
 TEST_F(HandsFreeHintsTest, whenTheMainScreenIsNotTheLeftmost_panelsStandOnIt) {
     screens.setScreens({{Rect{1000, 200, 800, 600}, Rect{1000, 200, 800, 600}}});
     hints.showLockTip();

@@ -362,6 +362,12 @@ TEST_F(PushToTalkTest, whenStoppedWhileTheTipShows_theTipFadesOut) {
     EXPECT_EQ(hintPanels.panels[0]->fadeOuts.size(), 1u);
 }
 
+TEST_F(PushToTalkTest, whenAPasteIsGivenUp_theUserIsTold) {
+    poster.givenUp.tell();
+    ASSERT_EQ(hintPanels.panels.size(), 1u);
+    EXPECT_TRUE(hintPanels.panels[0]->isOnScreen);
+}
+
 // The early microphone.
 
 TEST_F(PushToTalkTest, whenTheTalkKeyIsTouched_theMicrophoneOpensBeforeTheRecordingBegins) {
