@@ -26,7 +26,7 @@ Dictates recordings without a desktop: the program's recognizer and text rules, 
 settings of the first day. Touches no settings; only the sound that a speech server
 fails is kept in a file.
 
-  --json      one JSON object a recording: file, text (as it would be pasted), recognized
+  --json      one JSON object a recording: file, text (as it would be pasted), recognised
               (the recognizer's own words), audio_seconds, final_ms (end of sound to final
               text), rtf (processor time for a second of sound), load_ms (until the model was
               loaded); error when there is no text
@@ -97,7 +97,7 @@ Options parse(int count, char** arguments) {
 void printJson(const std::string& file, const Transcript& transcript, tovik::Seconds loadTime) {
     nlohmann::ordered_json object{{"file", file},
                                   {"text", transcript.text},
-                                  {"recognized", transcript.recognized},
+                                  {"recognised", transcript.recognized},
                                   {"audio_seconds", transcript.audioSeconds},
                                   {"final_ms", transcript.finalMilliseconds},
                                   {"rtf", transcript.realTimeFactor},
@@ -112,7 +112,7 @@ void printJson(const std::string& file, const Transcript& transcript, tovik::Sec
 void printPlain(const std::string& file, const Transcript& transcript) {
     std::cout << file << '\n'
               << "  text        " << transcript.text << '\n'
-              << "  recognized  " << transcript.recognized << '\n';
+              << "  recognised  " << transcript.recognized << '\n';
     if (transcript.error) {
         std::cout << "  error       " << *transcript.error << '\n';
     }
