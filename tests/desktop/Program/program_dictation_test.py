@@ -25,6 +25,13 @@ class Dictation(ProgramTest):
         self.assertEqual(result.saved.rstrip("\n"), result.transcript)
         self.assertEqual(self.desktop.selection_text("CLIPBOARD"), result.transcript)
 
+    def test_whenTextIsMarked_takesItsPlace(self) -> None:
+        editor = self.open_editor("marked")
+        self.desktop.tap("Control_L", "a")
+        wait_until(lambda: self.desktop.selection_text("PRIMARY") == "marked", "the text to be marked")
+        result = self.dictate(self.program, editor)
+        self.assertEqual(editor.text(), result.transcript)
+
     def test_whenMadeHandsFree_goesOnAfterTheKeyIsReleased(self) -> None:
         editor = self.open_editor()
         result = self.dictate(self.program, editor, hands_free=True)
