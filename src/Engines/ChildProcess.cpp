@@ -26,8 +26,8 @@ namespace {
 constexpr int kStatusUnknown = SIGKILL;
 constexpr int kFirstOtherFile = STDERR_FILENO + 1;
 
-/// The number stays the group's as long as one of it lives, also where the program itself has gone.
-constexpr auto kWatch = "read -r _; kill -s TERM -- \"-$0\"; sleep 2; kill -s KILL -- \"-$0\"";
+/// Its own group is the one that it ends, itself included. TERM is for the others.
+constexpr auto kWatch = "trap '' TERM; read -r _; kill -s TERM 0; sleep 2; kill -s KILL 0";
 
 class FileActions {
 public:
@@ -50,18 +50,18 @@ private:
     posix_spawn_file_actions_t actions_{};
 };
 
-/// A process group of its own, and signals as every program expects them, whatever the calling thread has
-/// blocked.
+/// The process group, and signals as every program expects them, whatever the calling thread has blocked.
 class Attributes {
 public:
-    Attributes() {
+    /// 0 for a group that the new process leads.
+    explicit Attributes(pid_t group) {
         posix_spawnattr_init(&attributes_);
         sigset_t signals;
         sigemptyset(&signals);
         posix_spawnattr_setsigmask(&attributes_, &signals);
         sigfillset(&signals);
         posix_spawnattr_setsigdefault(&attributes_, &signals);
-        posix_spawnattr_setpgroup(&attributes_, 0);
+        posix_spawnattr_setpgroup(&attributes_, group);
         posix_spawnattr_setflags(&attributes_,
                                  POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
     }
@@ -139,12 +139,12 @@ bool isTransient(int error) {
 
 Result<std::unique_ptr<ChildProcess>> ChildProcess::start(Program program) {
     std::unique_ptr<ChildProcess> child(new ChildProcess);
-    const bool needsWatcher = program.outlivesNothing;
+    // First, so that there is no moment at which this process could die and leave the program behind.
+    if (program.outlivesNothing) {
+        child->startWatcher();
+    }
     if (auto spawned = child->spawn(program); !spawned) {
         return spawned.error();
-    }
-    if (needsWatcher) {
-        child->startWatcher();
     }
     return child;
 }
@@ -184,11 +184,14 @@ Result<void> ChildProcess::spawn(Program& program) {
     }
     arguments.push_back(nullptr);
     const auto environment = environmentWith(program.environment);
-    const int code = ::posix_spawnp(&process_, arguments.front(), files.get(), Attributes().get(),
+    const int code = ::posix_spawnp(&process_, arguments.front(), files.get(), Attributes(group_).get(),
                                     arguments.data(), environment.data());
     if (code != 0) {
         process_ = 0;
         return posixError(code, "Cannot start " + program.command.front());
+    }
+    if (group_ == 0) {
+        group_ = process_;
     }
     // The library of Debian 12 declares its own wrapper as a function of C++.
     endSignal_ = UnixFd(static_cast<int>(::syscall(SYS_pidfd_open, process_, 0)));
@@ -198,9 +201,10 @@ Result<void> ChildProcess::spawn(Program& program) {
 }
 
 void ChildProcess::startWatcher() {
-    auto watcher = start({.command = {"/bin/sh", "-c", kWatch, std::to_string(process_)}, .hasInput = true});
+    auto watcher = start({.command = {"/bin/sh", "-c", kWatch}, .hasInput = true});
     if (watcher) {
         watcher_ = std::move(watcher.value());
+        group_ = watcher_->process_;
     }
 }
 
@@ -244,8 +248,8 @@ std::optional<int> ChildProcess::ended() {
     if (info.si_pid == 0) {
         return std::nullopt;
     }
-    // What it has started holds what the next one needs. Before it is collected, since the number is its own
-    // until then. And before that the watcher, which would reach for the number later.
+    // What it has started holds what the next one needs. Before the leader is collected, since the number is
+    // the group's own until then.
     kill(SIGKILL);
     watcher_.reset();
     int status = 0;
@@ -264,7 +268,7 @@ std::optional<int> ChildProcess::waitForEnd(Seconds atMost) {
 }
 
 void ChildProcess::kill(int signal) const {
-    ::kill(-process_, signal);
+    ::kill(-group_, signal);
 }
 
 int ChildProcess::end(Seconds grace) {

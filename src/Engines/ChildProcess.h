@@ -77,11 +77,13 @@ private:
     void startWatcher();
 
     pid_t process_ = 0;
+    /// Of the program and all that it has started.
+    pid_t group_ = 0;
     UnixFd endSignal_;
     UnixFd input_;
     UnixFd output_;
     std::optional<int> status_;
-    /// Ends the group when this process has died, which it sees at the end of its input.
+    /// Leads the group, and ends it when this process has died, which it sees at the end of its input.
     std::unique_ptr<ChildProcess> watcher_;
 };
 
