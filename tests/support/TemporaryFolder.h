@@ -3,6 +3,7 @@
 #pragma once
 
 #include <stdlib.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -59,6 +60,12 @@ inline std::optional<std::string> readFile(const std::string& path) {
         return std::nullopt;
     }
     return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+/// Who may read and write it, as chmod takes it; 0 when there is no such file.
+inline mode_t modeOf(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 0777 : 0;
 }
 
 /// The names in a folder, hidden ones included, sorted.

@@ -13,7 +13,6 @@
 #include <signal.h>
 #include <sys/file.h>
 #include <sys/inotify.h>
-#include <sys/stat.h>
 
 #include <array>
 #include <atomic>
@@ -52,11 +51,6 @@ protected:
     std::string file = folder + "/defaults.json";
     RecordingLog log;
 };
-
-mode_t modeOf(const std::string& path) {
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 0777 : 0;
-}
 
 TEST_F(JsonUserDefaultsTest, whenNothingIsStored_everyKeyIsAbsentAndNothingIsCreated) {
     const auto defaults = open();

@@ -7,18 +7,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <filesystem>
 
 namespace tovik::test {
 namespace {
-
-mode_t modeOf(const std::string& path) {
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 0777 : 0;
-}
 
 TEST(LocalFiles, whenAFileIsWritten_onlyTheUserCanReadItAndItsNewFolders) {
     const TemporaryFolder folder;
