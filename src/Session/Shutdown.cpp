@@ -69,6 +69,8 @@ void Shutdown::terminate() {
     recognized_.end();
     delivered_.end();
     ending_.end();
+    // One that waits for the paste of another, or was received this very moment, would be lost.
+    delivery_.keepWithoutPasting();
     platform_.terminate();
 }
 

@@ -56,6 +56,9 @@ constexpr std::size_t kMostRemembered = 25;
 constexpr std::size_t kLogPreviewLength = 50;
 constexpr Seconds kHideToActivate{0.1};
 constexpr Seconds kActivateToPaste{0.18};
+/// More than a translator allows itself; it is for one that never answers and would hold up all later texts.
+constexpr Seconds kLongestTranslation{30.0};
+constexpr std::size_t kBytesPerFurtherSecond = 1000;
 
 } // namespace
 
@@ -125,7 +128,7 @@ void TranscriptDelivery::handleTranscription(const std::string& text) {
     if (platform_.defaults.boolean("TranslationEnabled").value_or(false)) {
         translate(corrected);
     } else if (!spoken_.empty()) {
-        spoken_.push_back({corrected, true});
+        spoken_.push_back(std::make_shared<Spoken>(Spoken{corrected, true}));
     } else {
         pasteTextToTarget(corrected);
     }
@@ -155,27 +158,42 @@ void TranscriptDelivery::remember(const std::string& corrected) {
 
 // All begin at once, and one may take longer than the next.
 void TranscriptDelivery::translate(const std::string& corrected) {
-    const auto entry = spoken_.insert(spoken_.end(), {corrected});
+    const auto spoken = spoken_.emplace_back(std::make_shared<Spoken>(Spoken{corrected}));
+    const auto patience =
+        kLongestTranslation + std::chrono::seconds(corrected.size() / kBytesPerFurtherSecond);
+    spoken->deadline = platform_.mainQueue.after(patience, [this, late = std::weak_ptr(spoken)] {
+        platform_.log.logLine("[TovikVoice] No translation came in time: pasting the text as it was said");
+        noteTranslation(*late.lock(), std::nullopt);
+    });
     translator_.translate(corrected,
-                          lifetime_.guard([this, entry](const std::optional<TranslationResult>& translation) {
-                              entry->translation = translation;
-                              entry->isReady = true;
-                              pasteNextSpoken();
+                          lifetime_.guard([this, weak = std::weak_ptr(spoken)](
+                                              const std::optional<TranslationResult>& translation) {
+                              if (const auto waiting = weak.lock(); waiting && !waiting->isReady) {
+                                  noteTranslation(*waiting, translation);
+                              }
                           }));
 }
 
+void TranscriptDelivery::noteTranslation(Spoken& spoken,
+                                         const std::optional<TranslationResult>& translation) {
+    spoken.deadline.end();
+    spoken.translation = translation;
+    spoken.isReady = true;
+    pasteNextSpoken();
+}
+
 void TranscriptDelivery::pasteNextSpoken() {
-    if (pasting_ > 0 || spoken_.empty() || !spoken_.front().isReady) {
+    if (pasting_ > 0 || spoken_.empty() || !spoken_.front()->isReady) {
         return;
     }
-    const auto next = std::move(spoken_.front());
+    const auto next = spoken_.front();
     spoken_.pop_front();
-    if (!next.translation) {
-        pasteTextToTarget(next.corrected);
+    if (!next->translation) {
+        pasteTextToTarget(next->corrected);
         return;
     }
-    const auto& original = next.translation->originalText;
-    const auto& translated = next.translation->translatedText;
+    const auto& original = next->translation->originalText;
+    const auto& translated = next->translation->translatedText;
     platform_.log.printLine("[TovikVoice] Translation: '" + firstCharacters(original, kLogPreviewLength) +
                             "' → '" + firstCharacters(translated, kLogPreviewLength) + "'");
     lastTranscript_ = translated + "\n[" + original + "]";

@@ -8,6 +8,7 @@
 
 #include <deque>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -67,8 +68,8 @@ public:
     /// Takes every final text, also an empty one. Without the permission to press keys the text is dropped.
     void handleTranscription(const std::string& text);
 
-    /// For when the main queue runs no more: puts every text that was received and not handled, corrected,
-    /// into the history and nowhere else. How many there were, empty ones left out.
+    /// For the end of the program, when the main queue runs no more: puts every text that was received and
+    /// not handled, corrected, into the history and nowhere else. How many there were, empty ones left out.
     std::size_t keepWithoutPasting();
 
     /// Puts the text on the pasteboard and, after the target has come to the front, presses paste there.
@@ -96,6 +97,7 @@ private:
         std::string corrected;
         bool isReady = false;
         std::optional<TranslationResult> translation = std::nullopt;
+        Subscription deadline = {};
     };
 
     [[nodiscard]] std::optional<std::string> takeReceived();
@@ -103,6 +105,7 @@ private:
     void remember(const std::string& corrected);
     void handleReceived();
     void translate(const std::string& corrected);
+    void noteTranslation(Spoken& spoken, const std::optional<TranslationResult>& translation);
     void pasteNextSpoken();
     void restoreFocus();
     void postPasteToTarget();
@@ -118,7 +121,7 @@ private:
 
     mutable std::mutex receivedMutex_;
     std::deque<std::string> received_;
-    std::list<Spoken> spoken_;
+    std::list<std::shared_ptr<Spoken>> spoken_;
     /// Texts on the pasteboard whose paste keys have not been posted yet.
     int pasting_ = 0;
     std::optional<std::string> lastTranscript_;

@@ -123,6 +123,18 @@ TEST_F(ShutdownTest, whenTheTranslationDoesNotComeInTime_saysWhereTheTextIs) {
               "[TovikVoice] The last dictation was not pasted in time: its text is in the history");
 }
 
+TEST_F(ShutdownTest, whenAskedAgainWhileATextWaitsForThePasteOfAnother_keepsItInTheHistory) {
+    delivery.receive("first");
+    delivery.receive("second");
+    time.advance(Seconds(0.1));
+    ASSERT_THAT(history.entries(), SizeIs(1));
+    shutdown.quit(Shutdown::patienceOfSession);
+    shutdown.quit(Shutdown::patienceOfSession);
+    EXPECT_EQ(terminations, 1);
+    ASSERT_THAT(history.entries(), SizeIs(2));
+    EXPECT_EQ(history.entries().front().text, "second");
+}
+
 TEST_F(ShutdownTest, whenAskedAgain_terminatesAtOnce) {
     recorder.recognizes = true;
     shutdown.quit(Shutdown::patienceOfSession);

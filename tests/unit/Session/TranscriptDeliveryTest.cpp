@@ -307,6 +307,36 @@ TEST_F(TranslatedDeliveryTest, translationsThatComeInAnotherOrder_arePastedInThe
     EXPECT_FALSE(delivery.isUnderWay());
 }
 
+TEST_F(TranslatedDeliveryTest, whenATranslationNeverComes_theTextIsPastedAsItWasSaidAndTheNextOnesFollow) {
+    delivery.handleTranscription("one");
+    delivery.handleTranscription("two");
+    translator.answerNewest(TranslationResult{"two", "dos", "en", "es"});
+    time.advance(Seconds(29.9));
+    EXPECT_THAT(pasteboard.texts(), IsEmpty());
+    time.advance(Seconds(0.1));
+    EXPECT_THAT(pasteboard.texts(), ElementsAre("one"));
+    finishPaste();
+    EXPECT_THAT(pasteboard.texts(), ElementsAre("one", "dos"));
+    EXPECT_THAT(log.logged(),
+                ElementsAre("[TovikVoice] No translation came in time: pasting the text as it was said"));
+    translator.answer(TranslationResult{"one", "uno", "en", "es"});
+    finishPaste();
+    EXPECT_THAT(pasteboard.texts(), ElementsAre("one", "dos")) << "what comes late finds nothing";
+    EXPECT_FALSE(delivery.isUnderWay());
+    EXPECT_EQ(time.pendingCount(), 0u);
+}
+
+TEST_F(TranslatedDeliveryTest, whenATranslationComesAfterItsTimeButBeforeItsTurn_theTextStaysAsItWasSaid) {
+    delivery.handleTranscription(std::string(5000, 'x'));
+    delivery.handleTranscription("two");
+    time.advance(Seconds(31));
+    translator.answerNewest(TranslationResult{"two", "dos", "en", "es"});
+    EXPECT_THAT(pasteboard.texts(), IsEmpty()) << "a long text has longer";
+    translator.answer(std::nullopt);
+    time.advance(Seconds(0.3));
+    EXPECT_EQ(pasteboard.contents(), "two");
+}
+
 TEST_F(TranslatedDeliveryTest, theLogLine_cutsEachSideTo50Characters) {
     std::string source;
     for (int i = 0; i < 51; ++i) {
