@@ -22,7 +22,7 @@ if(TOVIK_SANITIZE)
 endif()
 
 # What nearly every source includes and nobody here changes, compiled once for all that stand on the same libraries. The
-# tidy preset builds without, so that each file still names what it needs.
+# presets dev and tidy compile each source by itself, tidy also without these, so that each still names what it needs.
 set(TOVIK_COMMON_HEADERS <algorithm> <array> <chrono> <filesystem> <functional> <map> <memory> <mutex> <optional> <set>
                          <span> <string> <string_view> <thread> <utility> <vector>)
 set(TOVIK_QT_HEADERS <QApplication> <QObject> <QString> <QWidget>)
@@ -73,9 +73,9 @@ function(tovik_test name)
   if(TOVIK_SANITIZE MATCHES thread)
     target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/SanitizedThreads.cpp)
   endif()
-  # What a header's change costs is mostly what its tests include: five of them at a time read that once.
-  if(ARG_KIND STREQUAL unit)
-    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 5)
+  # Each contract has a World of its own.
+  if(ARG_KIND STREQUAL contract)
+    set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)
   endif()
   tovik_test_flags(${name})
   target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gmock GTest::gtest_main)

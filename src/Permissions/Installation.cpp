@@ -13,7 +13,7 @@ namespace tovik {
 namespace {
 
 constexpr auto kInstallerDownload = "https://tovik.example/downloads/tovik-record/TovikRecord-1.3.6.dmg";
-constexpr Seconds kRefreshDelay{1.0};
+constexpr Seconds kRefreshDelayOfACopy{1.0};
 constexpr Seconds kRelaunchDelay{0.25};
 
 enum GuidanceButton { openInstaller = 0, quitAndReopen = 1 };
@@ -145,7 +145,7 @@ void Installation::showAccessibilityInstallGuidance() {
     case openInstaller:
         mainWindow_.showSavedToast(openTovikRecordInstaller() ? "Drag into Applications"
                                                               : "Installer unavailable");
-        platform_.mainQueue.asyncAfter(kRefreshDelay,
+        platform_.mainQueue.asyncAfter(kRefreshDelayOfACopy,
                                        lifetime_.guard([this] { mainWindow_.refreshPermissions(); }));
         break;
     case quitAndReopen:

@@ -10,7 +10,7 @@ namespace tovik::test {
 
 namespace {
 
-constexpr std::chrono::seconds kPatience{10};
+constexpr std::chrono::seconds kPatienceWithAnswers{10};
 constexpr int kLookAgainMicroseconds = 5000;
 
 } // namespace
@@ -19,7 +19,7 @@ SoundServerView::SoundServerView(const std::string& address)
     : loop_(pa_mainloop_new()),
       context_(pa_context_new(pa_mainloop_get_api(loop_.get()), "view")) {
     pa_context_connect(context_.get(), address.c_str(), PA_CONTEXT_NOAUTOSPAWN, nullptr);
-    const auto limit = std::chrono::steady_clock::now() + kPatience;
+    const auto limit = std::chrono::steady_clock::now() + kPatienceWithAnswers;
     while (pa_context_get_state(context_.get()) != PA_CONTEXT_READY) {
         if (std::chrono::steady_clock::now() > limit) {
             throw std::runtime_error("the sound server does not answer");
@@ -59,7 +59,7 @@ bool SoundServerView::lists(const std::string& source) {
 }
 
 void SoundServerView::await(pulse::OperationHandle operation) {
-    const auto limit = std::chrono::steady_clock::now() + kPatience;
+    const auto limit = std::chrono::steady_clock::now() + kPatienceWithAnswers;
     while (operation && pa_operation_get_state(operation.get()) == PA_OPERATION_RUNNING) {
         if (std::chrono::steady_clock::now() > limit) {
             throw std::runtime_error("the sound server does not answer");

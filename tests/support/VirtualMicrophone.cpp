@@ -22,7 +22,7 @@ using Time = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kPace{2};
 // Turns; a server that listens reads more often than this.
-constexpr int kPatience = 75;
+constexpr int kMostTurnsUnread = 75;
 constexpr int kFirstNumber = -30000;
 constexpr std::int16_t kHum = 16000;
 
@@ -66,7 +66,7 @@ std::uint64_t VirtualMicrophone::numberOf(float sample) {
 
 void VirtualMicrophone::run() {
     const auto start = Time::now();
-    int turnsUnread = kPatience;
+    int turnsUnread = kMostTurnsUnread;
     int leftInPipe = 0;
     std::vector<std::int16_t> chunk;
     std::vector<std::int16_t> interleaved;
@@ -81,7 +81,7 @@ void VirtualMicrophone::run() {
         ++turnsUnread;
         if (inPipe < leftInPipe) {
             turnsUnread = 0;
-        } else if (turnsUnread > kPatience && read(pipe_, unheard.data(), unheard.size()) < inPipe) {
+        } else if (turnsUnread > kMostTurnsUnread && read(pipe_, unheard.data(), unheard.size()) < inPipe) {
             // Somebody was quicker.
             turnsUnread = 0;
         }

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace tovik {
 
@@ -26,6 +27,11 @@ public:
     /// Ends the utterance: its text, or the error "No speech detected".
     [[nodiscard]] virtual Result<std::string> finish() = 0;
 };
+
+/// Words and more words, either of which may be empty, with a space between them.
+inline std::string joined(const std::string& words, const std::string& more) {
+    return words.empty() || more.empty() ? words + more : words + ' ' + more;
+}
 
 /// Loads a decoder and has it do what comes in on standard input, as Protocol.h says, until that ends; the
 /// whole life of tovik-engine and of programs that stand in for it in tests. Ends the process at the end,

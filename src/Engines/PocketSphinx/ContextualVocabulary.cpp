@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Engines/PocketSphinx/ContextualVocabulary.h"
 
+#include "Engines/Host/DecoderHost.h"
 #include "Platform/AsciiCase.h"
 
 #include <flite/flite.h>
@@ -90,10 +91,6 @@ void addOnce(std::vector<std::string>& pronunciations, std::string phones) {
         std::find(pronunciations.begin(), pronunciations.end(), phones) == pronunciations.end()) {
         pronunciations.push_back(std::move(phones));
     }
-}
-
-std::string joined(const std::string& before, const std::string& after) {
-    return before + (before.empty() || after.empty() ? "" : " ") + after;
 }
 
 /// Flite's phone as the recognizer names it, which knows no stress, and so no vowel of unstressed syllables.

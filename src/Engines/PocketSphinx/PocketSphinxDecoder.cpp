@@ -70,10 +70,6 @@ cmd_ln_t* makeConfiguration(const std::string& folder) {
                        "-maxhmmpf", "5000", "-topn", "2", nullptr);
 }
 
-std::string joined(const std::string& earlier, const std::string& later) {
-    return earlier.empty() || later.empty() ? earlier + later : earlier + ' ' + later;
-}
-
 Error unusable(const std::string& why) {
     return recognitionError(RecognitionCode::noModel,
                             "The English speech model is not usable: " + why +

@@ -30,10 +30,6 @@ std::string lowerCase(const std::string& text) {
     return lower;
 }
 
-std::string joined(const std::string& first, const std::string& second) {
-    return first.empty() || second.empty() ? first + second : first + " " + second;
-}
-
 std::string stringIn(const nlohmann::json& object, const char* name) {
     const auto found = object.find(name);
     return found != object.end() && found->is_string() ? found->get<std::string>() : "";

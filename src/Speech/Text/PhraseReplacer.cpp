@@ -12,8 +12,6 @@ namespace tovik {
 
 namespace {
 
-constexpr auto kNone = std::u16string_view::npos;
-
 std::vector<PhraseReplacer::Rule> longestFirst(std::vector<PhraseReplacer::Rule> rules) {
     std::vector<std::pair<std::size_t, PhraseReplacer::Rule>> counted;
     counted.reserve(rules.size());

@@ -12,8 +12,6 @@ namespace tovik {
 
 namespace {
 
-constexpr auto kNone = std::u16string_view::npos;
-
 constexpr std::array<std::u16string_view, 20> kOnes{
     u"zero",     u"one",     u"two",     u"three",     u"four",     u"five",    u"six",
     u"seven",    u"eight",   u"nine",    u"ten",       u"eleven",   u"twelve",  u"thirteen",

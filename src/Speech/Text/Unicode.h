@@ -14,6 +14,9 @@ namespace tovik {
 // What the program needs of Unicode. Text rules work on UTF-16, as regular expressions do; the rest of the
 // program speaks UTF-8. Any thread.
 
+/// No place in a text.
+inline constexpr auto kNone = std::u16string_view::npos;
+
 /// What is not well-formed turns into U+FFFD on the way.
 [[nodiscard]] std::u16string toUtf16(std::string_view utf8);
 [[nodiscard]] std::string toUtf8(std::u16string_view utf16);
