@@ -86,8 +86,9 @@ public:
     [[nodiscard]] virtual bool isPosting() const = 0;
     /// Told each time that isPosting() has become false.
     Observers<> pressed;
-    /// Told when something that was posted could not be pressed for long and will not be.
-    Observers<> givenUp;
+    /// Told when something that was posted could not be pressed for long, or had no effect, and is given up;
+    /// and whether its text is on the clipboard all the same.
+    Observers<bool> givenUp;
 };
 
 } // namespace tovik

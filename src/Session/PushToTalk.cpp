@@ -14,7 +14,8 @@ constexpr double kPanelHeight = 28;
 constexpr double kGapBelowPanel = 2;
 constexpr double kTipWidth = 284;
 constexpr double kConfirmationWidth = 216;
-constexpr double kNoticeWidth = 420;
+constexpr double kNoticeWidth = 290;
+constexpr double kLongNoticeWidth = 420;
 
 constexpr Seconds kTipFadeIn{0.2};
 constexpr Seconds kConfirmationFadeIn{0.15};
@@ -58,8 +59,13 @@ void HandsFreeHints::showLockConfirmation() {
     overlay_.tovik();
 }
 
-void HandsFreeHints::showNotPasted() {
-    showForAWhile("Not pasted · the text is on the clipboard and in the history", kNoticeWidth, kNoticeShown);
+void HandsFreeHints::showNotPasted(bool isOnClipboard) {
+    if (isOnClipboard) {
+        showForAWhile("Not pasted · the text is on the clipboard and in the history", kLongNoticeWidth,
+                      kNoticeShown);
+    } else {
+        showForAWhile("Not pasted · the text is in the history", kNoticeWidth, kNoticeShown);
+    }
 }
 
 void HandsFreeHints::showForAWhile(const std::string& text, double width, Seconds duration) {
@@ -119,7 +125,8 @@ PushToTalk::PushToTalk(const Platform& platform, PermissionRequests& permissionR
       hints_(platform.mainQueue, platform.screens, *hintPanels_, overlay),
       captureState_(platform.files, platform.clock, platform.log, platform.dataFolder,
                     platform.processIdentifier),
-      pasteGivenUp_(platform.keyEventPoster.givenUp.add([this] { hints_.showNotPasted(); })) {}
+      pasteGivenUp_(platform.keyEventPoster.givenUp.add(
+          [this](bool isOnClipboard) { hints_.showNotPasted(isOnClipboard); })) {}
 
 void PushToTalk::close() {
     isClosed_ = true;

@@ -31,7 +31,7 @@ public:
     /// Every call shows a panel of its own, which goes by itself; the overlay beats once.
     void showLockConfirmation();
     /// As does this; the overlay stays as it is.
-    void showNotPasted();
+    void showNotPasted(bool isOnClipboard);
 
 private:
     using Panels = std::list<std::unique_ptr<HintPanel>>;

@@ -90,10 +90,13 @@ constexpr std::array kTerminals{"gnome-terminal",
 constexpr std::array kPlainTerminals{"xterm", "uxterm",      "urxvt", "rxvt",
                                      "st",    "st-256color", "eterm", "mlterm"};
 
-// Further ones that are known to paste from the primary selection; what they do beside Control is not.
-constexpr std::array kOtherTerminals{"aterm", "cool-retro-term", "deepin-terminal", "evilvte", "ghostty",
-                                     "kterm", "lilyterm",        "mrxvt",           "pterm",   "tilda",
-                                     "zutty"};
+// Further ones that are known to paste from the primary selection; what they do beside Control is not. GVim
+// is no terminal, but Debian makes Shift+Insert the middle mouse button there.
+constexpr std::array kOtherPrimaryPasters{
+    "aterm",    "cool-retro-term", "deepin-terminal", "evilvte", "ghostty", "gvim", "kterm",
+    "lilyterm", "mrxvt",           "pterm",           "putty",   "tilda",   "zutty"};
+// Editors in which Ctrl+V is no paste: it scrolls, or begins to mark a block.
+constexpr std::array kEditorsOfTheirOwn{"emacs", "xemacs", "nvim-qt", "neovide"};
 
 bool isAmong(const auto& names, const std::vector<std::string>& ids) {
     return std::any_of(ids.begin(), ids.end(), [&](const std::string& id) {
@@ -143,36 +146,46 @@ std::optional<PasteChord> PasteChord::parse(std::string_view text) {
 PasteChords::PasteChords(const UserDefaults& defaults, SystemLog& log) : defaults_(defaults), log_(log) {}
 
 PasteChord PasteChords::chordFor(const std::vector<std::string>& applicationIds) {
+    return usersChord(applicationIds).value_or(defaultChord());
+}
+
+std::optional<PasteChord> PasteChords::usersChord(const std::vector<std::string>& applicationIds) {
     const auto table = defaults_.value("platform.pasteChords");
     if (!table || !table->is_object()) {
-        return defaultChord();
+        return std::nullopt;
     }
     const auto entry = entryFor(*table, applicationIds);
     if (!entry) {
-        return defaultChord();
+        return std::nullopt;
     }
-    const auto chord = entry->is_string() ? PasteChord::parse(entry->get<std::string>()) : std::nullopt;
+    auto chord = entry->is_string() ? PasteChord::parse(entry->get<std::string>()) : std::nullopt;
     if (!chord && reported_.insert(asText(*entry)).second) {
         log_.printLine("[TovikVoice] \"" + asText(*entry) +
                        "\" in platform.pasteChords is no key chord; pasting with Shift+Insert");
     }
-    return chord.value_or(defaultChord());
+    return chord;
 }
 
-PasteChord PasteChords::chordBesideControl(const std::vector<std::string>& applicationIds) {
+std::optional<PasteChord> PasteChords::chordBesideControl(const std::vector<std::string>& applicationIds) {
     using enum PasteChord::Modifier;
+    if (usersChord(applicationIds)) {
+        return std::nullopt;
+    }
     if (isAmong(kPlainTerminals, applicationIds)) {
-        return chordFor(applicationIds);
+        return defaultChord();
     }
     if (isAmong(kTerminals, applicationIds)) {
-        return {{control, shift}, XK_v};
+        return PasteChord{{control, shift}, XK_v};
     }
-    return {{control}, XK_v};
+    if (isAmong(kEditorsOfTheirOwn, applicationIds) || pastesFromPrimary(applicationIds)) {
+        return std::nullopt;
+    }
+    return PasteChord{{control}, XK_v};
 }
 
 bool PasteChords::pastesFromPrimary(const std::vector<std::string>& applicationIds) const {
     if (isAmong(kTerminals, applicationIds) || isAmong(kPlainTerminals, applicationIds) ||
-        isAmong(kOtherTerminals, applicationIds)) {
+        isAmong(kOtherPrimaryPasters, applicationIds)) {
         return true;
     }
     const auto listed = defaults_.value("platform.primaryPasters");

@@ -43,16 +43,19 @@ public:
 
     /// What pastes while the user holds Control down, as those do whose talk key it is: Ctrl+V, which
     /// terminals take for something else, so Ctrl+Shift+V there, and the usual chord in those that know
-    /// neither.
-    [[nodiscard]] PasteChord chordBesideControl(const std::vector<std::string>& applicationIds);
+    /// neither. Nothing where none of them is known to paste, or where the user has named a chord.
+    [[nodiscard]] std::optional<PasteChord>
+    chordBesideControl(const std::vector<std::string>& applicationIds);
 
-    /// Whether Shift+Insert pastes from the primary selection there: in terminals, and in the applications
-    /// whose ids the user default "platform.primaryPasters" lists.
+    /// Whether Shift+Insert pastes from the primary selection there: in terminals, in GVim, and in the
+    /// applications whose ids the user default "platform.primaryPasters" lists.
     [[nodiscard]] bool pastesFromPrimary(const std::vector<std::string>& applicationIds) const;
 
     static const PasteChord& defaultChord();
 
 private:
+    [[nodiscard]] std::optional<PasteChord> usersChord(const std::vector<std::string>& applicationIds);
+
     const UserDefaults& defaults_;
     SystemLog& log_;
     std::set<std::string> reported_;

@@ -326,11 +326,8 @@ std::optional<PasteChord> X11KeyEventPoster::possibleChord(const std::vector<std
     }
     const bool isUrgent =
         checksSpoiled_ >= kManyChecks || (services_.isTalkKeyHeldAlone && services_.isTalkKeyHeldAlone());
-    if (auto besideControl = chords_->chordBesideControl(ids);
-        isUrgent && !presser_->isSpoiled(besideControl)) {
-        return besideControl;
-    }
-    return std::nullopt;
+    auto besideControl = chords_->chordBesideControl(ids);
+    return isUrgent && besideControl && !presser_->isSpoiled(*besideControl) ? besideControl : std::nullopt;
 }
 
 void X11KeyEventPoster::paste(const PasteChord& chord, unsigned long window,
@@ -342,7 +339,12 @@ void X11KeyEventPoster::paste(const PasteChord& chord, unsigned long window,
         using From = X11Pasteboard::From;
         const auto paste = services_.pasteboard.beginPaste(
             *job->text, chords_->pastesFromPrimary(ids) ? From::clipboardAndPrimary : From::clipboard);
-        underWay_ = {paste, window};
+        if (!paste) {
+            obstacle_ = "it could not be put on the clipboard";
+            giveUp(job);
+            return;
+        }
+        underWay_ = {*paste, window};
     }
     const auto outcome = presser_->press(chord);
     if (!outcome) {
@@ -357,9 +359,15 @@ void X11KeyEventPoster::paste(const PasteChord& chord, unsigned long window,
     // nobody fetches the text.
     const bool isDoubtful =
         !job->isRepeated && presser_->isSpoiled(chord) && chord != chords_->chordBesideControl(ids);
-    fetching_ = services_.queue.after(kLongestFetch, [this, job, isDoubtful] {
+    // What is known to paste beside Control in most programs is something else in a few. Of a window whose
+    // process is not known nobody can say whether it has fetched its text.
+    const bool isMissed = chord != chords_->chordFor(ids) && windows_->processIdentifier(window) > 0;
+    fetching_ = services_.queue.after(kLongestFetch, [this, job, isDoubtful, isMissed] {
         if (isDoubtful) {
             repeat(job);
+        } else if (isMissed) {
+            obstacle_ = "its window took no notice of the keys that paste beside Control";
+            giveUp(job);
         } else {
             finish(job);
         }
@@ -369,8 +377,9 @@ void X11KeyEventPoster::paste(const PasteChord& chord, unsigned long window,
 void X11KeyEventPoster::noteFetched(std::uint64_t paste, unsigned long requestor) {
     // Clipboard managers fetch as well.
     const auto process = windows_->processIdentifier(requestor);
-    if (underWay_ && underWay_->paste == paste && process > 0 &&
+    if (underWay_ && underWay_->paste == paste && !underWay_->isFetched && process > 0 &&
         process == windows_->processIdentifier(underWay_->window)) {
+        underWay_->isFetched = true;
         fetching_ = services_.queue.after(kPauseAfterFetch, [this, job = jobs_.begin()] { finish(job); });
     }
 }
@@ -380,8 +389,12 @@ void X11KeyEventPoster::giveUp(Jobs::iterator job) {
                             (job == jobs_.begin() ? obstacle_ : "others before it were not") +
                             ": it is in the history");
     const bool isFirst = job == jobs_.begin();
+    if (isFirst) {
+        endPaste();
+    }
+    const bool isOnClipboard = job->text && services_.pasteboard.holds(*job->text);
     jobs_.erase(job);
-    givenUp.tell();
+    givenUp.tell(isOnClipboard);
     if (isFirst) {
         beginNext();
     }

@@ -70,6 +70,8 @@ private:
     struct UnderWay {
         std::uint64_t paste;
         unsigned long window;
+        /// Only the first time counts: some programs ask again and again.
+        bool isFetched = false;
     };
 
     void beginNext();

@@ -144,6 +144,9 @@ public:
     /// Returns when the selections are ours and answered with the text; false when they could not be got.
     bool offer(Order order);
 
+    /// On any thread.
+    [[nodiscard]] bool ownsClipboard();
+
     void setOnFetched(std::function<void(Paste paste, unsigned long requestor)> onFetched);
 
 private:
@@ -258,6 +261,12 @@ bool X11Pasteboard::Owner::offer(Order order) {
     wake();
     settled_.wait(lock, [this] { return !order_ || isBroken_; });
     return isOrderDone_;
+}
+
+bool X11Pasteboard::Owner::ownsClipboard() {
+    const bool isOurs = isOwner(atoms_.clipboard);
+    wake(); // for events that came in along with the answer: poll would not tell of them
+    return isOurs;
 }
 
 void X11Pasteboard::Owner::run() {
@@ -568,7 +577,7 @@ void X11Pasteboard::Owner::continueTransfer(xcb_window_t requestor, xcb_atom_t p
     // The empty piece says that it was the last.
     if (length == 0) {
         tellFetched(found->paste, requestor);
-        endTransfers([&](const Transfer& each) { return &each == &*found; });
+        endTransfers([done = &*found](const Transfer& each) { return &each == done; });
     }
 }
 
@@ -647,18 +656,25 @@ void X11Pasteboard::replaceContents(std::string_view text) {
     }
 }
 
-X11Pasteboard::Paste X11Pasteboard::beginPaste(const std::string& text, From from) {
+std::optional<X11Pasteboard::Paste> X11Pasteboard::beginPaste(const std::string& text, From from) {
     pasted_ = text;
     ++pastes_;
-    offer(text, from);
+    if (!offer(text, from)) {
+        endPaste();
+        return std::nullopt;
+    }
     return pastes_;
 }
 
 void X11Pasteboard::endPaste() {
     const auto pasted = std::exchange(pasted_, std::nullopt);
-    if (pasted && contents_ && pasted != contents_) {
+    if (pasted && contents_ && pasted != contents_ && holds(*contents_)) {
         offer(*contents_, From::clipboard);
     }
+}
+
+bool X11Pasteboard::holds(const std::string& text) {
+    return contents_ == text && owner_ && owner_->ownsClipboard();
 }
 
 void X11Pasteboard::setOnFetched(std::function<void(Paste paste, unsigned long requestor)> onFetched) {
@@ -667,10 +683,12 @@ void X11Pasteboard::setOnFetched(std::function<void(Paste paste, unsigned long r
     }
 }
 
-void X11Pasteboard::offer(const std::string& text, From from) {
-    if (!owner_ || !owner_->offer({text, pasted_ ? pastes_ : 0, from})) {
+bool X11Pasteboard::offer(const std::string& text, From from) {
+    const bool isThere = owner_ && owner_->offer({text, pasted_ ? pastes_ : 0, from});
+    if (!isThere) {
         log_.printLine("[TovikVoice] Failed to put the text on the clipboard");
     }
+    return isThere;
 }
 
 } // namespace tovik

@@ -44,9 +44,14 @@ public:
 
     /// For whoever presses paste keys: from now on, until endPaste(), others get this text, whatever is put
     /// there meanwhile. Some programs paste from the primary selection; all others are spared its change,
-    /// since they let go of the text that is marked in them. Returns when the text is there.
-    Paste beginPaste(const std::string& text, From from);
+    /// since they let go of the text that is marked in them. Returns when the text is there; nothing, and no
+    /// paste has begun, when it could not be put there.
+    [[nodiscard]] std::optional<Paste> beginPaste(const std::string& text, From from);
+    /// What was put there meanwhile is what others get now, unless somebody has copied since.
     void endPaste();
+
+    /// Whether this text was put there last and nobody has copied since.
+    [[nodiscard]] bool holds(const std::string& text);
 
     /// Called on another thread each time that a window has been given the whole text of a paste; an empty
     /// function ends it, and when this returns, the former one is not being called.
@@ -55,7 +60,7 @@ public:
 private:
     class Owner;
 
-    void offer(const std::string& text, From from);
+    bool offer(const std::string& text, From from);
 
     SystemLog& log_;
     std::optional<std::string> contents_;

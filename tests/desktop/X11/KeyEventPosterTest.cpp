@@ -15,7 +15,10 @@
 #include "support/WindowProgram.h"
 #include "support/XUser.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QProcess>
+#include <QWindow>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -47,13 +50,14 @@ protected:
         EXPECT_TRUE(user_.heldKeys().none()) << "a key is stuck";
     }
 
-    std::unique_ptr<X11KeyEventPoster> makePoster() {
+    std::unique_ptr<X11KeyEventPoster> makePoster() { return makePoster(pasteboard_); }
+    std::unique_ptr<X11KeyEventPoster> makePoster(X11Pasteboard& pasteboard) {
         return std::make_unique<X11KeyEventPoster>(X11KeyEventPoster::Services{
             .queue = time_,
             .defaults = defaults_,
             .log = log_,
             .posted = posted_,
-            .pasteboard = pasteboard_,
+            .pasteboard = pasteboard,
             .target = [this] { return target_; },
             .isInFront =
                 [this](const auto& target) {
@@ -78,21 +82,22 @@ protected:
     }
 
     /// The keys that went down in the window since the last call.
-    std::vector<std::string> pressed() {
+    std::vector<std::string> pressed() { return pressed(program_); }
+    std::vector<std::string> pressed(WindowProgram& program) {
         const auto marker = user_.keyCode("F6");
         user_.pressCode(marker);
         user_.releaseCode(marker);
         const auto isMarker = [](const std::string& line) { return line.starts_with("release F6"); };
         EXPECT_TRUE(runUntil([&] {
-            return std::any_of(program_.keys().begin(), program_.keys().end(), isMarker);
+            return std::any_of(program.keys().begin(), program.keys().end(), isMarker);
         })) << "the window has lost the keyboard";
         std::vector<std::string> presses;
-        for (const auto& line : program_.keys()) {
+        for (const auto& line : program.keys()) {
             if (line.starts_with("press ") && !line.starts_with("press F6")) {
                 presses.push_back(line.substr(6));
             }
         }
-        program_.forgetKeys();
+        program.forgetKeys();
         return presses;
     }
 
@@ -157,17 +162,18 @@ INSTANTIATE_TEST_SUITE_P(Rows, X11KeyEventPosterHeld,
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(X11KeyEventPosterTest, whenAModifierIsNotReleasedForTenSeconds_pastesNothingAndSaysSo) {
-    int givenUp = 0;
-    const auto subscription = poster_->givenUp.add([&] { ++givenUp; });
+    std::vector<bool> givenUp;
+    const auto subscription =
+        poster_->givenUp.add([&](bool isOnClipboard) { givenUp.push_back(isOnClipboard); });
     user_.press("Alt_L");
     (void)pressed();
     post("text");
     time_.advance(Seconds(9.99));
     EXPECT_TRUE(poster_->isPosting());
-    EXPECT_EQ(givenUp, 0);
+    EXPECT_THAT(givenUp, IsEmpty());
     time_.advance(Seconds(0.01));
     EXPECT_FALSE(poster_->isPosting());
-    EXPECT_EQ(givenUp, 1);
+    EXPECT_THAT(givenUp, ElementsAre(true));
     EXPECT_THAT(log_.printed(),
                 ElementsAre("[TovikVoice] The text was not pasted, since a modifier key was held: "
                             "it is in the history"));
@@ -237,6 +243,94 @@ TEST_F(X11KeyEventPosterTest, whenTheTalkKeyIsHeldAlone_pastesAtOnceBesideIt) {
     EXPECT_THAT(pressed(), ElementsAre("Control_L 0x4", "v 0x4"));
     EXPECT_TRUE(user_.heldKeys()[user_.keyCode("Control_R")]) << "what the user holds stays held";
 }
+
+TEST_F(X11KeyEventPosterTest, whenTheClipboardHoldsAnotherTextByThen_saysThatTheTextIsNotThere) {
+    std::vector<bool> givenUp;
+    const auto subscription =
+        poster_->givenUp.add([&](bool isOnClipboard) { givenUp.push_back(isOnClipboard); });
+    user_.press("Alt_L");
+    (void)pressed();
+    post("first");
+    post("second");
+    time_.advance(Seconds(10));
+    EXPECT_THAT(givenUp, ElementsAre(false, true));
+}
+
+TEST_F(X11KeyEventPosterTest, whenNobodyFetchesWhatWasPressedBesideTheTalkKey_saysSoAndPressesNoMore) {
+    std::vector<bool> givenUp;
+    const auto subscription =
+        poster_->givenUp.add([&](bool isOnClipboard) { givenUp.push_back(isOnClipboard); });
+    user_.press("Control_R");
+    (void)pressed();
+    isTalkKeyHeldAlone_ = true;
+    post("text");
+    EXPECT_THAT(pressed(), ElementsAre("Control_L 0x4", "v 0x4"));
+    time_.advance(Seconds(0.99));
+    EXPECT_THAT(givenUp, IsEmpty());
+    time_.advance(Seconds(0.01));
+    EXPECT_THAT(givenUp, ElementsAre(true));
+    EXPECT_THAT(
+        log_.printed(),
+        ElementsAre("[TovikVoice] The text was not pasted, since its window took no notice of the keys "
+                    "that paste beside Control: it is in the history"));
+    user_.release("Control_R");
+    isTalkKeyHeldAlone_ = false;
+    time_.advance(Seconds(20));
+    EXPECT_THAT(pressed(), IsEmpty());
+    EXPECT_FALSE(poster_->isPosting());
+}
+
+TEST_F(X11KeyEventPosterTest, whenTheClipboardCannotBeHad_pressesNothingAndSaysSo) {
+    X11Pasteboard nowhere(log_, ":97531", X11Pasteboard::Patience());
+    poster_ = makePoster(nowhere);
+    std::vector<bool> givenUp;
+    const auto subscription =
+        poster_->givenUp.add([&](bool isOnClipboard) { givenUp.push_back(isOnClipboard); });
+    nowhere.replaceContents("text");
+    post();
+    EXPECT_THAT(pressed(), IsEmpty()) << "a stranger's text would be pasted";
+    EXPECT_THAT(givenUp, ElementsAre(false));
+    EXPECT_FALSE(poster_->isPosting());
+    EXPECT_THAT(log_.printed(),
+                Contains("[TovikVoice] The text was not pasted, since it could not be put on the clipboard: "
+                         "it is in the history"));
+    poster_.reset();
+}
+
+struct NoPasteBesideControl {
+    const char* name;
+    const char* className;
+    std::vector<std::string> pressed;
+};
+
+class X11KeyEventPosterBesideControl : public X11KeyEventPosterTest,
+                                       public testing::WithParamInterface<NoPasteBesideControl> {};
+
+TEST_P(X11KeyEventPosterBesideControl, whereNothingPastesBesideTheTalkKey_waitsForItsRelease) {
+    defaults_.set("platform.primaryPasters", {"listed"});
+    defaults_.set("platform.pasteChords", {{"own-chord", "Shift+F5"}});
+    WindowProgram window(GetParam().className);
+    user_.focus(window.window());
+    user_.press("Control_R");
+    (void)pressed(window);
+    isTalkKeyHeldAlone_ = true;
+    post("text");
+    time_.advance(Seconds(9.9));
+    EXPECT_THAT(pressed(window), IsEmpty());
+    user_.release("Control_R");
+    time_.advance(Seconds(0.02));
+    EXPECT_EQ(pressed(window), GetParam().pressed);
+    user_.focus(program_.window());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, X11KeyEventPosterBesideControl,
+    testing::Values(NoPasteBesideControl{"emacs", "Emacs", {"Shift_L 0x0", "Insert 0x1"}},
+                    NoPasteBesideControl{"gvim", "Gvim", {"Shift_L 0x0", "Insert 0x1"}},
+                    NoPasteBesideControl{"tilda", "Tilda", {"Shift_L 0x0", "Insert 0x1"}},
+                    NoPasteBesideControl{"listed", "Listed", {"Shift_L 0x0", "Insert 0x1"}},
+                    NoPasteBesideControl{"ofTheUsersOwnChord", "Own-Chord", {"Shift_L 0x0", "F5 0x1"}}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(X11KeyEventPosterTest, whenTheTalkKeyGoesDownAtThatVeryMoment_pastesAgainAsNobodyFetchesTheText) {
     onLook_ = [this] {
@@ -366,11 +460,45 @@ TEST_P(X11KeyEventPosterFetched, whenTextsWaitForAKeyToBeReleased_eachArrivesOnc
     EXPECT_THAT(texts(2), ElementsAre("one", "two"));
 }
 
+TEST_P(X11KeyEventPosterFetched, whenATextIsPastedBesideTheTalkKey_arrivesOnceAndIsNotGivenUp) {
+    int givenUp = 0;
+    const auto subscription = poster_->givenUp.add([&](bool) { ++givenUp; });
+    user_.press("Control_R");
+    isTalkKeyHeldAlone_ = true;
+    post("one");
+    EXPECT_THAT(texts(1), ElementsAre("one"));
+    EXPECT_TRUE(runUntil([&] {
+        time_.advance(Seconds(0.01));
+        return !poster_->isPosting();
+    }));
+    EXPECT_EQ(givenUp, 0);
+    EXPECT_THAT(log_.printed(), IsEmpty());
+}
+
 INSTANTIATE_TEST_SUITE_P(Windows, X11KeyEventPosterFetched, testing::Values("pastes", "pastes-late"),
                          [](const auto& row) {
                              return std::string(row.param).substr(0, 6) +
                                     (row.param == std::string("pastes") ? "AtOnce" : "Late");
                          });
+
+TEST_F(X11KeyEventPosterTest, whenAWindowFetchesItsTextAgainAndAgain_itIsDoneSoonAfterTheFirstTime) {
+    QWindow window;
+    window.show();
+    EXPECT_TRUE(runUntil([&] { return window.isExposed(); }));
+    user_.focus(window.winId());
+    const auto fetch = [this] {
+        EXPECT_TRUE(runUntil([] { return QGuiApplication::clipboard()->text() == "text"; }));
+        time_.runPending();
+    };
+    post("text");
+    fetch();
+    time_.advance(Seconds(0.04));
+    EXPECT_TRUE(poster_->isPosting());
+    fetch();
+    time_.advance(Seconds(0.02));
+    EXPECT_FALSE(poster_->isPosting());
+    user_.focus(program_.window());
+}
 
 struct PrimaryRow {
     friend std::ostream& operator<<(std::ostream& out, const PrimaryRow& row) { return out << row.name; }
@@ -395,13 +523,13 @@ TEST_P(X11KeyEventPosterPrimary, onlyWindowsThatPasteFromIt_changeThePrimarySele
     user_.focus(program_.window());
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, X11KeyEventPosterPrimary,
-                         testing::Values(PrimaryRow{"editor", "Mousepad", false},
-                                         PrimaryRow{"xterm", "XTerm", true},
-                                         PrimaryRow{"vte", "Lxterminal", true},
-                                         PrimaryRow{"pterm", "pterm", true},
-                                         PrimaryRow{"listed", "Other-Paster", true}),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Rows, X11KeyEventPosterPrimary,
+    testing::Values(PrimaryRow{"editor", "Mousepad", false}, PrimaryRow{"xterm", "XTerm", true},
+                    PrimaryRow{"vte", "Lxterminal", true}, PrimaryRow{"pterm", "pterm", true},
+                    PrimaryRow{"putty", "Putty", true}, PrimaryRow{"gvim", "Gvim", true},
+                    PrimaryRow{"emacs", "Emacs", false}, PrimaryRow{"listed", "Other-Paster", true}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(X11KeyEventPosterTest, whenThePosterGoesWhileItWaits_nothingIsPressed) {
     user_.press("Alt_L");

@@ -266,7 +266,10 @@ protected:
     using From = X11Pasteboard::From;
 
     void offer(const std::string& text) { pasteboard_->replaceContents(text); }
-    void offerInBoth(const std::string& text) { pasteboard_->beginPaste(text, From::clipboardAndPrimary); }
+    void begin(const std::string& text) { EXPECT_TRUE(pasteboard_->beginPaste(text, From::clipboard)); }
+    void offerInBoth(const std::string& text) {
+        EXPECT_TRUE(pasteboard_->beginPaste(text, From::clipboardAndPrimary));
+    }
 
     static std::string longText(std::size_t size) {
         std::string text;
@@ -515,20 +518,20 @@ TEST_F(X11PasteboardTest, whenTheUsersFieldsPasteAndCopy_itIsTheSameClipboard) {
 TEST_F(X11PasteboardTest, whenATextIsPutThere_whatIsMarkedElsewhereStaysMarked) {
     program_.own("PRIMARY");
     offer("text");
-    pasteboard_->beginPaste("text", From::clipboard);
+    begin("text");
     EXPECT_EQ(program_.owner("PRIMARY"), program_.window());
     EXPECT_EQ(program_.text("CLIPBOARD"), "text");
 }
 
 TEST_F(X11PasteboardTest, whenATextIsPutThereDuringAPaste_thatPasteGetsItsOwn) {
     offer("first");
-    pasteboard_->beginPaste("first", From::clipboard);
+    begin("first");
     offer("second");
     EXPECT_EQ(pasteboard_->contents(), "second");
     EXPECT_EQ(program_.text(), "first");
     pasteboard_->endPaste();
     EXPECT_EQ(program_.text(), "second");
-    pasteboard_->beginPaste("first", From::clipboard);
+    begin("first");
     EXPECT_EQ(program_.text(), "first");
     pasteboard_->endPaste();
     EXPECT_EQ(program_.text(), "second");
@@ -536,11 +539,26 @@ TEST_F(X11PasteboardTest, whenATextIsPutThereDuringAPaste_thatPasteGetsItsOwn) {
 
 TEST_F(X11PasteboardTest, whenNothingElseWasPutThere_theTextOfThePasteStays) {
     offer("text");
-    pasteboard_->beginPaste("text", From::clipboard);
+    begin("text");
     pasteboard_->endPaste();
     program_.own("CLIPBOARD");
     pasteboard_->endPaste();
     EXPECT_EQ(program_.owner("CLIPBOARD"), program_.window());
+}
+
+TEST_F(X11PasteboardTest, whenAnotherProgramHasCopiedDuringThePaste_itsTextStays) {
+    offer("first");
+    begin("first");
+    offer("second");
+    EXPECT_TRUE(pasteboard_->holds("second"));
+    program_.own("CLIPBOARD");
+    EXPECT_FALSE(pasteboard_->holds("second"));
+    pasteboard_->endPaste();
+    EXPECT_EQ(program_.owner("CLIPBOARD"), program_.window());
+    offer("third");
+    EXPECT_EQ(program_.text(), "third");
+    EXPECT_TRUE(pasteboard_->holds("third"));
+    EXPECT_FALSE(pasteboard_->holds("second"));
 }
 
 TEST_F(X11PasteboardTest, whenATextHasBeenFetched_tellsWhichAndByWhom) {
@@ -556,13 +574,13 @@ TEST_F(X11PasteboardTest, whenATextHasBeenFetched_tellsWhichAndByWhom) {
     });
     offer("no paste");
     (void)program_.text();
-    const auto first = pasteboard_->beginPaste("short", From::clipboard);
+    const auto first = pasteboard_->beginPaste("short", From::clipboard).value();
     (void)program_.paste("TARGETS");
     EXPECT_THAT(told(), IsEmpty());
     (void)program_.paste("STRING");
     EXPECT_THAT(told(), ElementsAre(std::pair(first, program_.window())));
 
-    const auto second = pasteboard_->beginPaste(longText(500'000), From::clipboard);
+    const auto second = pasteboard_->beginPaste(longText(500'000), From::clipboard).value();
     program_.ask(program_.window(), "UTF8_STRING");
     EXPECT_EQ(program_.answer(program_.window()), "HERE");
     while (!program_.takePiece(program_.window()).bytes.empty()) {
@@ -578,6 +596,8 @@ TEST_F(X11PasteboardTest, whenThereIsNoDisplay_saysSoInTheLog) {
     pasteboard_ = std::make_unique<X11Pasteboard>(log_, ":97531", X11Pasteboard::Patience());
     offer("text");
     EXPECT_THAT(log_.printed(), Contains("[TovikVoice] Failed to put the text on the clipboard"));
+    EXPECT_EQ(pasteboard_->beginPaste("text", From::clipboard), std::nullopt);
+    EXPECT_FALSE(pasteboard_->holds("text"));
 }
 
 /// The desktop's clipboard manager, which keeps the text of programs that end.

@@ -47,7 +47,7 @@ TEST_F(HandsFreeHintsTest, confirmation_saysHowToFinishNearTheBottomOfTheMainScr
 
 TEST_F(HandsFreeHintsTest, theNoticeOfATextThatWasNotPasted_saysWhereItIsForFiveSeconds) {
     screens.setScreens({{Rect{0, 0, 1920, 1080}, Rect{0, 30, 1920, 1000}}});
-    hints.showNotPasted();
+    hints.showNotPasted(true);
     ASSERT_EQ(panels.panels.size(), 1u);
     EXPECT_EQ(panels.panels[0]->description,
               (HintDescription{"Not pasted · the text is on the clipboard and in the history",
@@ -57,6 +57,15 @@ TEST_F(HandsFreeHintsTest, theNoticeOfATextThatWasNotPasted_saysWhereItIsForFive
     EXPECT_TRUE(panels.panels[0]->fadeOuts.empty());
     time.advance(Seconds(0.01));
     EXPECT_EQ(panels.panels[0]->fadeOuts, std::vector{Seconds(0.15)});
+}
+
+TEST_F(HandsFreeHintsTest, theNoticeOfATextThatIsNotOnTheClipboard_namesTheHistoryAlone) {
+    screens.setScreens({{Rect{0, 0, 1920, 1080}, Rect{0, 30, 1920, 1000}}});
+    hints.showNotPasted(false);
+    ASSERT_EQ(panels.panels.size(), 1u);
+    EXPECT_EQ(panels.panels[0]->description,
+              (HintDescription{"Not pasted · the text is in the history", Rect{815, 1000, 290, 28}, 12,
+                               FontWeight::semibold, 0.86}));
 }
 
 TEST_F(HandsFreeHintsTest, whenTheMainScreenIsNotTheLeftmost_panelsStandOnIt) {

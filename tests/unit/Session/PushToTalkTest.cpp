@@ -363,9 +363,10 @@ TEST_F(PushToTalkTest, whenStoppedWhileTheTipShows_theTipFadesOut) {
 }
 
 TEST_F(PushToTalkTest, whenAPasteIsGivenUp_theUserIsTold) {
-    poster.givenUp.tell();
+    poster.givenUp.tell(false);
     ASSERT_EQ(hintPanels.panels.size(), 1u);
     EXPECT_TRUE(hintPanels.panels[0]->isOnScreen);
+    EXPECT_EQ(hintPanels.panels[0]->description.text, "Not pasted · the text is in the history");
 }
 
 // The early microphone.

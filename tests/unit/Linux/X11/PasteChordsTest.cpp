@@ -69,13 +69,15 @@ INSTANTIATE_TEST_SUITE_P(Rows, PasteChordText, testing::ValuesIn(kRows),
 struct BesideControl {
     const char* name;
     std::vector<std::string> ids;
-    const char* chord;
+    const char* chord; ///< empty: none
 };
 
 class PasteChordsBesideControl : public testing::TestWithParam<BesideControl> {};
 
 TEST_P(PasteChordsBesideControl, whenControlIsHeld_isWhatPastesThere) {
-    const MemoryUserDefaults defaults;
+    MemoryUserDefaults defaults;
+    defaults.set("platform.primaryPasters", {"my-terminal"});
+    defaults.set("platform.pasteChords", PropertyValue{{"XTerm-of-mine", "Shift+F5"}, {"wrong", "Nonsense"}});
     RecordingLog log;
     PasteChords chords(defaults, log);
     EXPECT_EQ(chords.chordBesideControl(GetParam().ids), PasteChord::parse(GetParam().chord));
@@ -86,15 +88,14 @@ INSTANTIATE_TEST_SUITE_P(Rows, PasteChordsBesideControl,
                                          BesideControl{"unknown", {}, "Ctrl+V"},
                                          BesideControl{"vteTerminal", {"Gnome-terminal"}, "Ctrl+Shift+V"},
                                          BesideControl{"konsole", {"window", "konsole"}, "Ctrl+Shift+V"},
-                                         BesideControl{"xterm", {"xterm", "XTerm"}, "Shift+Insert"}),
+                                         BesideControl{"xterm", {"xterm", "XTerm"}, "Shift+Insert"},
+                                         BesideControl{"emacs", {"emacs", "Emacs"}, ""},
+                                         BesideControl{"gvim", {"gvim", "Gvim"}, ""},
+                                         BesideControl{"tilda", {"Tilda"}, ""},
+                                         BesideControl{"putty", {"putty", "Putty"}, ""},
+                                         BesideControl{"listed", {"My-Terminal"}, ""},
+                                         BesideControl{"usersOwn", {"xterm", "xterm-of-mine"}, ""},
+                                         BesideControl{"usersMistake", {"wrong"}, "Ctrl+V"}),
                          [](const auto& row) { return std::string(row.param.name); });
-
-TEST(PasteChords, whenControlIsHeldInAPlainTerminal_theUsersOwnChordHolds) {
-    MemoryUserDefaults defaults;
-    defaults.set("platform.pasteChords", PropertyValue{{"XTerm", "Shift+F5"}});
-    RecordingLog log;
-    PasteChords chords(defaults, log);
-    EXPECT_EQ(chords.chordBesideControl({"xterm"}), PasteChord::parse("Shift+F5"));
-}
 
 } // namespace
