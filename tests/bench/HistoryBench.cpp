@@ -38,8 +38,10 @@ std::string transcript(std::mt19937& random) {
 
 std::vector<TranscriptHistoryEntry> entries() {
     std::mt19937 random(1);
+    constexpr int kCount = 100;
     std::vector<TranscriptHistoryEntry> made;
-    for (int number = 0; number < 100; ++number) {
+    made.reserve(kCount);
+    for (int number = 0; number < kCount; ++number) {
         made.push_back({transcript(random), Date{std::chrono::seconds(number)}});
     }
     return made;

@@ -107,8 +107,10 @@ int main(int argc, char** argv) {
 
     ApertiumService service(queue);
     timeOf(service, sentences()[0]);
+    constexpr int kTimes = 400;
     std::vector<double> warm;
-    for (auto count = 0; count < 400; ++count) {
+    warm.reserve(kTimes);
+    for (auto count = 0; count < kTimes; ++count) {
         warm.push_back(timeOf(service, sentences()[static_cast<std::size_t>(count) % sentences().size()]));
     }
     report("a sentence, warm", warm);
