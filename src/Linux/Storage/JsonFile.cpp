@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/Storage/JsonFile.h"
 
+#include "Platform/JsonNesting.h"
 #include "Platform/Posix.h"
 
 #include <fcntl.h>
@@ -20,24 +21,6 @@ using Json = nlohmann::json;
 
 /// Deeper than any setting, and far from what would exhaust the stack when a value is copied or written.
 constexpr int kDeepestNesting = 256;
-
-bool isNestedTooDeep(std::string_view text) {
-    int depth = 0;
-    bool inString = false;
-    for (std::size_t at = 0; at < text.size() && depth <= kDeepestNesting; ++at) {
-        const char byte = text[at];
-        if (byte == '"') {
-            inString = !inString;
-        } else if (inString) {
-            at += byte == '\\' ? 1 : 0;
-        } else if (byte == '[' || byte == '{') {
-            ++depth;
-        } else if (byte == ']' || byte == '}') {
-            --depth;
-        }
-    }
-    return depth > kDeepestNesting;
-}
 
 std::string dump(const Json& value) {
     return value.dump(-1, ' ', false, Json::error_handler_t::replace);
@@ -97,7 +80,7 @@ const std::string& JsonValue::text() const {
 }
 
 std::optional<JsonDocument> JsonDocument::parse(std::string_view text) {
-    if (isNestedTooDeep(text)) {
+    if (isNestedDeeper(text, kDeepestNesting)) {
         return std::nullopt;
     }
     auto parsed = Json::parse(text, nullptr, false);
